@@ -1,0 +1,203 @@
+#include "frame/host_interface.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/plugin_entry.h"
+
+extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolver resolver) {
+  gResolver = resolver;
+  if (auto* registerVersion = resolveHostEntry<void(Word)>("RegisterPluginVersion")) {
+    registerVersion(kPluginInterfaceVersion);
+  }
+  if (auto* version = resolveHostEntry<double()>("REALGetRBVersion")) rbversion_rbversion = version();
+  PluginEntry();
+}
+
+namespace {
+
+// Bound separately from the entry of the same name in the header: each wrapper has a cache of its own.
+constinit HostEntry<"REALLoadGlobalMethod", void*(void*, const char*)> loadGlobalMethod;
+constinit HostEntry<"RuntimeObjectIsa", bool(REALobject, REALclassRef)> objectIsA;
+constinit HostEntry<"REALGetStringCFString", CFStringRef(REALstring, bool)> copyStringCFString;
+constinit HostEntry<"PluginGetStringData", bool(REALstring, std::uint32_t, REALstringData*)> getStringData;
+constinit HostEntry<"PluginDisposeStringData", void(REALstringData*)> disposeStringData;
+constinit HostEntry<"StringGetCString", const char*(REALstring)> stringGetCString;
+constinit HostEntry<"GetEventInstance", void*(REALobject, Word)> getEventInstance;
+
+}  // namespace
+
+void* REALLoadFrameworkMethod(const char* declaration) { return loadGlobalMethod(nullptr, declaration); }
+
+bool REALObjectIsA(REALobject object, REALclassRef classRef) { return objectIsA(object, classRef); }
+
+CFStringRef REALCopyStringCFString(REALstring string) { return copyStringCFString(string, false); }
+
+void* REALGetEventInstance(REALobject object, const REALevent* event) {
+  return getEventInstance(object, event->hostReserved);
+}
+
+namespace {
+
+using LenB = REALinteger(REALstring);
+
+LenB* lenB() {
+  static std::atomic<LenB*> cached{nullptr};
+  LenB* method = cached.load(std::memory_order_relaxed);
+  if (method == nullptr) {
+    method = reinterpret_cast<LenB*>(REALLoadFrameworkMethod("LenB( s as string ) as integer"));
+    cached.store(method, std::memory_order_relaxed);
+  }
+  return method;
+}
+
+// For hosts that don't hand out string data themselves: a copy, with a terminator wide enough for every encoding.
+bool copyStringData(REALstring string, std::uint32_t encoding, REALstringData* data) {
+  constexpr std::size_t kTerminatorSize = 4;
+  auto* cString = stringGetCString.find();
+  LenB* byteLength = lenB();
+  if (cString == nullptr || byteLength == nullptr || string == nullptr) return false;
+
+  REALstring converted = nullptr;
+  if (encoding != kEncodingAsStored && REALGetStringEncoding(string) != encoding) {
+    converted = REALConvertString(string, encoding);
+    if (converted == nullptr) return false;
+    string = converted;
+  }
+  const auto length = static_cast<std::uint32_t>(byteLength(string));
+  auto* buffer = static_cast<char*>(std::malloc(length + kTerminatorSize));
+  if (buffer != nullptr) {
+    if (const char* bytes = cString(string); bytes != nullptr && length > 0) std::memcpy(buffer, bytes, length);
+    std::memset(buffer + length, 0, kTerminatorSize);
+    *data = {buffer, length, encoding};
+  }
+  if (converted != nullptr) REALUnlockString(converted);
+  return buffer != nullptr;
+}
+
+}  // namespace
+
+bool REALGetStringData(REALstring string, std::uint32_t encoding, REALstringData* data) {
+  if (auto* entry = getStringData.find()) return entry(string, encoding, data);
+  return copyStringData(string, encoding, data);
+}
+
+void REALDisposeStringData(REALstringData* data) {
+  if (auto* entry = disposeStringData.find()) {
+    entry(data);
+  } else {
+    std::free(data->data);
+  }
+}
+
+namespace {
+
+template <class Element>
+using Getter = Element (*)(REALarray, REALinteger index);
+template <class Element>
+using GetterSelector = Getter<Element> (*)(REALarray);
+
+template <class Element>
+Element storedElement(REALarray array, REALinteger index) {
+  const auto* record = reinterpret_cast<const REALarrayRecord*>(array);
+  return static_cast<const Element*>(record->storage)[index];
+}
+
+std::int64_t GetArrayValueProcInt64(REALarray array, REALinteger index) {
+  return storedElement<std::int64_t>(array, index);
+}
+
+std::int32_t GetArrayValueProcInt32(REALarray array, REALinteger index) {
+  return storedElement<std::int32_t>(array, index);
+}
+
+std::int32_t GetArrayValueProcInt8(REALarray array, REALinteger index) {
+  return storedElement<std::int8_t>(array, index);
+}
+
+float GetArrayValueProcFloat(REALarray array, REALinteger index) { return storedElement<float>(array, index); }
+
+double GetArrayValueProcDouble(REALarray array, REALinteger index) { return storedElement<double>(array, index); }
+
+REALstring GetArrayValueProcString(REALarray array, REALinteger index) {
+  auto string = storedElement<REALstring>(array, index);
+  if (string != nullptr) REALLockString(string);
+  return string;
+}
+
+REALobject GetArrayValueProcObject(REALarray array, REALinteger index) {
+  auto object = storedElement<REALobject>(array, index);
+  if (object != nullptr) REALLockObject(object);
+  return object;
+}
+
+Getter<std::int64_t> MyRuntimeArrayDirectGetGetProcInt64(REALarray) { return GetArrayValueProcInt64; }
+Getter<std::int32_t> MyRuntimeArrayDirectGetGetProcInt32(REALarray) { return GetArrayValueProcInt32; }
+Getter<std::int32_t> MyRuntimeArrayDirectGetGetProcInt8(REALarray) { return GetArrayValueProcInt8; }
+Getter<float> MyRuntimeArrayDirectGetGetProcFloat(REALarray) { return GetArrayValueProcFloat; }
+Getter<double> MyRuntimeArrayDirectGetGetProcDouble(REALarray) { return GetArrayValueProcDouble; }
+Getter<REALstring> MyRuntimeArrayDirectGetGetProcString(REALarray) { return GetArrayValueProcString; }
+Getter<REALobject> MyRuntimeArrayDirectGetGetProcObject(REALarray) { return GetArrayValueProcObject; }
+
+// One accessor a use: the host's selector, or, once the host was found to have none, Own for the life of the process.
+template <class Element, GetterSelector<Element> Own, class Out>
+void readElement(REALarray array, REALinteger index, Out* out) {
+  static std::atomic<GetterSelector<Element>> cached{nullptr};
+  GetterSelector<Element> selector = cached.load(std::memory_order_relaxed);
+  if (selector == nullptr) {
+    selector = resolveHostEntry<Getter<Element>(REALarray)>("RuntimeArrayDirectGetGetProc");
+    if (selector == nullptr) selector = Own;
+    cached.store(selector, std::memory_order_relaxed);
+  }
+  Getter<Element> getter = selector(array);
+  if (getter == nullptr || out == nullptr) return;
+  *out = static_cast<Out>(getter(array, index));
+}
+
+}  // namespace
+
+void REALGetArrayValueInt64(REALarray array, REALinteger index, std::int64_t* out) {
+  readElement<std::int64_t, MyRuntimeArrayDirectGetGetProcInt64>(array, index, out);
+}
+
+void REALGetArrayValueInt32(REALarray array, REALinteger index, std::int32_t* out) {
+  readElement<std::int32_t, MyRuntimeArrayDirectGetGetProcInt32>(array, index, out);
+}
+
+void REALGetArrayValueUInt8(REALarray array, REALinteger index, std::uint8_t* out) {
+  readElement<std::int32_t, MyRuntimeArrayDirectGetGetProcInt8>(array, index, out);
+}
+
+void REALGetArrayValueSingle(REALarray array, REALinteger index, float* out) {
+  readElement<float, MyRuntimeArrayDirectGetGetProcFloat>(array, index, out);
+}
+
+void REALGetArrayValueDouble(REALarray array, REALinteger index, double* out) {
+  readElement<double, MyRuntimeArrayDirectGetGetProcDouble>(array, index, out);
+}
+
+void REALGetArrayValueString(REALarray array, REALinteger index, REALstring* out) {
+  readElement<REALstring, MyRuntimeArrayDirectGetGetProcString>(array, index, out);
+}
+
+void REALGetArrayValueObject(REALarray array, REALinteger index, REALobject* out) {
+  readElement<REALobject, MyRuntimeArrayDirectGetGetProcObject>(array, index, out);
+}
+
+namespace {
+
+template <class Value>
+using Inserter = void (*)(REALarray, REALinteger index, Value);
+
+constinit HostEntry<"RuntimeArrayDirectGetInsertProc", Inserter<REALstring>(REALarray)> stringInserter;
+constinit HostEntry<"RuntimeArrayDirectGetInsertProc", Inserter<REALobject>(REALarray)> objectInserter;
+
+}  // namespace
+
+void REALInsertArrayValueString(REALarray array, REALinteger index, REALstring value) {
+  if (auto insert = stringInserter(array)) insert(array, index, value);
+}
+
+void REALInsertArrayValueObject(REALarray array, REALinteger index, REALobject value) {
+  if (auto insert = objectInserter(array)) insert(array, index, value);
+}
