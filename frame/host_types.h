@@ -78,62 +78,62 @@ struct REALarrayRecord {
 // The class tables. All texts are static; the host keeps the records.
 
 struct REALproperty {
-  Word reserved1;
-  const char* name;
-  const char* type;
-  Word flags;
-  void* getter;  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter
-  void* setter;  // function(object, parameter, value); kHostAccessor likewise; null: read-only
-  Word parameter;
-  Word reserved8;
-  Word reserved9;
-  Word reserved10;
+  Word reserved1 = 0;
+  const char* name = nullptr;
+  const char* type = nullptr;
+  Word flags = 0;
+  void* getter = nullptr;  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter
+  void* setter = nullptr;  // function(object, parameter, value); kHostAccessor likewise; null: read-only
+  Word parameter = 0;
+  Word reserved8 = 0;
+  Word reserved9 = 0;
+  Word reserved10 = 0;
 };
 
 struct REALmethodDefinition {
-  void* function;  // an instance method takes the object first, a shared method only the declared parameters
-  void* setter;    // called on assignment, with the assigned value last; null where there is none
-  const char* declaration;
-  Word flags;
+  void* function = nullptr;  // an instance method takes the object first, a shared method only the declared parameters
+  void* setter = nullptr;    // called on assignment, with the assigned value last; null where there is none
+  const char* declaration = nullptr;
+  Word flags = 0;
 };
 
 struct REALevent {
-  const char* declaration;
-  Word hostReserved;
+  const char* declaration = nullptr;
+  Word hostReserved = 0;
 };
 
 struct REALconstant {
-  const char* declaration;
-  Word reserved2;
-  Word reserved3;
+  const char* declaration = nullptr;
+  Word reserved2 = 0;
+  Word reserved3 = 0;
 };
 
 struct REALclassDefinition {
-  Word version;
-  const char* name;
-  const char* superName;
-  Word dataSize;    // bytes that the class adds to each instance
-  Word dataOffset;  // written by the host
-  void (*constructor)(REALobject);
-  void (*destructor)(REALobject);
-  REALproperty* properties;
-  Word propertyCount;
-  REALmethodDefinition* methods;
-  Word methodCount;
-  REALevent* events;
-  Word eventCount;
-  Word reserved14;
-  Word reserved15;
-  Word reserved16;
-  Word reserved17;
-  Word reserved18;
-  REALconstant* constants;
-  Word constantCount;
-  Word flags;
-  Word reserved22;
-  Word reserved23;
-  REALmethodDefinition* sharedMethods;
-  Word sharedMethodCount;
+  Word version = 0;
+  const char* name = nullptr;
+  const char* superName = nullptr;
+  Word dataSize = 0;    // bytes that the class adds to each instance
+  Word dataOffset = 0;  // written by the host
+  void (*constructor)(REALobject) = nullptr;
+  void (*destructor)(REALobject) = nullptr;
+  REALproperty* properties = nullptr;
+  Word propertyCount = 0;
+  REALmethodDefinition* methods = nullptr;
+  Word methodCount = 0;
+  REALevent* events = nullptr;
+  Word eventCount = 0;
+  Word reserved14 = 0;
+  Word reserved15 = 0;
+  Word reserved16 = 0;
+  Word reserved17 = 0;
+  Word reserved18 = 0;
+  REALconstant* constants = nullptr;
+  Word constantCount = 0;
+  Word flags = 0;
+  Word reserved22 = 0;
+  Word reserved23 = 0;
+  REALmethodDefinition* sharedMethods = nullptr;
+  Word sharedMethodCount = 0;
 };
 
 inline void* const kHostAccessor = reinterpret_cast<void*>(~Word{0});

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <utility>
+
+#include "platform/foundation/exception.h"
+
+// Leaves the exception pending in the host, as an object of its class "NSExceptionVXR", and returns. A host without that
+// class gets the exception through MyNSUncaughtExceptionHandler.
+void RaiseRBException(NSException exception);
+
+// Logs the exception, shows it in a message box and quits the application.
+[[noreturn]] void MyNSUncaughtExceptionHandler(NSException exception);
+
+// Runs the body. A framework exception becomes a pending host exception, and what the caller had stored so far is its
+// result; anything else that is thrown passes through.
+template <class Body>
+void guard(Body&& body) {
+  try {
+    std::forward<Body>(body)();
+  } catch (const NSException& exception) {
+    RaiseRBException(exception);
+  }
+}
