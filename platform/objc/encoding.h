@@ -26,6 +26,8 @@ inline constexpr std::string_view encoding<signed char> = "c";
 template <>
 inline constexpr std::string_view encoding<unsigned char> = "C";
 template <>
+inline constexpr std::string_view encoding<char16_t> = "S";
+template <>
 inline constexpr std::string_view encoding<short> = "s";
 template <>
 inline constexpr std::string_view encoding<unsigned short> = "S";

@@ -28,6 +28,11 @@ class NSObject {
   [[nodiscard]] inline class Class objectClass() const;
   [[nodiscard]] inline bool isKindOfClass(class Class kind) const;
   [[nodiscard]] inline bool respondsToSelector(objc::Selector selector) const;
+  // Equality of contents, and the number that equal objects share.
+  [[nodiscard]] inline bool isEqual(NSObject other) const;
+  [[nodiscard]] inline std::uintptr_t hash() const;
+  // Defined in platform/foundation/string.h.
+  [[nodiscard]] inline class NSString description() const;
 
  protected:
   objc::Object* object_ = nullptr;

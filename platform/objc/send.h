@@ -31,6 +31,18 @@ constexpr SelectorLiteral<Text> operator""_sel() {
   return {};
 }
 
+// The class of that name, looked up until it is found and then remembered; nil as long as there is none.
+template <FixedString Text>
+Class operator""_class() {
+  static constinit std::atomic<objc::ClassRecord*> found{nullptr};
+  objc::ClassRecord* record = found.load(std::memory_order_acquire);
+  if (record == nullptr) {
+    record = Class(Text.text).record();
+    found.store(record, std::memory_order_release);
+  }
+  return Class(record);
+}
+
 // Sends a message: the result and argument types must be the method's own. A nil receiver answers Result() and nothing
 // is called. What the method throws passes through.
 template <class Result, class... Arguments>
@@ -64,3 +76,7 @@ inline bool NSObject::isKindOfClass(Class kind) const { return send<bool>(*this,
 inline bool NSObject::respondsToSelector(objc::Selector selector) const {
   return send<bool>(*this, "respondsToSelector:"_sel, selector);
 }
+
+inline bool NSObject::isEqual(NSObject other) const { return send<bool>(*this, "isEqual:"_sel, other); }
+
+inline std::uintptr_t NSObject::hash() const { return send<std::uintptr_t>(*this, "hash"_sel); }
