@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/foundation/array.h"
+#include "platform/foundation/cf_base.h"
+#include "platform/objc/send.h"
+
+// Objects by key. Keys are copied and compared with isEqual: and hash; values are retained. allKeys has the order in
+// which the keys were first set.
+class NSDictionary : public NSObject {
+ public:
+  using NSObject::NSObject;
+
+  static NSDictionary dictionary() { return send<NSDictionary>("NSDictionary"_class, "dictionary"_sel); }
+  // nil raises NSInvalidArgumentException.
+  static NSDictionary dictionaryWithObject(NSObject object, NSObject key) {
+    return send<NSDictionary>("NSDictionary"_class, "dictionaryWithObject:forKey:"_sel, object, key);
+  }
+  // Of two equal keys the later one's object counts. Arrays of different length raise NSInvalidArgumentException.
+  static NSDictionary dictionaryWithObjects(NSArray objects, NSArray keys) {
+    return send<NSDictionary>("NSDictionary"_class, "dictionaryWithObjects:forKeys:"_sel, objects, keys);
+  }
+
+  [[nodiscard]] NSUInteger count() const { return send<NSUInteger>(*this, "count"_sel); }
+  [[nodiscard]] NSObject objectForKey(NSObject key) const { return send<NSObject>(*this, "objectForKey:"_sel, key); }
+  [[nodiscard]] NSArray allKeys() const { return send<NSArray>(*this, "allKeys"_sel); }
+};
+
+class NSMutableDictionary : public NSDictionary {
+ public:
+  using NSDictionary::NSDictionary;
+
+  static NSMutableDictionary dictionary() {
+    return send<NSMutableDictionary>("NSMutableDictionary"_class, "dictionary"_sel);
+  }
+  static NSMutableDictionary dictionaryWithCapacity(NSUInteger capacity) {
+    return send<NSMutableDictionary>("NSMutableDictionary"_class, "dictionaryWithCapacity:"_sel, capacity);
+  }
+
+  // nil raises NSInvalidArgumentException.
+  void setObject(NSObject object, NSObject key) const { send<void>(*this, "setObject:forKey:"_sel, object, key); }
+  // Does nothing for a key that isn't there; nil raises NSInvalidArgumentException.
+  void removeObjectForKey(NSObject key) const { send<void>(*this, "removeObjectForKey:"_sel, key); }
+};
