@@ -14,8 +14,8 @@ Signature* resolveHostEntry(const char* name) {
   return gResolver == nullptr ? nullptr : reinterpret_cast<Signature*>(gResolver(name));
 }
 
-// A host service, bound to its entry when it is first used. While the host lacks it, it is asked for again at each call,
-// and calls answer the neutral value of their type. Two threads that race to bind it store the same pointer.
+// A host service, bound to its entry when it is first used. While the host lacks it, it is asked for again at each
+// call, and calls answer the neutral value of their type. Two threads that race to bind it store the same pointer.
 template <FixedString Name, class Signature>
 class HostEntry;
 

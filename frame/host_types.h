@@ -82,7 +82,8 @@ struct REALproperty {
   const char* name = nullptr;
   const char* type = nullptr;
   Word flags = 0;
-  void* getter = nullptr;  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter
+  void* getter =
+      nullptr;  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter
   void* setter = nullptr;  // function(object, parameter, value); kHostAccessor likewise; null: read-only
   Word parameter = 0;
   Word reserved8 = 0;
