@@ -1,5 +1,6 @@
 #include "platform/foundation/run_loop.h"
 
+#include "platform/foundation/cf_string.h"
 #include "platform/foundation/run_loop_source.h"
 
 #include <algorithm>
@@ -111,6 +112,8 @@ int millisecondsUntil(Clock::time_point deadline) {
 bool onMainThread() { return gettid() == getpid(); }
 
 }  // namespace
+
+const CFStringRef kCFRunLoopDefaultMode = CFSTR("kCFRunLoopDefaultMode");
 
 RunLoopSource::RunLoopSource(int descriptor, std::function<void()> ready)
     : state_(std::make_shared<State>(State{.descriptor = descriptor, .ready = std::move(ready)})) {
