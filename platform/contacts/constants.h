@@ -5,248 +5,122 @@
 
 // The framework's string constants in the order of its documentation: always(name, text) for those that every version
 // has, later(name, text) for those that came with 10.7 or after and that a program looks up by name.
-#define AB_STRING_CONSTANTS(always, later)                                                                                                                                                           \
-  later(ABAddressBookErrorDomain, "ABAddressBookErrorDomain") later(                                                                                                                                 \
-      ABMultiValueIdentifiersErrorKey,                                                                                                                                                               \
-      "ABMultiValueIdentifiersErrorKey") always(kABUIDProperty, "UID") always(kABCreationDateProperty, "Creation")                                                                                   \
-      always(kABModificationDateProperty, "Modification") always(kABFirstNameProperty, "First") always(                                                                                              \
-          kABLastNameProperty,                                                                                                                                                                       \
-          "Last") always(kABFirstNamePhoneticProperty,                                                                                                                                               \
-                         "FirstPhonetic") always(kABLastNamePhoneticProperty,                                                                                                                        \
-                                                 "LastPhonetic") always(kABNicknameProperty,                                                                                                         \
-                                                                        "Nickname") always(kABMaidenNameProperty,                                                                                    \
-                                                                                           "MaidenName")                                                                                             \
-          always(kABBirthdayProperty, "Birthday") later(kABBirthdayComponentsProperty, "BirthdayComponents") always(                                                                                 \
-              kABOrganizationProperty, "Organization") always(kABJobTitleProperty,                                                                                                                   \
-                                                              "JobTitle") always(kABHomePageProperty,                                                                                                \
-                                                                                 "HomePage") always(kABURLsProperty,                                                                                 \
-                                                                                                    "URLs")                                                                                          \
-              always(kABHomePageLabel, "_$!<HomePage>!$_") always(kABCalendarURIsProperty, "calendarURIs") always(                                                                                   \
-                  kABEmailProperty,                                                                                                                                                                  \
-                  "Email") always(kABEmailWorkLabel,                                                                                                                                                 \
-                                  "_$!<Work>!$_") always(kABEmailHomeLabel,                                                                                                                          \
-                                                         "_$!<Home>!$_") later(kABEmailMobileMeLabel,                                                                                                \
-                                                                               "_$!<MobileMe>!$_")                                                                                                   \
-                  always(kABAddressProperty, "Address") always(kABAddressStreetKey, "Street") always(                                                                                                \
-                      kABAddressCityKey,                                                                                                                                                             \
-                      "City") always(kABAddressStateKey,                                                                                                                                             \
-                                     "State") always(kABAddressZIPKey,                                                                                                                               \
-                                                     "ZIP") always(kABAddressCountryKey,                                                                                                             \
-                                                                   "Country") always(kABAddressCountryCodeKey,                                                                                       \
-                                                                                     "CountryCode")                                                                                                  \
-                      always(kABAddressHomeLabel, "_$!<Home>!$_") always(kABAddressWorkLabel, "_$!<Work>!$_") always(                                                                                \
-                          kABOtherDatesProperty, "ABDate") later(kABOtherDateComponentsProperty,                                                                                                     \
-                                                                 "ABDateComponents") always(kABAnniversaryLabel,                                                                                     \
-                                                                                            "_$!<Anniversary>!$_")                                                                                   \
-                          always(kABRelatedNamesProperty, "ABRelatedNames") always(                                                                                                                  \
-                              kABFatherLabel,                                                                                                                                                        \
-                              "_$!<Father>!$_") always(kABMotherLabel,                                                                                                                               \
-                                                       "_$!<Mother>!$_") always(kABParentLabel, "_$!<Parent>!$_")                                                                                    \
-                              always(kABBrotherLabel, "_$!<Brother>!$_") always(                                                                                                                     \
-                                  kABSisterLabel,                                                                                                                                                    \
-                                  "_$!<Sister>!$_") always(kABChildLabel,                                                                                                                            \
-                                                           "_$!<Child>!$_") always(kABFriendLabel,                                                                                                   \
-                                                                                   "_$!<Friend>!$_") always(kABSpouseLabel,                                                                          \
-                                                                                                            "_$!<"                                                                                   \
-                                                                                                            "Spouse>!"                                                                               \
-                                                                                                            "$_")                                                                                    \
-                                  always(kABPartnerLabel, "_$!<Partner>!$_") always(                                                                                                                 \
-                                      kABAssistantLabel,                                                                                                                                             \
-                                      "_$!<"                                                                                                                                                         \
-                                      "Assistant>!$"                                                                                                                                                 \
-                                      "_") always(kABManagerLabel, "_$!<Manager>!$_")                                                                                                                \
-                                      always(kABDepartmentProperty, "ABDepartment") always(kABPersonFlags, "ABPersonF"                                                                               \
-                                                                                                           "lags") always(                                                                           \
-                                          kABPhoneProperty, "Phone") always(kABPhoneWorkLabel, "_$!<Work>!$_")                                                                                       \
-                                          always(kABPhoneHomeLabel, "_$!<Home>!$_") always(kABPhoneiPhoneLabel, "iPho"                                                                               \
-                                                                                                                "ne") always(                                                                        \
-                                              kABPhoneMobileLabel,                                                                                                                                   \
-                                              "_$!<Mobile>!$_") always(kABPhoneMainLabel,                                                                                                            \
-                                                                       "_$"                                                                                                                          \
-                                                                       "!<"                                                                                                                          \
-                                                                       "Ma"                                                                                                                          \
-                                                                       "in"                                                                                                                          \
-                                                                       ">!"                                                                                                                          \
-                                                                       "$"                                                                                                                           \
-                                                                       "_") always(kABPhoneHomeFAXLabel,                                                                                             \
-                                                                                   "_$!<HomeFAX>!$_")                                                                                                \
-                                              always(kABPhoneWorkFAXLabel,                                                                                                                           \
-                                                     "_$!<WorkFAX>!$_") always(kABPhonePagerLabel,                                                                                                   \
-                                                                               "_$!<Pager>!$_") always(kABAIMInstantProperty,                                                                        \
-                                                                                                       "AIMInstant") always(kABAIMWorkLabel,                                                         \
-                                                                                                                            "_$!<Work>!$_")                                                          \
-                                                  always(                                                                                                                                            \
-                                                      kABAIMHomeLabel, "_$!<Home>!$_") later(kABAIMMobileMeLabel,                                                                                    \
-                                                                                             "_$!<MobileMe>!$_") always(kABJabberInstantProperty, "JabberInstant")                                   \
-                                                      always(kABJabberWorkLabel, "_$!<Work>!$_") always(kABJabberHomeLabel, "_$!<Home>!$_") always(                                                  \
-                                                          kABMSNInstantProperty,                                                                                                                     \
-                                                          "MSNInstant") always(kABMSNWorkLabel, "_$!<Work>!$_")                                                                                      \
-                                                          always(kABMSNHomeLabel,                                                                                                                    \
-                                                                 "_$!<Home>!$_") always(kABYahooInstantProperty,                                                                                     \
-                                                                                        "YahooInstant") always(kABYahooWorkLabel, "_$!<Work>!$_")                                                    \
-                                                              always(kABYahooHomeLabel, "_$!<Home>!$_") always(kABICQInstantProperty, "ICQInstant") always(                                          \
-                                                                  kABICQWorkLabel,                                                                                                                   \
-                                                                  "_$!<Work>!$_") always(kABICQHomeLabel, "_$!<Home>!"                                                                               \
-                                                                                                          "$_")                                                                                      \
-                                                                  later(kABInstantMessageProperty, "InstantMessage") later(                                                                          \
-                                                                      kABInstantMessageUsernameKey,                                                                                                  \
-                                                                      "I"                                                                                                                            \
-                                                                      "n"                                                                                                                            \
-                                                                      "s"                                                                                                                            \
-                                                                      "t"                                                                                                                            \
-                                                                      "a"                                                                                                                            \
-                                                                      "n"                                                                                                                            \
-                                                                      "t"                                                                                                                            \
-                                                                      "M"                                                                                                                            \
-                                                                      "e"                                                                                                                            \
-                                                                      "s"                                                                                                                            \
-                                                                      "s"                                                                                                                            \
-                                                                      "a"                                                                                                                            \
-                                                                      "g"                                                                                                                            \
-                                                                      "e"                                                                                                                            \
-                                                                      "U"                                                                                                                            \
-                                                                      "s"                                                                                                                            \
-                                                                      "e"                                                                                                                            \
-                                                                      "r"                                                                                                                            \
-                                                                      "n"                                                                                                                            \
-                                                                      "a"                                                                                                                            \
-                                                                      "m"                                                                                                                            \
-                                                                      "e") later(kABInstantMessageServiceKey,                                                                                        \
-                                                                                 "InstantMessageS"                                                                                                   \
-                                                                                 "ervice") later(kABInstantMessageServiceAIM, "AIMInstant")                                                          \
-                                                                      later(kABInstantMessageServiceFacebook, "Facebo"                                                                               \
-                                                                                                              "okInst"                                                                               \
-                                                                                                              "ant") later(                                                                          \
-                                                                          kABInstantMessageServiceGaduGadu,                                                                                          \
-                                                                          "GaduGa"                                                                                                                   \
-                                                                          "duInst"                                                                                                                   \
-                                                                          "ant") later(kABInstantMessageServiceGoogleTalk,                                                                           \
-                                                                                       "GoogleTalkInstant") later(kABInstantMessageServiceICQ, "ICQInstant")                                         \
-                                                                          later(kABInstantMessageServiceJabber, "Jabb"                                                                               \
-                                                                                                                "erIn"                                                                               \
-                                                                                                                "stan"                                                                               \
-                                                                                                                "t") later(                                                                          \
-                                                                              kABInstantMessageServiceMSN,                                                                                           \
-                                                                              "MSNInst"                                                                                                              \
-                                                                              "ant") later(kABInstantMessageServiceQQ,                                                                               \
-                                                                                           "QQInstant") later(kABInstantMessageServiceSkype, "SkypeInstant")                                         \
-                                                                              later(kABInstantMessageServiceYahoo, "Y"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "h"                                                                               \
-                                                                                                                   "o"                                                                               \
-                                                                                                                   "o"                                                                               \
-                                                                                                                   "I"                                                                               \
-                                                                                                                   "n"                                                                               \
-                                                                                                                   "s"                                                                               \
-                                                                                                                   "t"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "n"                                                                               \
-                                                                                                                   "t") later(                                                                       \
-                                                                                  kABSocialProfileProperty,                                                                                          \
-                                                                                  "Social"                                                                                                           \
-                                                                                  "Profil"                                                                                                           \
-                                                                                  "e") later(kABSocialProfileURLKey,                                                                                 \
-                                                                                             "url") later(kABSocialProfileUsernameKey, "username")                                                   \
-                                                                                  later(kABSocialProfileUserIdentifierKey, "userIdentifier") later(kABSocialProfileServiceKey, "serviceName") later( \
-                                                                                      kABSocialProfileServiceTwitter,                                                                                \
-                                                                                      "twitter") later(kABSocialProfileServiceFacebook,                                                              \
-                                                                                                       "facebook") later(kABSocialProfileServiceLinkedIn,                                            \
-                                                                                                                         "linkedin")                                                                 \
-                                                                                      later(kABSocialProfileServiceFlickr, "flickr") later(                                                          \
-                                                                                          kABSocialProfileServiceMySpace,                                                                            \
-                                                                                          "myspace") always(kABNoteProperty,                                                                         \
-                                                                                                            "Note") always(kABMiddleNameProperty,                                                    \
-                                                                                                                           "Middle") always(kABMiddleNamePhoneticProperty,                           \
-                                                                                                                                            "MiddlePhonetic")                                        \
-                                                                                          always(kABTitleProperty, "T"                                                                               \
-                                                                                                                   "i"                                                                               \
-                                                                                                                   "t"                                                                               \
-                                                                                                                   "l"                                                                               \
-                                                                                                                   "e") always(                                                                      \
-                                                                                              kABSuffixProperty,                                                                                     \
-                                                                                              "Suffix") always(kABGroupNameProperty,                                                                 \
-                                                                                                               "G"                                                                                   \
-                                                                                                               "r"                                                                                   \
-                                                                                                               "o"                                                                                   \
-                                                                                                               "u"                                                                                   \
-                                                                                                               "p"                                                                                   \
-                                                                                                               "N"                                                                                   \
-                                                                                                               "a"                                                                                   \
-                                                                                                               "m"                                                                                   \
-                                                                                                               "e")                                                                                  \
-                                                                                              always(                                                                                                \
-                                                                                                  kABWorkLabel,                                                                                      \
-                                                                                                  "_$!<Work>!$"                                                                                      \
-                                                                                                  "_") always(kABHomeLabel, "_$!<Home>!$_")                                                          \
-                                                                                                  always(kABOtherLabel, "_$!<Other>!$_") later(                                                      \
-                                                                                                      kABMobileMeLabel,                                                                              \
-                                                                                                      "_$!<"                                                                                         \
-                                                                                                      "MobileMe>!"                                                                                   \
-                                                                                                      "$_") always(kABDatabaseChangedNotification,                                                   \
-                                                                                                                   "A"                                                                               \
-                                                                                                                   "B"                                                                               \
-                                                                                                                   "D"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "t"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "b"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "s"                                                                               \
-                                                                                                                   "e"                                                                               \
-                                                                                                                   "C"                                                                               \
-                                                                                                                   "h"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "n"                                                                               \
-                                                                                                                   "g"                                                                               \
-                                                                                                                   "e"                                                                               \
-                                                                                                                   "d"                                                                               \
-                                                                                                                   "N"                                                                               \
-                                                                                                                   "o"                                                                               \
-                                                                                                                   "t"                                                                               \
-                                                                                                                   "i"                                                                               \
-                                                                                                                   "f"                                                                               \
-                                                                                                                   "i"                                                                               \
-                                                                                                                   "c"                                                                               \
-                                                                                                                   "a"                                                                               \
-                                                                                                                   "t"                                                                               \
-                                                                                                                   "i"                                                                               \
-                                                                                                                   "o"                                                                               \
-                                                                                                                   "n")                                                                              \
-                                                                                                      always(                                                                                        \
-                                                                                                          kABDatabaseChangedExternallyNotification,                                                  \
-                                                                                                          "ABData"                                                                                   \
-                                                                                                          "baseCh"                                                                                   \
-                                                                                                          "angedE"                                                                                   \
-                                                                                                          "xterna"                                                                                   \
-                                                                                                          "llyNot"                                                                                   \
-                                                                                                          "ificat"                                                                                   \
-                                                                                                          "ion") always(kABInsertedRecords,                                                          \
-                                                                                                                        "ABInsertedRecords")                                                         \
-                                                                                                          always(                                                                                    \
-                                                                                                              kABUpdatedRecords,                                                                     \
-                                                                                                              "AB"                                                                                   \
-                                                                                                              "Up"                                                                                   \
-                                                                                                              "da"                                                                                   \
-                                                                                                              "te"                                                                                   \
-                                                                                                              "dR"                                                                                   \
-                                                                                                              "ec"                                                                                   \
-                                                                                                              "or"                                                                                   \
-                                                                                                              "d"                                                                                    \
-                                                                                                              "s")                                                                                   \
-                                                                                                              always(                                                                                \
-                                                                                                                  kABDeletedRecords,                                                                 \
-                                                                                                                  "AB"                                                                               \
-                                                                                                                  "De"                                                                               \
-                                                                                                                  "le"                                                                               \
-                                                                                                                  "te"                                                                               \
-                                                                                                                  "dR"                                                                               \
-                                                                                                                  "ec"                                                                               \
-                                                                                                                  "or"                                                                               \
-                                                                                                                  "d"                                                                                \
-                                                                                                                  "s")                                                                               \
-                                                                                                                  later(                                                                             \
-                                                                                                                      kABSocialProfileServiceSinaWeibo,                                              \
-                                                                                                                      "sinaweibo")
+// clang-format off
+#define AB_STRING_CONSTANTS(always, later) \
+  later(ABAddressBookErrorDomain, "ABAddressBookErrorDomain") \
+  later(ABMultiValueIdentifiersErrorKey, "ABMultiValueIdentifiersErrorKey") \
+  always(kABUIDProperty, "UID") \
+  always(kABCreationDateProperty, "Creation") \
+  always(kABModificationDateProperty, "Modification") \
+  always(kABFirstNameProperty, "First") \
+  always(kABLastNameProperty, "Last") \
+  always(kABFirstNamePhoneticProperty, "FirstPhonetic") \
+  always(kABLastNamePhoneticProperty, "LastPhonetic") \
+  always(kABNicknameProperty, "Nickname") \
+  always(kABMaidenNameProperty, "MaidenName") \
+  always(kABBirthdayProperty, "Birthday") \
+  later(kABBirthdayComponentsProperty, "BirthdayComponents") \
+  always(kABOrganizationProperty, "Organization") \
+  always(kABJobTitleProperty, "JobTitle") \
+  always(kABHomePageProperty, "HomePage") \
+  always(kABURLsProperty, "URLs") \
+  always(kABHomePageLabel, "_$!<HomePage>!$_") \
+  always(kABCalendarURIsProperty, "calendarURIs") \
+  always(kABEmailProperty, "Email") \
+  always(kABEmailWorkLabel, "_$!<Work>!$_") \
+  always(kABEmailHomeLabel, "_$!<Home>!$_") \
+  later(kABEmailMobileMeLabel, "_$!<MobileMe>!$_") \
+  always(kABAddressProperty, "Address") \
+  always(kABAddressStreetKey, "Street") \
+  always(kABAddressCityKey, "City") \
+  always(kABAddressStateKey, "State") \
+  always(kABAddressZIPKey, "ZIP") \
+  always(kABAddressCountryKey, "Country") \
+  always(kABAddressCountryCodeKey, "CountryCode") \
+  always(kABAddressHomeLabel, "_$!<Home>!$_") \
+  always(kABAddressWorkLabel, "_$!<Work>!$_") \
+  always(kABOtherDatesProperty, "ABDate") \
+  later(kABOtherDateComponentsProperty, "ABDateComponents") \
+  always(kABAnniversaryLabel, "_$!<Anniversary>!$_") \
+  always(kABRelatedNamesProperty, "ABRelatedNames") \
+  always(kABFatherLabel, "_$!<Father>!$_") \
+  always(kABMotherLabel, "_$!<Mother>!$_") \
+  always(kABParentLabel, "_$!<Parent>!$_") \
+  always(kABBrotherLabel, "_$!<Brother>!$_") \
+  always(kABSisterLabel, "_$!<Sister>!$_") \
+  always(kABChildLabel, "_$!<Child>!$_") \
+  always(kABFriendLabel, "_$!<Friend>!$_") \
+  always(kABSpouseLabel, "_$!<Spouse>!$_") \
+  always(kABPartnerLabel, "_$!<Partner>!$_") \
+  always(kABAssistantLabel, "_$!<Assistant>!$_") \
+  always(kABManagerLabel, "_$!<Manager>!$_") \
+  always(kABDepartmentProperty, "ABDepartment") \
+  always(kABPersonFlags, "ABPersonFlags") \
+  always(kABPhoneProperty, "Phone") \
+  always(kABPhoneWorkLabel, "_$!<Work>!$_") \
+  always(kABPhoneHomeLabel, "_$!<Home>!$_") \
+  always(kABPhoneiPhoneLabel, "iPhone") \
+  always(kABPhoneMobileLabel, "_$!<Mobile>!$_") \
+  always(kABPhoneMainLabel, "_$!<Main>!$_") \
+  always(kABPhoneHomeFAXLabel, "_$!<HomeFAX>!$_") \
+  always(kABPhoneWorkFAXLabel, "_$!<WorkFAX>!$_") \
+  always(kABPhonePagerLabel, "_$!<Pager>!$_") \
+  always(kABAIMInstantProperty, "AIMInstant") \
+  always(kABAIMWorkLabel, "_$!<Work>!$_") \
+  always(kABAIMHomeLabel, "_$!<Home>!$_") \
+  later(kABAIMMobileMeLabel, "_$!<MobileMe>!$_") \
+  always(kABJabberInstantProperty, "JabberInstant") \
+  always(kABJabberWorkLabel, "_$!<Work>!$_") \
+  always(kABJabberHomeLabel, "_$!<Home>!$_") \
+  always(kABMSNInstantProperty, "MSNInstant") \
+  always(kABMSNWorkLabel, "_$!<Work>!$_") \
+  always(kABMSNHomeLabel, "_$!<Home>!$_") \
+  always(kABYahooInstantProperty, "YahooInstant") \
+  always(kABYahooWorkLabel, "_$!<Work>!$_") \
+  always(kABYahooHomeLabel, "_$!<Home>!$_") \
+  always(kABICQInstantProperty, "ICQInstant") \
+  always(kABICQWorkLabel, "_$!<Work>!$_") \
+  always(kABICQHomeLabel, "_$!<Home>!$_") \
+  later(kABInstantMessageProperty, "InstantMessage") \
+  later(kABInstantMessageUsernameKey, "InstantMessageUsername") \
+  later(kABInstantMessageServiceKey, "InstantMessageService") \
+  later(kABInstantMessageServiceAIM, "AIMInstant") \
+  later(kABInstantMessageServiceFacebook, "FacebookInstant") \
+  later(kABInstantMessageServiceGaduGadu, "GaduGaduInstant") \
+  later(kABInstantMessageServiceGoogleTalk, "GoogleTalkInstant") \
+  later(kABInstantMessageServiceICQ, "ICQInstant") \
+  later(kABInstantMessageServiceJabber, "JabberInstant") \
+  later(kABInstantMessageServiceMSN, "MSNInstant") \
+  later(kABInstantMessageServiceQQ, "QQInstant") \
+  later(kABInstantMessageServiceSkype, "SkypeInstant") \
+  later(kABInstantMessageServiceYahoo, "YahooInstant") \
+  later(kABSocialProfileProperty, "SocialProfile") \
+  later(kABSocialProfileURLKey, "url") \
+  later(kABSocialProfileUsernameKey, "username") \
+  later(kABSocialProfileUserIdentifierKey, "userIdentifier") \
+  later(kABSocialProfileServiceKey, "serviceName") \
+  later(kABSocialProfileServiceTwitter, "twitter") \
+  later(kABSocialProfileServiceFacebook, "facebook") \
+  later(kABSocialProfileServiceLinkedIn, "linkedin") \
+  later(kABSocialProfileServiceFlickr, "flickr") \
+  later(kABSocialProfileServiceMySpace, "myspace") \
+  always(kABNoteProperty, "Note") \
+  always(kABMiddleNameProperty, "Middle") \
+  always(kABMiddleNamePhoneticProperty, "MiddlePhonetic") \
+  always(kABTitleProperty, "Title") \
+  always(kABSuffixProperty, "Suffix") \
+  always(kABGroupNameProperty, "GroupName") \
+  always(kABWorkLabel, "_$!<Work>!$_") \
+  always(kABHomeLabel, "_$!<Home>!$_") \
+  always(kABOtherLabel, "_$!<Other>!$_") \
+  later(kABMobileMeLabel, "_$!<MobileMe>!$_") \
+  always(kABDatabaseChangedNotification, "ABDatabaseChangedNotification") \
+  always(kABDatabaseChangedExternallyNotification, "ABDatabaseChangedExternallyNotification") \
+  always(kABInsertedRecords, "ABInsertedRecords") \
+  always(kABUpdatedRecords, "ABUpdatedRecords") \
+  always(kABDeletedRecords, "ABDeletedRecords") \
+  later(kABSocialProfileServiceSinaWeibo, "sinaweibo")
+// clang-format on
 
 extern "C" {
 #define AB_DECLARE_CONSTANT(name, text) extern PLATFORM_API const NSString name;

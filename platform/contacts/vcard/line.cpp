@@ -1,0 +1,124 @@
+#include "platform/contacts/vcard/line.h"
+
+#include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/sections.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace vcard {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+constexpr bool isNameCharacter(char c) {
+  return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '/';
+}
+
+// The position of the first of the two characters that is outside double quotes.
+std::size_t findOutsideQuotes(std::string_view text, std::size_t from, char a, char b) {
+  bool quoted = false;
+  for (std::size_t i = from; i < text.size(); ++i) {
+    if (text[i] == '"') quoted = !quoted;
+    if (!quoted && (text[i] == a || text[i] == b)) return i;
+  }
+  return kNone;
+}
+
+// The name of the parameter that a bare word is a value of.
+std::string_view nameForBareWord(std::string_view word) {
+  constexpr std::array<std::string_view, 5> kEncodings{"QUOTED-PRINTABLE", "BASE64", "7BIT", "8BIT", "B"};
+  constexpr std::array<std::string_view, 4> kValueKinds{"INLINE", "URL", "CONTENT-ID", "CID"};
+  auto isWord = [word](std::string_view known) { return equalsIgnoringCase(word, known); };
+  if (std::ranges::any_of(kEncodings, isWord)) return "ENCODING";
+  if (std::ranges::any_of(kValueKinds, isWord)) return "VALUE";
+  return "TYPE";
+}
+
+// One value of a list, its quotes taken off. A TYPE list may stand inside one pair of quotes.
+void appendValue(std::vector<Parameter>& parameters, std::string_view name, std::string_view text) {
+  text = trimmed(text);
+  if (text.size() < 2 || !text.starts_with('"') || !text.ends_with('"')) {
+    parameters.push_back({std::string(name), std::string(text)});
+    return;
+  }
+  text = text.substr(1, text.size() - 2);
+  for (std::size_t comma = 0; name == "TYPE" && (comma = text.find(',')) != kNone; text.remove_prefix(comma + 1)) {
+    parameters.push_back({std::string(name), std::string(trimmed(text.substr(0, comma)))});
+  }
+  parameters.push_back({std::string(name), std::string(text)});
+}
+
+void appendParameter(std::vector<Parameter>& parameters, std::string_view text) {
+  const std::size_t equals = findOutsideQuotes(text, 0, '=', '=');
+  std::string name(nameForBareWord(trimmed(text)));
+  if (equals != kNone) {
+    name = uppercased(trimmed(text.substr(0, equals)));
+    text.remove_prefix(equals + 1);
+  } else if (trimmed(text).empty()) {
+    return;
+  }
+  for (std::size_t comma = 0; (comma = findOutsideQuotes(text, 0, ',', ',')) != kNone; text.remove_prefix(comma + 1)) {
+    appendValue(parameters, name, text.substr(0, comma));
+  }
+  appendValue(parameters, name, text);
+}
+
+}  // namespace
+
+Line::Line(std::string_view raw, std::string unfolded) : raw_(raw), unfolded_(std::move(unfolded)) {
+  const std::string_view text = content();
+  nameEnd_ = text.find_first_of(";:");
+  headEnd_ = text.size();
+  if (nameEnd_ == kNone) return;
+  const std::size_t dot = text.substr(0, nameEnd_).rfind('.');
+  nameStart_ = dot == kNone ? 0 : dot + 1;
+  const std::string_view found = trimmed(text.substr(nameStart_, nameEnd_ - nameStart_));
+  if (found.empty() || !std::ranges::all_of(found, isNameCharacter)) return;
+
+  std::size_t colon = findOutsideQuotes(text, nameEnd_, ':', ':');
+  if (colon == kNone) colon = text.find(':', nameEnd_);  // a quote that is never closed
+  if (colon == kNone) return;
+  headEnd_ = colon;
+  wellFormed_ = true;
+}
+
+std::string_view Line::content() const { return unfolded_.empty() ? withoutBreak(raw_) : std::string_view(unfolded_); }
+
+std::string_view Line::group() const {
+  if (!wellFormed_ || nameStart_ == 0) return {};
+  return trimmed(content().substr(0, nameStart_ - 1));
+}
+
+std::string_view Line::name() const {
+  return wellFormed_ ? trimmed(content().substr(nameStart_, nameEnd_ - nameStart_)) : std::string_view();
+}
+
+std::string_view Line::value() const { return wellFormed_ ? content().substr(headEnd_ + 1) : std::string_view(); }
+
+bool Line::is(std::string_view wanted) const { return equalsIgnoringCase(name(), wanted); }
+
+std::vector<Parameter> Line::parameters() const {
+  std::vector<Parameter> parameters;
+  if (!wellFormed_ || nameEnd_ == headEnd_) return parameters;
+  std::string_view rest = head().substr(nameEnd_ + 1);
+  for (std::size_t end = 0; (end = findOutsideQuotes(rest, 0, ';', ';')) != kNone; rest.remove_prefix(end + 1)) {
+    appendParameter(parameters, rest.substr(0, end));
+  }
+  appendParameter(parameters, rest);
+  return parameters;
+}
+
+std::string_view firstParameter(const std::vector<Parameter>& parameters, std::string_view name) {
+  auto found = std::ranges::find(parameters, name, &Parameter::name);
+  return found == parameters.end() ? std::string_view() : std::string_view(found->value);
+}
+
+bool hasParameter(const std::vector<Parameter>& parameters, std::string_view name, std::string_view value) {
+  return std::ranges::any_of(parameters, [&](const Parameter& parameter) {
+    return parameter.name == name && equalsIgnoringCase(parameter.value, value);
+  });
+}
+
+}  // namespace vcard

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vcard {
+
+// One value of one parameter. The name is in upper case; a list (TYPE=home,work) gives one parameter for each value,
+// and a bare word of version 2.1 (TEL;HOME:) gets the name that it stands for.
+struct Parameter {
+  std::string name;
+  std::string value;
+};
+
+// One logical line of a card: [group.]NAME[;parameters]:value. It looks into the card's text, which must outlive it.
+class Line {
+ public:
+  // raw is the line as it stands, folds and break included; unfolded is its content when that is not simply raw without
+  // its break, else empty.
+  Line(std::string_view raw, std::string unfolded);
+
+  [[nodiscard]] std::string_view raw() const { return raw_; }
+  [[nodiscard]] std::string_view content() const;
+
+  // A line that isn't in that form (empty, without a colon, a strange name) has an empty name and no value.
+  [[nodiscard]] std::string_view group() const;
+  [[nodiscard]] std::string_view name() const;
+  // Still escaped and encoded.
+  [[nodiscard]] std::string_view value() const;
+  [[nodiscard]] bool is(std::string_view name) const;
+
+  [[nodiscard]] std::vector<Parameter> parameters() const;
+
+ private:
+  [[nodiscard]] std::string_view head() const { return content().substr(0, headEnd_); }
+
+  std::string_view raw_;
+  std::string unfolded_;
+  std::size_t nameStart_ = 0;  // where the group's dot ends
+  std::size_t nameEnd_ = 0;
+  std::size_t headEnd_ = 0;  // the colon; content().size() when there is no value
+  bool wellFormed_ = false;
+};
+
+// The parameter's first value, or an empty text.
+std::string_view firstParameter(const std::vector<Parameter>& parameters, std::string_view name);
+// Whether the parameter has the value, case ignored.
+bool hasParameter(const std::vector<Parameter>& parameters, std::string_view name, std::string_view value);
+
+}  // namespace vcard

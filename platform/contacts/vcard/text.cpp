@@ -1,0 +1,106 @@
+#include "platform/contacts/vcard/text.h"
+
+#include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/charset.h"
+#include "platform/contacts/vcard/encoding.h"
+
+#include <cstddef>
+
+namespace vcard {
+namespace {
+
+// Each kind of line break becomes one "\n".
+std::string withUnixBreaks(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r') {
+      result.push_back(text[i]);
+    } else if (i + 1 == text.size() || text[i + 1] != '\n') {
+      result.push_back('\n');
+    }
+  }
+  return result;
+}
+
+bool isBase64(const std::vector<Parameter>& parameters) {
+  return hasParameter(parameters, "ENCODING", "B") || hasParameter(parameters, "ENCODING", "BASE64");
+}
+
+}  // namespace
+
+std::string decodedValue(const Line& line) {
+  const std::vector<Parameter> parameters = line.parameters();
+  const std::string_view charset = firstParameter(parameters, "CHARSET");
+  if (hasParameter(parameters, "ENCODING", "QUOTED-PRINTABLE")) {
+    return decodeCharset(decodeQuotedPrintable(line.value()), charset);
+  }
+  if (isBase64(parameters)) return decodeCharset(decodeBase64(line.value()), charset);
+  return decodeCharset(line.value(), charset);
+}
+
+std::string binaryValue(const Line& line) {
+  if (isBase64(line.parameters())) return decodeBase64(line.value());
+  const std::string_view value = trimmed(line.value());
+  constexpr std::string_view kScheme = "data:";
+  constexpr std::string_view kMark = ";base64";
+  if (!equalsIgnoringCase(value.substr(0, kScheme.size()), kScheme)) return {};
+  // Some writers escape the comma as in any text.
+  const std::size_t comma = value.find(',');
+  if (comma == std::string_view::npos) return {};
+  std::string_view kind = value.substr(0, comma);
+  if (kind.ends_with('\\')) kind.remove_suffix(1);
+  const bool isMarked =
+      kind.size() >= kMark.size() && equalsIgnoringCase(kind.substr(kind.size() - kMark.size()), kMark);
+  return isMarked ? decodeBase64(value.substr(comma + 1)) : std::string();
+}
+
+std::string unescape(std::string_view escaped, Version version) {
+  std::string text;
+  text.reserve(escaped.size());
+  constexpr std::string_view kPunctuation = "\\;,:\"";
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    if (escaped[i] == '\\' && i + 1 < escaped.size()) {
+      const char next = escaped[i + 1];
+      const bool isBreak = version != Version::k21 && lower(next) == 'n';
+      if (isBreak || kPunctuation.find(next) != std::string_view::npos) {
+        text.push_back(isBreak ? '\n' : next);
+        ++i;
+        continue;
+      }
+    }
+    text.push_back(escaped[i]);
+  }
+  return withUnixBreaks(text);
+}
+
+std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version) {
+  std::vector<std::string> fields;
+  std::size_t start = 0;
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    if (escaped[i] == '\\') {
+      ++i;
+    } else if (escaped[i] == separator) {
+      fields.push_back(unescape(escaped.substr(start, i - start), version));
+      start = i + 1;
+    }
+  }
+  fields.push_back(unescape(escaped.substr(start), version));
+  return fields;
+}
+
+std::string escape(std::string_view text) {
+  std::string escaped;
+  escaped.reserve(text.size() + text.size() / 8);
+  for (const char c : withUnixBreaks(text)) {
+    if (c == '\n') {
+      escaped += "\\n";
+      continue;
+    }
+    if (c == '\\' || c == ';' || c == ',') escaped.push_back('\\');
+    escaped.push_back(c);
+  }
+  return escaped;
+}
+
+}  // namespace vcard

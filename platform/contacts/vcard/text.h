@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/contacts/vcard/card.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Values of lines, and texts for them. All text is UTF-8.
+namespace vcard {
+
+// The line's value with its transfer encoding and character set undone, still escaped; always valid UTF-8.
+std::string decodedValue(const Line& line);
+// The bytes of an embedded picture or sound, whether base64 or a data: URI; empty for anything else.
+std::string binaryValue(const Line& line);
+
+// Undoes the backslashes; line breaks come out as "\n". Version 2.1 has none but those before punctuation.
+std::string unescape(std::string_view escaped, Version version);
+// The parts between unescaped separators, each unescaped.
+std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version);
+
+// As version 3.0 escapes a text or one field of a structured value.
+std::string escape(std::string_view text);
+
+}  // namespace vcard

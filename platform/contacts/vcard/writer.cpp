@@ -1,0 +1,53 @@
+#include "platform/contacts/vcard/writer.h"
+
+#include <cstddef>
+
+namespace vcard {
+namespace {
+
+constexpr std::size_t kLongestLine = 75;  // octets without the line break
+
+constexpr bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
+
+// A parameter's value can hold neither quotes nor line breaks; it is quoted when it holds a delimiter.
+void appendParameterValue(std::string& content, std::string_view value) {
+  const bool isQuoted = value.find_first_of(",;:") != std::string_view::npos;
+  if (isQuoted) content.push_back('"');
+  for (const char c : value) {
+    const bool isControl = static_cast<unsigned char>(c) < ' ' && c != '\t';
+    content.push_back(c == '"' ? '\'' : isControl ? ' ' : c);
+  }
+  if (isQuoted) content.push_back('"');
+}
+
+void appendFolded(std::string& card, std::string_view content) {
+  std::size_t room = kLongestLine;
+  while (content.size() > room) {
+    std::size_t end = room;
+    while (end > room - 4 && isContinuationByte(content[end])) --end;
+    card += content.substr(0, end);
+    card += "\r\n ";
+    content.remove_prefix(end);
+    room = kLongestLine - 1;
+  }
+  card += content;
+  card += "\r\n";
+}
+
+}  // namespace
+
+void appendLine(std::string& card, std::string_view group, std::string_view name,
+                const std::vector<Parameter>& parameters, std::string_view value) {
+  std::string content;
+  if (!group.empty()) content.append(group).push_back('.');
+  content += name;
+  for (const Parameter& parameter : parameters) {
+    content.append(";").append(parameter.name).push_back('=');
+    appendParameterValue(content, parameter.value);
+  }
+  content.push_back(':');
+  content += value;
+  appendFolded(card, content);
+}
+
+}  // namespace vcard
