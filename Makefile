@@ -1,0 +1,33 @@
+# The front door. Every target builds in build/<preset>; the presets are in CMakePresets.json.
+
+.PHONY: help demo test check bench format clean
+
+help:
+	@echo 'make demo    build, and list the people of examples/contacts through the plug-in'
+	@echo 'make test    build and run all tests, 32-bit and 64-bit'
+	@echo 'make check   everything that has to hold before a change lands: all presets, format, layers, ratio'
+	@echo 'make bench   build and run the benchmarks'
+	@echo 'make format  format the C++ sources in place'
+	@echo 'make clean   remove the build trees'
+
+demo:
+	@scripts/install-packages build
+	@scripts/demo
+
+test:
+	@scripts/install-packages build
+	@scripts/test-presets $$(scripts/widths)
+
+check:
+	@scripts/install-packages build check
+	@scripts/check
+
+bench:
+	@scripts/install-packages build check
+	@scripts/bench
+
+format:
+	@scripts/format
+
+clean:
+	rm -rf build
