@@ -15,3 +15,5 @@ inline constexpr OSErr bdNamErr = -37;   // a name that no item can have, or tha
 inline constexpr OSErr fnfErr = -43;     // the item, or what was asked for, isn't there
 inline constexpr OSErr paramErr = -50;   // an argument that means nothing
 inline constexpr OSErr dirNFErr = -120;  // the folder isn't there
+inline constexpr OSErr errFSBadFSRef = -1401;
+inline constexpr OSErr pathTooLongErr = -2110;

@@ -10,7 +10,7 @@
 // character here, and no name holds a slash.
 
 // An opaque reference to an item that existed when the reference was made. It means something only in the process that
-// made it. Functions answer fnfErr once the item is deleted, or moved to a place where no reference to it was made.
+// made it. Functions answer fnfErr once the item is deleted or moved, and errFSBadFSRef for what never was a reference.
 struct FSRef {
   std::uint8_t hidden[80];
 };
