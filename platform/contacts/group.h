@@ -7,6 +7,14 @@ class ABGroup : public ABRecord {
  public:
   using ABRecord::ABRecord;
 
+  static ABGroup alloc() { return ::alloc<ABGroup>("ABGroup"_class); }
+  // In no address book.
+  [[nodiscard]] ABGroup init() const { return send<ABGroup>(*this, "init"_sel); }
+  // Stored when the book is saved.
+  [[nodiscard]] ABGroup initWithAddressBook(NSObject book) const {
+    return send<ABGroup>(*this, "initWithAddressBook:"_sel, book);
+  }
+
   static NSArray properties() { return send<NSArray>("ABGroup"_class, "properties"_sel); }
   static NSInteger typeOfProperty(NSString property) {
     return send<NSInteger>("ABGroup"_class, "typeOfProperty:"_sel, property);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/foundation/object.h"
 #include "platform/foundation/string.h"
 
 class ABMutableMultiValue;
@@ -36,6 +37,9 @@ class ABMultiValue : public NSObject {
 class ABMutableMultiValue : public ABMultiValue {
  public:
   using ABMultiValue::ABMultiValue;
+
+  static ABMutableMultiValue alloc() { return ::alloc<ABMutableMultiValue>("ABMutableMultiValue"_class); }
+  [[nodiscard]] ABMutableMultiValue init() const { return send<ABMutableMultiValue>(*this, "init"_sel); }
 
   // The new entry's identifier. A nil value or label raises NSInvalidArgumentException.
   NSString addValue(NSObject value, NSString label) const {

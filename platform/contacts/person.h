@@ -5,14 +5,22 @@
 #include "platform/foundation/array.h"
 #include "platform/foundation/data.h"
 #include "platform/foundation/dictionary.h"
+#include "platform/foundation/object.h"
 
 class ABPerson : public ABRecord {
  public:
   using ABRecord::ABRecord;
 
-  // The first card of the data, in no address book; nil for what is no vCard. The caller owns the result.
-  static ABPerson newWithVCardRepresentation(NSData vCard) {
-    return send<ABPerson>(send<ABPerson>("ABPerson"_class, "alloc"_sel), "initWithVCardRepresentation:"_sel, vCard);
+  static ABPerson alloc() { return ::alloc<ABPerson>("ABPerson"_class); }
+  // In no address book.
+  [[nodiscard]] ABPerson init() const { return send<ABPerson>(*this, "init"_sel); }
+  // Stored when the book is saved.
+  [[nodiscard]] ABPerson initWithAddressBook(NSObject book) const {
+    return send<ABPerson>(*this, "initWithAddressBook:"_sel, book);
+  }
+  // The first card of the data, in no address book; nil for what is no vCard.
+  [[nodiscard]] ABPerson initWithVCardRepresentation(NSData vCard) const {
+    return send<ABPerson>(*this, "initWithVCardRepresentation:"_sel, vCard);
   }
 
   // The property names of all people, in order.
