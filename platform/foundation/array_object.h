@@ -14,7 +14,13 @@ struct ArrayObject : objc::Object {
 
 struct MutableArrayObject : ArrayObject {};
 
+// The array isn't nil.
+inline const std::vector<Retained<NSObject>>& objectsOf(NSArray array) {
+  return static_cast<const ArrayObject*>(array.get())->objects;
+}
+
 // Autoreleased. No object is nil.
 NSArray makeArray(std::vector<Retained<NSObject>> objects);
+NSEnumerator makeEnumerator(NSArray array);
 
 }  // namespace foundation

@@ -11,6 +11,8 @@ void registerNull();
 void registerException();
 void registerAutoreleasePool();
 void registerCFDictionary();
+void registerUrl();
+void registerBundle();
 
 // Registers every class of the framework, once; for those who may run before this library's static initialisers.
 void load();

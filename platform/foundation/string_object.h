@@ -32,6 +32,9 @@ NSString makeString(std::u16string units);
 // Bytes that are no UTF-8 give nil.
 NSString makeString(std::string_view utf8);
 
+void appendUnits(NSMutableString string, std::u16string_view units);
+void setUnits(NSMutableString string, std::u16string units);
+
 // The text in UTF-8, unpaired surrogates as U+FFFD; nil gives an empty text.
 std::string utf8Of(NSString string);
 

@@ -1,0 +1,29 @@
+#include "platform/foundation/load.h"
+
+namespace {
+
+constinit bool loaded = false;
+
+}  // namespace
+
+void foundation::load() {
+  if (loaded) return;
+  loaded = true;
+  registerObject();
+  registerString();
+  registerEnumerator();
+  registerArray();
+  registerNull();
+  registerException();
+  registerAutoreleasePool();
+  registerCFDictionary();
+  registerUrl();
+  registerBundle();
+}
+
+namespace {
+
+// The library's own static initialiser, so that all who link to it find its classes.
+[[maybe_unused]] const bool loadedAtStart = (foundation::load(), true);
+
+}  // namespace
