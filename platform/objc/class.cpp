@@ -4,6 +4,7 @@
 #include <new>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "platform/objc/class_record.h"
 #include "platform/objc/instrumentation.h"
@@ -46,6 +47,8 @@ const char* class_getName(objc::ClassRecord* objectClass) { return objectClass->
 objc::ClassRecord* class_getSuperclass(objc::ClassRecord* objectClass) { return objectClass->superclass; }
 
 objc::ClassRecord* class_getMetaclass(objc::ClassRecord* objectClass) { return objectClass->isa; }
+
+bool class_isMetaclass(objc::ClassRecord* objectClass) { return objectClass->isMetaclass; }
 
 objc::ClassRecord* objc_registerClass(const objc::ClassDescription* description) {
   ClassRecord* superclass = nullptr;
@@ -92,15 +95,17 @@ void objc::visitClasses(void (*visitor)(const ClassRecord& objectClass, void* co
 }
 
 void objc_visitLiveInstances(objc::LiveVisitor visitor, void* context) {
-  struct Call {
-    objc::LiveVisitor visitor;
-    void* context;
-  } call{visitor, context};
+  struct Live {
+    const char* className;
+    long count;
+  };
+  // Collected first: the visitor may use the runtime.
+  std::vector<Live> found;
   objc::visitClasses(
-      [](const ClassRecord& objectClass, void* rawCall) {
+      [](const ClassRecord& objectClass, void* collected) {
         const long count = objectClass.liveInstances.load(std::memory_order_relaxed);
-        auto* wanted = static_cast<Call*>(rawCall);
-        if (count != 0) wanted->visitor(objectClass.name.c_str(), count, wanted->context);
+        if (count != 0) static_cast<std::vector<Live>*>(collected)->push_back({objectClass.name.c_str(), count});
       },
-      &call);
+      &found);
+  for (const Live& live : found) visitor(live.className, live.count, context);
 }

@@ -74,13 +74,13 @@ void remember(ClassRecord* objectClass, Selector selector, const Method& method)
 }
 
 Method lookUpSlowly(Object* self, Selector selector) {
-  const objc::SendHook hook = sendHook.load();
-  if (hook != nullptr) hook(self, selector);
+  if (const objc::SendHook hook = sendHook.load()) hook(self, selector);
   ClassRecord* objectClass = self->isa;
   {
     const std::scoped_lock guard(dispatchState().lock);
     if (const Method* found = findMethod(objectClass, selector)) {
-      if (hook == nullptr) remember(objectClass, selector, *found);
+      // The hook changes under this lock only: what is remembered here is forgotten when it is set.
+      if (sendHook.load() == nullptr) remember(objectClass, selector, *found);
       return *found;
     }
   }
@@ -121,6 +121,8 @@ objc::Implementation objc_msg_lookup_checked(objc::Object* self, objc::Selector 
 }
 
 bool class_respondsToSelector(objc::ClassRecord* objectClass, objc::Selector selector) {
+  const MethodCache* cache = objectClass->cache.load(std::memory_order_acquire);
+  if (cache != nullptr && cache->find(selector) != nullptr) return true;
   const std::scoped_lock guard(dispatchState().lock);
   return findMethod(objectClass, selector) != nullptr;
 }

@@ -68,6 +68,12 @@ void objc_release(objc::Object* object) {
   if (object->references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(object);
 }
 
+void objc_makeImmortal(objc::Object* object) {
+  if (object->references.exchange(objc::kImmortal, std::memory_order_relaxed) != objc::kImmortal) {
+    object->isa->liveInstances.fetch_sub(1, std::memory_order_relaxed);
+  }
+}
+
 objc::Object* objc_autorelease(objc::Object* object) {
   if (object != nullptr) autoreleaseStack().add(object);
   return object;

@@ -56,6 +56,8 @@ PLATFORM_API objc::ClassRecord* objc_registerClass(const objc::ClassDescription*
 PLATFORM_API void class_addMethod(objc::ClassRecord* objectClass, objc::Selector selector,
                                   objc::Implementation implementation, const char* encoding);
 PLATFORM_API objc::ClassRecord* class_getMetaclass(objc::ClassRecord* objectClass);
+// Whether it is the class of a class object.
+PLATFORM_API bool class_isMetaclass(objc::ClassRecord* objectClass);
 // A new instance with one reference for the caller.
 PLATFORM_API objc::Object* class_createInstance(objc::ClassRecord* objectClass);
 
@@ -70,6 +72,8 @@ PLATFORM_API bool class_respondsToSelector(objc::ClassRecord* objectClass, objc:
 // Reference counts, safe between threads. The object may be null.
 PLATFORM_API objc::Object* objc_retain(objc::Object* object);
 PLATFORM_API void objc_release(objc::Object* object);
+// From now on the object is never freed, and not counted as alive. To be called before others can see it.
+PLATFORM_API void objc_makeImmortal(objc::Object* object);
 // Gives the caller's reference to the thread's current pool. Without a pool the object lives until the thread ends.
 PLATFORM_API objc::Object* objc_autorelease(objc::Object* object);
 // Pools nest per thread; pop releases all that came since the matching push, inner pools included.
