@@ -1,0 +1,9 @@
+#pragma once
+
+// Each registers the class of one file.
+namespace appkit {
+
+void registerImage();
+void registerWorkspace();
+
+}  // namespace appkit
