@@ -59,7 +59,7 @@ namespace objc {
 
 // An incomplete type is never a handle: what an opaque pointer points to.
 template <class T>
-concept HandleType = requires { sizeof(T); } && std::is_base_of_v<NSObject, T>;
+concept HandleType = (sizeof(T) > 0) && std::is_base_of_v<NSObject, T>;
 
 template <class T>
 struct RawType {
