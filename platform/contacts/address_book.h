@@ -12,13 +12,15 @@ class ABAddressBook : public NSObject {
  public:
   using NSObject::NSObject;
 
-  // The process's one; nil, or an exception that says why, when the database can't be opened.
+  // The process's one book. When the folder of cards can't be opened it raises NSInvalidArgumentException with the
+  // folder's path and the reason, and the next call tries again; so does addressBook.
   static ABAddressBook sharedAddressBook() {
     return send<ABAddressBook>("ABAddressBook"_class, "sharedAddressBook"_sel);
   }
-  // A new view of the same database at each call, autoreleased.
+  // A book of its own at each call, with records of its own, over the same folder.
   static ABAddressBook addressBook() { return send<ABAddressBook>("ABAddressBook"_class, "addressBook"_sel); }
 
+  // In the order of the cards' file names.
   [[nodiscard]] NSArray people() const { return send<NSArray>(*this, "people"_sel); }
   [[nodiscard]] NSArray groups() const { return send<NSArray>(*this, "groups"_sel); }
   // Nil when there is none; a nil id raises NSInvalidArgumentException.
