@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/constants.h"
 #include "platform/foundation/error.h"
 #include "platform/foundation/string.h"
 
@@ -23,6 +24,7 @@ class ABRecord : public NSObject {
   bool removeValueForProperty(NSString property) const {
     return send<bool>(*this, "removeValueForProperty:"_sel, property);
   }
+  // "<UID>:ABPerson" or "<UID>:ABGroup".
   [[nodiscard]] NSString uniqueId() const { return send<NSString>(*this, "uniqueId"_sel); }
   [[nodiscard]] bool isReadOnly() const { return send<bool>(*this, "isReadOnly"_sel); }
 };
