@@ -15,10 +15,21 @@ void foundation::load() {
   registerArray();
   registerNull();
   registerException();
+  registerValue();
+  registerNumber();
+  registerData();
+  registerDate();
+  registerTimeZone();
+  registerCalendarDate();
+  registerDateComponents();
+  registerDictionary();
+  registerError();
+  registerAttributedString();
   registerAutoreleasePool();
   registerCFDictionary();
   registerUrl();
   registerBundle();
+  registerNotification();
 }
 
 namespace {
