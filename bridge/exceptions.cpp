@@ -1,12 +1,12 @@
 #include "bridge/exceptions.h"
 
-#include <cstdlib>
-
 #include "bridge/strings.h"
 #include "frame/host_ref.h"
 #include "platform/carbon/process.h"
 #include "platform/foundation/log.h"
 #include "platform/foundation/string.h"
+
+#include <cstdlib>
 
 namespace {
 
@@ -27,8 +27,8 @@ void RaiseRBException(NSException exception) {
 
   NSString name = exception.name();
   NSString reason = exception.reason();
-  NSString message = NSString::stringWithFormat(CFSTR("A Cocoa %@ was not handled: %@"), name, reason);
-  NSLog(CFSTR("A %@: %@, Info: %@\n"), name, reason, exception.userInfo());
+  NSString message = NSString::stringWithFormat("A Cocoa %@ was not handled: %@"_ns, name, reason);
+  NSLog("A %@: %@, Info: %@\n"_ns, name, reason, exception.userInfo());
   setTextProperty(hostException.get(), "Message", message);
   setTextProperty(hostException.get(), "Name", name);
   setTextProperty(hostException.get(), "Reason", reason);
@@ -38,13 +38,13 @@ void RaiseRBException(NSException exception) {
 void MyNSUncaughtExceptionHandler(NSException exception) {
   if (exception) {
     NSString message = NSString::stringWithFormat(
-        CFSTR("A Cocoa %@ was not handled: %@. Please report to the application developer. The application will quit "
-              "now. (use NSExceptionVXR class to catch this exception)"),
+        "A Cocoa %@ was not handled: %@. Please report to the application developer. The application will quit "
+        "now. (use NSExceptionVXR class to catch this exception)"_ns,
         exception.name(), exception.reason());
     auto text = adoptHost(NSStringRB(message));
-    NSLog(CFSTR("%@\n"), message);
+    NSLog("%@\n"_ns, message);
     if (exception.respondsToSelector("callStackSymbols"_sel)) {
-      NSLog(CFSTR("callStackSymbols: %@\n"), exception.callStackSymbols());
+      NSLog("callStackSymbols: %@\n"_ns, exception.callStackSymbols());
     }
     REALMessageBox(text.get());
   }

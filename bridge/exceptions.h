@@ -1,11 +1,11 @@
 #pragma once
 
-#include <utility>
-
 #include "platform/foundation/exception.h"
 
-// Leaves the exception pending in the host, as an object of its class "NSExceptionVXR", and returns. A host without that
-// class gets the exception through MyNSUncaughtExceptionHandler.
+#include <utility>
+
+// Leaves the exception pending in the host, as an object of its class "NSExceptionVXR", and returns. A host without
+// that class gets the exception through MyNSUncaughtExceptionHandler.
 void RaiseRBException(NSException exception);
 
 // Logs the exception, shows it in a message box and quits the application.

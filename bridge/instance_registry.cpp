@@ -18,7 +18,7 @@ bool Inited = false;
 
 const void* retainNothing(CFAllocatorRef, const void* value) { return value; }
 void releaseNothing(CFAllocatorRef, const void*) {}
-CFStringRef describe(const void*) { return bridge<CFStringRef>(CFSTR("object")); }
+CFStringRef describe(const void*) { return CFSTR("object"); }
 Boolean isIdentical(const void* a, const void* b) { return a == b; }
 CFHashCode hashOfPointer(const void* value) { return reinterpret_cast<CFHashCode>(value); }
 
@@ -34,13 +34,13 @@ CFMutableDictionaryRef createRegistry() {
 void CocoaInit() {
   if (Inited) return;
   Inited = true;
-  GestaltValue published = 0;
+  std::intptr_t published = 0;
   if (PLATFORM_HAS(Gestalt) && Gestalt(kRegistrySelector, &published) == noErr) {
     instances = reinterpret_cast<CFMutableDictionaryRef>(published);
     return;
   }
   instances = createRegistry();
-  if (PLATFORM_HAS(SetGestaltValue)) SetGestaltValue(kRegistrySelector, reinterpret_cast<GestaltValue>(instances));
+  if (PLATFORM_HAS(SetGestaltValue)) SetGestaltValue(kRegistrySelector, reinterpret_cast<std::intptr_t>(instances));
   if (PLATFORM_HAS(NSSetUncaughtExceptionHandler)) NSSetUncaughtExceptionHandler(MyNSUncaughtExceptionHandler);
 }
 

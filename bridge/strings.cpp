@@ -1,15 +1,15 @@
 #include "bridge/strings.h"
 
+#include "frame/host_ref.h"
+#include "frame/runtime_support.h"
+#include "platform/foundation/enumerator.h"
+#include "platform/objc/retained.h"
+
 #include <array>
 #include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
-
-#include "frame/host_ref.h"
-#include "frame/runtime_support.h"
-#include "platform/foundation/enumerator.h"
-#include "platform/objc/retained.h"
 
 namespace {
 
@@ -163,6 +163,7 @@ NSArray CreateNSStringArray(REALstring string) {
 }
 
 void FillStringArray(REALstringArray array, NSArray list) {
+  if (array == nullptr) return;
   NSEnumerator elements = list.objectEnumerator();
   REALinteger index = 0;
   while (NSObject element = elements.nextObject()) {

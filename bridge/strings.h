@@ -38,8 +38,8 @@ NSString NewNSString(REALstring string);
 REALstring CFString2RBString(CFStringRef string);
 REALstring NSStringRB(NSString string);
 
-// A host string of the bytes. UTF-16 and UTF-32 become UTF-8, the latter with the low 16 bits of each unit; bytes in any
-// other encoding are kept and marked.
+// A host string of the bytes. UTF-16 and UTF-32 become UTF-8, the latter with the low 16 bits of each unit; bytes in
+// any other encoding are kept and marked.
 REALstring REALBuildUnicodeString(const void* bytes, std::int32_t byteCount, std::uint32_t encoding);
 
 // The array's strings, autoreleased; empty ones are left out. Nil for a nil array, and for an empty one if nilIfEmpty.

@@ -1,9 +1,5 @@
 #include "bridge/wrappers.h"
 
-#include <array>
-#include <cstdio>
-#include <cstring>
-
 #include "bridge/exceptions.h"
 #include "bridge/instance_registry.h"
 #include "frame/host_ref.h"
@@ -11,7 +7,13 @@
 #include "platform/foundation/enumerator.h"
 #include "platform/objc/retained.h"
 
+#include <array>
+#include <cstdio>
+#include <cstring>
+
 namespace {
+
+void setWrapped(REALobject object, NSObject value) { *dataBlock(object) = reinterpret_cast<Word>(value.get()); }
 
 HostRef<REALobject> makeWrapper(NSObject object, const char* className) {
   auto wrapper = adoptHost(REALnewInstance(className));
@@ -29,6 +31,7 @@ HostRef<REALobject> findOrMakeWrapper(NSObject object, const char* className) {
 
 template <class MakeWrapper>
 void fillArray(REALobjectArray array, NSArray objects, MakeWrapper makeElement) {
+  if (array == nullptr) return;
   NSEnumerator elements = objects.objectEnumerator();
   REALinteger index = 0;
   while (NSObject element = elements.nextObject()) {
@@ -38,6 +41,16 @@ void fillArray(REALobjectArray array, NSArray objects, MakeWrapper makeElement) 
 }
 
 }  // namespace
+
+void adoptWrapped(REALobject object, NSObject value) {
+  setWrapped(object, value);
+  RegisterInstance(object, value);
+}
+
+void releaseWrapped(REALobject object) {
+  Retained<NSObject>::adopt(wrapped<NSObject>(object));
+  setWrapped(object, nullptr);
+}
 
 REALobject NewABPersonVXR(ABPerson person) { return findOrMakeWrapper(person, "ABPersonVXR").handOver(); }
 
@@ -123,8 +136,7 @@ void destroyWrapper(REALobject object) {
     auto held = wrapped<NSObject>(object);
     if (!held) return;
     UnregisterInstance(held);
-    Retained<NSObject>::adopt(held);
-    setWrapped(object, nullptr);
+    releaseWrapped(object);
   });
 }
 

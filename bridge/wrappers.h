@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstring>
-
 #include "frame/host_interface.h"
 #include "platform/appkit/image.h"
 #include "platform/contacts/group.h"
@@ -11,6 +9,8 @@
 #include "platform/foundation/array.h"
 #include "platform/foundation/attributed_string.h"
 #include "platform/foundation/error.h"
+
+#include <cstring>
 
 // Host objects that wrap framework objects. The first word of a wrapper's data block is one retained object, null while
 // the wrapper is empty.
@@ -26,8 +26,12 @@ Handle wrapped(REALobject object) {
   return object == nullptr ? Handle() : Handle(reinterpret_cast<objc::Object*>(*dataBlock(object)));
 }
 
-// Overwrites the data word; its owner's reference goes with it.
-inline void setWrapped(REALobject object, NSObject value) { *dataBlock(object) = reinterpret_cast<Word>(value.get()); }
+// Makes the object wrap what its owner hands over, nil included, and registers the pair. What it wrapped before is
+// forgotten, not released.
+void adoptWrapped(REALobject object, NSObject value);
+
+// Empties the object and releases what it wrapped. The registry is not touched.
+void releaseWrapped(REALobject object);
 
 // The wrapper that lives for the framework object, or a new one that retains it and is registered. One reference is the
 // caller's. Null for nil, and where the host lacks the class.
@@ -56,8 +60,8 @@ void FillABPersonArray(REALobjectArray array, NSArray objects);
 void FillABGroupArray(REALobjectArray array, NSArray objects);
 void FillABRecordArray(REALobjectArray array, NSArray objects);
 
-// The wrapped objects of a host array, autoreleased; null elements and empty wrappers are left out. Nil for a nil array,
-// and for an empty one if nilIfEmpty.
+// The wrapped objects of a host array, autoreleased; null elements and empty wrappers are left out. Nil for a nil
+// array, and for an empty one if nilIfEmpty.
 NSMutableArray CreateNSObjectArray(REALobjectArray array, bool nilIfEmpty);
 
 // What the class constructor of every wrapper class does.

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <atomic>
-
 #include "frame/host_types.h"
 #include "platform/objc/fixed_string.h"
+
+#include <atomic>
 
 // Set once, by REALPluginMain, before anything else runs.
 inline REALresolver gResolver = nullptr;

@@ -1,9 +1,9 @@
 #include "frame/host_interface.h"
 
+#include "frame/plugin_entry.h"
+
 #include <cstdlib>
 #include <cstring>
-
-#include "frame/plugin_entry.h"
 
 extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolver resolver) {
   gResolver = resolver;

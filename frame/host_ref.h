@@ -1,9 +1,9 @@
 #pragma once
 
+#include "frame/host_interface.h"
+
 #include <type_traits>
 #include <utility>
-
-#include "frame/host_interface.h"
 
 // Owns exactly one reference to a host object, array or string, or nothing.
 template <class Handle>

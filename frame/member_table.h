@@ -1,24 +1,24 @@
 #pragma once
 
+#include "frame/host_types.h"
+#include "platform/objc/fixed_string.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
 
-#include "frame/host_types.h"
-#include "platform/objc/fixed_string.h"
-
 // Rows of the class tables. A method's row compiles only if its function fits the declaration that the host is told.
 namespace member_table {
 
-consteval char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
+constexpr char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
 // The host language doesn't tell letter case apart.
-consteval bool same(std::string_view a, std::string_view b) {
+constexpr bool same(std::string_view a, std::string_view b) {
   return std::ranges::equal(a, b, [](char x, char y) { return lowered(x) == lowered(y); });
 }
 
-consteval std::string_view trimmed(std::string_view text) {
+constexpr std::string_view trimmed(std::string_view text) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
   while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   return text;
@@ -120,6 +120,7 @@ consteval bool fitsParameters() {
 
 }  // namespace member_table
 
+inline constexpr Word kClassFlags = 4;
 inline constexpr Word kMethodFlags = 4;
 // On the declared constructors that make an object without anything in it.
 inline constexpr Word kEmptyConstructorFlags = 0x84;
@@ -144,10 +145,10 @@ REALmethodDefinition method(Result (*function)(REALobject self, Parameters...), 
   return row;
 }
 
-// An instance method that host code may also assign to.
+// An instance method that host code may also assign to: the setter gets the same parameters and the assigned value.
 template <FixedString Text, class Result, class... Parameters>
 REALmethodDefinition assignableMethod(Result (*getter)(REALobject self, Parameters...),
-                                      void (*setter)(REALobject self, Parameters..., Result assigned),
+                                      std::type_identity_t<void (*)(REALobject, Parameters..., Result)> setter,
                                       Word flags = kMethodFlags) {
   REALmethodDefinition row = method<Text>(getter, flags);
   row.setter = reinterpret_cast<void*>(setter);

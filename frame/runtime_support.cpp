@@ -1,14 +1,14 @@
 #include "frame/runtime_support.h"
 
+#include "bridge/strings.h"
+#include "frame/host_ref.h"
+
 #include <array>
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-
-#include "bridge/strings.h"
-#include "frame/host_ref.h"
 
 void RaiseException(const char* className, const char* message, std::uint32_t) {
   HostRef<REALstring> text;

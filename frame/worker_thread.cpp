@@ -1,14 +1,14 @@
 #include "frame/worker_thread.h"
 
-#include <dlfcn.h>
-
-#include <atomic>
-#include <memory>
-
 #include "frame/host_interface.h"
 #include "frame/runtime_support.h"
 #include "platform/carbon/time.h"
 #include "platform/foundation/dispatch.h"
+
+#include <dlfcn.h>
+
+#include <atomic>
+#include <memory>
 
 namespace {
 

@@ -1,0 +1,102 @@
+#include "addressbook/observer.h"
+
+#include "addressbook/class_tables.h"
+#include "bridge/exceptions.h"
+#include "bridge/strings.h"
+#include "bridge/wrappers.h"
+#include "frame/host_ref.h"
+#include "frame/runtime_support.h"
+#include "platform/contacts/address_book.h"
+#include "platform/contacts/constants.h"
+#include "platform/foundation/notification.h"
+#include "platform/objc/class_builder.h"
+
+namespace {
+
+// The second word of an address book's data block: its observer, owned.
+constexpr std::size_t kObserverWord = 1;
+
+// The class AddressbookObserverVXR.
+struct Observer : objc::Object {
+  REALobject target = nullptr;  // not counted: the host object owns its observer
+
+  void databaseChanged(NSNotification notification) {
+    guard([&] { CallEvent(target, false, notification.userInfo()); });
+  }
+  void databaseChangedExternally(NSNotification notification) {
+    guard([&] { CallEvent(target, true, notification.userInfo()); });
+  }
+};
+
+Class observerClass() {
+  static const Class defined =
+      objc::ClassBuilder::define<Observer>("AddressbookObserverVXR", "NSObject")
+          .method<&Observer::databaseChanged>("DatabaseChangedNotification:")
+          .method<&Observer::databaseChangedExternally>("DatabaseChangedExternallyNotification:")
+          .built();
+  return defined;
+}
+
+NSObject observerOf(REALobject hostObject) {
+  return NSObject(reinterpret_cast<objc::Object*>(dataBlock(hostObject)[kObserverWord]));
+}
+
+void setObserver(REALobject hostObject, NSObject observer) {
+  dataBlock(hostObject)[kObserverWord] = reinterpret_cast<Word>(observer.get());
+}
+
+using Handler = void(REALobject, bool externally, REALstringArray inserted, REALstringArray updated,
+                     REALstringArray deleted);
+
+Handler* handlerOf(REALobject hostObject) {
+  return reinterpret_cast<Handler*>(REALGetEventInstance(hostObject, ABAddressBookVXR.events));
+}
+
+HostRef<REALstringArray> hostStrings(NSArray strings) {
+  auto array = adoptHost(REALCreateArrayString(-1));
+  FillStringArray(array.get(), strings);
+  return array;
+}
+
+}  // namespace
+
+bool handlesDatabaseChanged(REALobject hostObject) { return handlerOf(hostObject) != nullptr; }
+
+void InstallEvent(REALobject hostObject) {
+  if (observerOf(hostObject)) return;
+  Class observers = observerClass();
+  if (!observers) return;
+  auto* observer = objc::createInstance<Observer>(observers);
+  const NSObject handle(observer);
+  setObserver(hostObject, handle);
+  observer->target = hostObject;
+  auto center = NSNotificationCenter::defaultCenter();
+  center.addObserver(handle, "DatabaseChangedNotification:"_sel, kABDatabaseChangedNotification,
+                     ABAddressBook::sharedAddressBook());
+  center.addObserver(handle, "DatabaseChangedExternallyNotification:"_sel, kABDatabaseChangedExternallyNotification,
+                     ABAddressBook::sharedAddressBook());
+}
+
+void removeEvent(REALobject hostObject) {
+  NSObject observer = observerOf(hostObject);
+  if (!observer) return;
+  auto center = NSNotificationCenter::defaultCenter();
+  center.removeObserver(observer, kABDatabaseChangedNotification, ABAddressBook::sharedAddressBook());
+  center.removeObserver(observer, kABDatabaseChangedExternallyNotification, ABAddressBook::sharedAddressBook());
+  objc_release(observer.get());
+  setObserver(hostObject, nullptr);
+}
+
+void CallEvent(REALobject hostObject, bool externally, NSDictionary userInfo) {
+  if (hostObject == nullptr) return;
+  Handler* handler = handlerOf(hostObject);
+  if (handler == nullptr) return;
+  const auto inserted = userInfo.objectForKey(kABInsertedRecords).as<NSArray>();
+  const auto updated = userInfo.objectForKey(kABUpdatedRecords).as<NSArray>();
+  const auto deleted = userInfo.objectForKey(kABDeletedRecords).as<NSArray>();
+  const auto insertedIds = hostStrings(inserted);
+  const auto updatedIds = hostStrings(updated);
+  const auto deletedIds = hostStrings(deleted);
+  const auto kept = HostRef<REALobject>::share(hostObject);
+  handler(hostObject, externally, insertedIds.get(), updatedIds.get(), deletedIds.get());
+}
