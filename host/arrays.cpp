@@ -1,0 +1,197 @@
+#include "host/arrays.h"
+
+#include "host/built_in_classes.h"
+#include "host/classes.h"
+#include "host/error.h"
+#include "host/native_value.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace host {
+
+namespace {
+
+struct ArrayData {
+  std::size_t count;
+  std::size_t capacity;
+};
+
+// Storage is never empty: a plug-in that has to take the upper bound for 0 reads the first element whatever it is.
+constexpr std::size_t kFirstCapacity = 4;
+
+struct Kind {
+  const char* className;
+  Type element;
+};
+
+// By element type.
+const std::array<Kind, 8>& kinds() {
+  static const std::array<Kind, 8> all{{{"Int32()", namedType("Int32")},
+                                        {"Int64()", namedType("Int64")},
+                                        {"Single()", namedType("Single")},
+                                        {"String()", namedType("String")},
+                                        {"Object()", namedType("Variant")},
+                                        {"Double()", namedType("Double")},
+                                        {"Boolean()", namedType("Boolean")},
+                                        {"Date()", namedType("Date")}}};
+  return all;
+}
+
+void destroyArray(REALobject array);
+
+std::array<REALclassDefinition, 8>& definitions() {
+  static std::array<REALclassDefinition, 8> all = [] {
+    std::array<REALclassDefinition, 8> made{};
+    for (std::size_t i = 0; i < made.size(); ++i) {
+      made[i] = {.name = kinds()[i].className, .dataSize = sizeof(ArrayData), .destructor = destroyArray};
+    }
+    return made;
+  }();
+  return all;
+}
+
+const Type& elementType(REALobject array) { return kinds()[static_cast<std::size_t>(*elementTypeOf(array))].element; }
+
+ArrayData& dataOf(REALobject array) { return host::dataOf<ArrayData>(array, *classOf(array).definition); }
+
+std::size_t elementSize(REALobject array) { return sizeOf(elementType(array)); }
+
+bool holds(REALarray array, REALinteger index) {
+  return index >= 0 && static_cast<std::size_t>(index) < dataOf(array).count;
+}
+
+char* elementAddress(REALobject array, std::size_t index) {
+  return static_cast<char*>(header(array).storage) + index * elementSize(array);
+}
+
+void reserve(REALobject array, std::size_t count) {
+  ArrayData& data = dataOf(array);
+  if (count <= data.capacity) return;
+  const std::size_t capacity = std::max({count, 2 * data.capacity, kFirstCapacity});
+  void* storage = std::realloc(header(array).storage, capacity * elementSize(array));
+  if (storage == nullptr) throw std::bad_alloc();
+  header(array).storage = storage;
+  data.capacity = capacity;
+  std::memset(elementAddress(array, data.count), 0, (capacity - data.count) * elementSize(array));
+}
+
+void destroyArray(REALobject array) {
+  for (std::size_t i = 0; i < dataOf(array).count; ++i)
+    NativeValue::adopt(elementType(array), elementAddress(array, i));
+  std::free(header(array).storage);
+}
+
+// The value's reference becomes the array's.
+void insertNative(REALobject array, std::size_t index, NativeValue value) {
+  ArrayData& data = dataOf(array);
+  reserve(array, data.count + 1);
+  std::memmove(elementAddress(array, index + 1), elementAddress(array, index),
+               (data.count - index) * elementSize(array));
+  value.leakTo(elementAddress(array, index));
+  ++data.count;
+}
+
+template <class Element>
+Element directGet(REALarray array, REALinteger index) {
+  if (!holds(array, index)) return Element();
+  Element element;
+  std::memcpy(&element, elementAddress(array, static_cast<std::size_t>(index)), sizeof element);
+  if constexpr (std::is_pointer_v<Element>) lock(element);
+  return element;
+}
+
+// Booleans are asked for as sign-extended bytes.
+std::int32_t directGetByte(REALarray array, REALinteger index) { return directGet<std::int8_t>(array, index); }
+
+template <class Element>
+void directInsert(REALarray array, REALinteger index, Element element) {
+  if (index < 0 || static_cast<std::size_t>(index) > dataOf(array).count) return;
+  lock(element);
+  insertNative(array, static_cast<std::size_t>(index), NativeValue::adopt(elementType(array), &element));
+}
+
+}  // namespace
+
+std::span<REALclassDefinition> arrayDefinitions() { return definitions(); }
+
+REALarray newArray(std::int32_t type, REALinteger upper) {
+  if (type < 0 || static_cast<std::size_t>(type) >= definitions().size() || upper < -1) return nullptr;
+  auto created = ObjectRef::adopt(newInstance(requireClass(definitions()[static_cast<std::size_t>(type)].name)));
+  reserve(created.get(), std::max(static_cast<std::size_t>(upper + 1), kFirstCapacity));
+  dataOf(created.get()).count = static_cast<std::size_t>(upper + 1);
+  return static_cast<REALarray>(created.leak());
+}
+
+std::optional<ElementType> elementTypeOf(REALobject object) {
+  const REALclassDefinition* definition = classOf(object).definition;
+  if (definition < definitions().data() || definition >= definitions().data() + definitions().size()) {
+    return std::nullopt;
+  }
+  return static_cast<ElementType>(definition - definitions().data());
+}
+
+REALinteger upperBound(REALobject array) { return static_cast<REALinteger>(dataOf(array).count) - 1; }
+
+Value elementAt(REALobject array, REALinteger index) {
+  if (index < 0 || index > upperBound(array)) {
+    throw Error(std::string(classOf(array).name()) + ": no element " + std::to_string(index));
+  }
+  return NativeValue::share(elementType(array), elementAddress(array, static_cast<std::size_t>(index))).value();
+}
+
+void insertAt(REALobject array, REALinteger index, const Value& value) {
+  if (index < 0 || index > upperBound(array) + 1 || !distance(value, elementType(array))) {
+    throw Error(std::string(classOf(array).name()) + ": " + value.typeName() + " can't be inserted at " +
+                std::to_string(index));
+  }
+  insertNative(array, static_cast<std::size_t>(index), NativeValue(elementType(array), value));
+}
+
+Value array(ElementType type, std::initializer_list<Value> elements) {
+  Value made = Value::adopt(newArray(static_cast<std::int32_t>(type), -1));
+  for (const Value& element : elements) insertAt(made.object(), upperBound(made.object()) + 1, element);
+  return made;
+}
+
+void* directGetter(REALarray array) {
+  switch (*elementTypeOf(array)) {
+    case ElementType::int32:
+      return reinterpret_cast<void*>(directGet<std::int32_t>);
+    case ElementType::int64:
+      return reinterpret_cast<void*>(directGet<std::int64_t>);
+    case ElementType::single:
+      return reinterpret_cast<void*>(directGet<float>);
+    case ElementType::real:
+      return reinterpret_cast<void*>(directGet<double>);
+    case ElementType::boolean:
+      return reinterpret_cast<void*>(directGetByte);
+    case ElementType::string:
+      return reinterpret_cast<void*>(directGet<REALstring>);
+    case ElementType::object:
+    case ElementType::date:
+      return reinterpret_cast<void*>(directGet<REALobject>);
+  }
+  return nullptr;
+}
+
+void* directInserter(REALarray array) {
+  switch (*elementTypeOf(array)) {
+    case ElementType::string:
+      return reinterpret_cast<void*>(directInsert<REALstring>);
+    case ElementType::object:
+    case ElementType::date:
+      return reinterpret_cast<void*>(directInsert<REALobject>);
+    default:
+      return nullptr;
+  }
+}
+
+REALstring directReadString(REALarray array, REALinteger index) { return directGet<REALstring>(array, index); }
+
+REALobject directReadObject(REALarray array, REALinteger index) { return directGet<REALobject>(array, index); }
+
+}  // namespace host

@@ -1,0 +1,13 @@
+#include "host/built_in_classes.h"
+
+namespace host {
+
+std::vector<REALclassDefinition*> builtInClasses() {
+  std::vector<REALclassDefinition*> classes{&variantDefinition(), &dateDefinition(), &dictionaryDefinition(),
+                                            &memoryBlockDefinition(), &runtimeExceptionDefinition()};
+  for (REALclassDefinition& definition : runtimeExceptionSubclasses()) classes.push_back(&definition);
+  for (REALclassDefinition& definition : arrayDefinitions()) classes.push_back(&definition);
+  return classes;
+}
+
+}  // namespace host

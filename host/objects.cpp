@@ -1,0 +1,71 @@
+#include "host/objects.h"
+
+#include "host/classes.h"
+#include "host/events.h"
+#include "host/strings.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <sstream>
+
+namespace host {
+
+namespace {
+
+void destroy(REALobject object) {
+  HostClass& objectClass = classOf(object);
+  for (const HostClass* owner = &objectClass; owner != nullptr; owner = owner->superclass) {
+    if (owner->definition->destructor == nullptr) continue;
+    // A destructor hands its object to code that may take and drop references to it.
+    header(object).references = 1;
+    owner->definition->destructor(object);
+  }
+  forgetHandlers(object);
+  objectClass.liveInstances.fetch_sub(1, std::memory_order_relaxed);
+  std::free(&header(object));
+}
+
+}  // namespace
+
+REALobject newInstance(HostClass& objectClass) {
+  void* memory = std::calloc(1, objectClass.instanceSize);
+  if (memory == nullptr) throw std::bad_alloc();
+  auto* object = static_cast<ObjectHeader*>(memory);
+  object->objectClass = &objectClass;
+  object->references = 1;
+  objectClass.liveInstances.fetch_add(1, std::memory_order_relaxed);
+  return reinterpret_cast<REALobject>(object);
+}
+
+void lock(REALobject object) {
+  if (object != nullptr) ++header(object).references;
+}
+
+void unlock(REALobject object) {
+  if (object == nullptr) return;
+  if (--header(object).references == 0) destroy(object);
+}
+
+std::map<std::string, long> liveCounts() {
+  std::map<std::string, long> counts;
+  for (const auto& objectClass : allClasses()) {
+    if (const long count = objectClass->liveInstances.load(); count != 0) counts[objectClass->name()] = count;
+  }
+  if (const auto count = static_cast<long>(liveStringTexts().size()); count != 0) counts["String"] = count;
+  return counts;
+}
+
+std::string liveReport() {
+  std::ostringstream report;
+  for (const auto& [name, count] : liveCounts()) {
+    report << name << ": " << count;
+    if (name == "String") {
+      for (const std::string& text : liveStringTexts()) report << " \"" << text << '"';
+    }
+    report << '\n';
+  }
+  return report.str();
+}
+
+}  // namespace host
