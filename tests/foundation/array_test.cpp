@@ -1,0 +1,65 @@
+#include "platform/foundation/array.h"
+
+#include "platform/foundation/null.h"
+#include "platform/foundation/string.h"
+#include "platform/objc/retained.h"
+#include "tests/foundation/raised.h"
+#include "tests/objc/live_objects.h"
+
+namespace {
+
+class ArrayTest : public LiveObjectsTest {};
+
+TEST_F(ArrayTest, HoldsObjectsInOrder) {
+  const NSMutableArray array = NSMutableArray::arrayWithCapacity(NSUInteger(-1));
+  array.addObject("one"_ns);
+  array.addObject(NSString::stringWithUTF8String("two"));
+  array.addObject(NSNull::null());
+  EXPECT_EQ(array.count(), 3U);
+  EXPECT_EQ(array.objectAtIndex(2), NSNull::null());
+  EXPECT_TRUE(array.containsObject("two"_ns));
+  EXPECT_FALSE(array.containsObject("three"_ns));
+  EXPECT_FALSE(array.containsObject(nullptr));
+  const NSEnumerator enumerator = array.objectEnumerator();
+  EXPECT_EQ(enumerator.nextObject(), "one"_ns);
+  EXPECT_TRUE(enumerator.nextObject().isEqual("two"_ns));
+  EXPECT_TRUE(enumerator.nextObject());
+  EXPECT_FALSE(enumerator.nextObject());
+  EXPECT_FALSE(enumerator.nextObject());
+  EXPECT_FALSE(NSArray::array().objectEnumerator().nextObject());
+}
+
+TEST_F(ArrayTest, RetainsWhatItHoldsAndEnumeratorsRetainIt) {
+  Retained<NSEnumerator> enumerator;
+  {
+    void* pool = objc_autoreleasePoolPush();
+    const NSArray array = NSArray::arrayWithObject(NSString::stringWithUTF8String("kept"));
+    enumerator = Retained<NSEnumerator>::share(array.objectEnumerator());
+    objc_autoreleasePoolPop(pool);
+  }
+  EXPECT_TRUE(enumerator->nextObject().isEqual("kept"_ns));
+}
+
+TEST_F(ArrayTest, NilAndPositionsBeyondTheEndRaise) {
+  const NSMutableArray array = NSMutableArray::array();
+  EXPECT_EQ(raised([&] { (void)array.objectAtIndex(0); }), "NSRangeException");
+  EXPECT_EQ(raised([&] { array.addObject(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([] { NSArray::arrayWithObject(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([] { NSArray::arrayWithObjects({"a"_ns, nullptr}); }), "NSInvalidArgumentException");
+  EXPECT_EQ(array.count(), 0U);
+}
+
+TEST_F(ArrayTest, EqualsByElementsAndDescribesThem) {
+  const NSArray array = NSArray::arrayWithObjects({"a"_ns, "b"_ns});
+  const NSMutableArray other = NSMutableArray::array();
+  other.addObject(NSString::stringWithUTF8String("a"));
+  EXPECT_FALSE(array.isEqual(other));
+  other.addObject(NSString::stringWithUTF8String("b"));
+  EXPECT_TRUE(array.isEqual(other));
+  EXPECT_EQ(array.hash(), other.hash());
+  EXPECT_FALSE(array.isEqual("a"_ns));
+  EXPECT_STREQ(array.description().UTF8String(), "(\n    a,\n    b\n)");
+  EXPECT_STREQ(NSArray::array().description().UTF8String(), "(\n)");
+}
+
+}  // namespace

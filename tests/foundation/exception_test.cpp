@@ -1,0 +1,87 @@
+#include "platform/foundation/exception.h"
+
+#include "platform/foundation/autorelease_pool.h"
+#include "platform/foundation/log.h"
+#include "tests/objc/live_objects.h"
+
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+namespace {
+
+class ExceptionTest : public LiveObjectsTest {};
+
+TEST_F(ExceptionTest, IsCaughtWithWhatItCarries) {
+  const NSString info = NSString::stringWithUTF8String("info");
+  try {
+    const AutoreleasePool pool;
+    NSException::exceptionWithName("Name"_ns, "Reason"_ns, info).raise();
+  } catch (const NSException& exception) {
+    EXPECT_EQ(exception.name(), "Name"_ns);
+    EXPECT_EQ(exception.reason(), "Reason"_ns);
+    EXPECT_EQ(exception.userInfo(), info);
+    EXPECT_STREQ(exception.description().UTF8String(), "Reason");
+    EXPECT_TRUE(exception.isKindOfClass("NSException"_class));
+    EXPECT_TRUE(exception.respondsToSelector("callStackSymbols"_sel));
+    ASSERT_GT(exception.callStackSymbols().count(), 2U);
+    EXPECT_TRUE(exception.callStackSymbols().objectAtIndex(0).isKindOfClass("NSString"_class));
+  }
+  try {
+    throw NSException::exceptionWithName(NSRangeException, nullptr);
+  } catch (const NSException& exception) {
+    EXPECT_FALSE(exception.reason());
+    EXPECT_FALSE(exception.userInfo());
+    EXPECT_STREQ(exception.description().UTF8String(), "NSRangeException");
+    EXPECT_GT(exception.callStackSymbols().count(), 1U);
+  }
+}
+
+void printUncaught(NSException exception) {
+  std::fprintf(stderr, "uncaught %s: %s\n", exception.name().UTF8String(), exception.reason().UTF8String());
+}
+
+TEST(UncaughtExceptionTest, RunsTheHandlerBeforeTheEnd) {
+  NSSetUncaughtExceptionHandler(&printUncaught);
+  EXPECT_EQ(NSGetUncaughtExceptionHandler(), &printUncaught);
+  EXPECT_EXIT(std::thread([] { NSException::raise(NSRangeException, "too far"); }).join(),
+              testing::KilledBySignal(SIGABRT), "uncaught NSRangeException: too far");
+  // Other exceptions end the process as they did before.
+  EXPECT_EXIT(std::thread([] { throw std::runtime_error("other"); }).join(), testing::KilledBySignal(SIGABRT),
+              "std::runtime_error");
+  NSSetUncaughtExceptionHandler(nullptr);
+  EXPECT_EXIT(std::thread([] { NSException::raise(NSRangeException, "too far"); }).join(),
+              testing::KilledBySignal(SIGABRT), "instance of 'NSException'");
+}
+
+std::string logged;
+
+TEST_F(ExceptionTest, LogLinesReachTheHookWithoutTheirEnd) {
+  NSSetLogHook([](NSString message) { logged += std::string("[") + message.UTF8String() + "]"; });
+  NSLog("A %@: %@\n"_ns, "b"_ns, nullptr);
+  NSLog("100%%"_ns);
+  NSSetLogHook(nullptr);
+  EXPECT_EQ(logged, "[A b: (null)][100%]");
+}
+
+TEST_F(ExceptionTest, LogLinesOfThreadsAreWhole) {
+  testing::internal::CaptureStderr();
+  const auto work = [] {
+    for (int i = 0; i < 500; ++i) NSLog("%@ and a tail that makes the line a little longer"_ns, "message"_ns);
+  };
+  std::thread other(work);
+  work();
+  other.join();
+  std::istringstream lines(testing::internal::GetCapturedStderr());
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    EXPECT_TRUE(testing::internal::RE::FullMatch(
+        line, testing::internal::RE("[0-9]+-[0-9]+-[0-9]+ [0-9:]+\\.[0-9]+ foundation_tests\\[[0-9]+:[0-9]+\\] "
+                                    "message and a tail that makes the line a little longer")))
+        << line;
+  }
+  EXPECT_EQ(count, 1000);
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+#include "platform/foundation/string.h"
+
+#include "platform/foundation/array.h"
+#include "platform/foundation/null.h"
+#include "platform/objc/retained.h"
+#include "tests/foundation/raised.h"
+#include "tests/objc/live_objects.h"
+
+#include <string>
+#include <thread>
+
+namespace {
+
+class StringTest : public LiveObjectsTest {};
+
+NSMutableString mutableOf(NSString text) {
+  const NSMutableString made = NSMutableString::string();
+  made.appendString(text);
+  return made;
+}
+
+TEST_F(StringTest, CountsUtf16Units) {
+  const NSString text = NSString::stringWithUTF8String("a\u00E9\u4E2D\U0001F600");
+  EXPECT_EQ(text.length(), 5U);
+  EXPECT_EQ(text.characterAtIndex(2), u'\u4E2D');
+  EXPECT_EQ(text.characterAtIndex(3), 0xD83D);
+  char16_t units[3] = {u'x', u'x', u'x'};
+  text.getCharacters(units, NSMakeRange(1, 2));
+  EXPECT_EQ(std::u16string(units, 3), u"\u00E9\u4E2Dx");
+  EXPECT_STREQ(text.UTF8String(), "a\u00E9\u4E2D\U0001F600");
+  EXPECT_EQ(NSString::stringWithUTF8(std::string_view("a\0b", 3)).length(), 3U);
+  EXPECT_EQ(NSString::string().length(), 0U);
+}
+
+TEST_F(StringTest, PositionsBeyondTheEndRaise) {
+  const NSString text = mutableOf("abc"_ns);
+  char16_t buffer[4];
+  EXPECT_EQ(raised([&] { (void)text.characterAtIndex(3); }), "NSRangeException");
+  EXPECT_EQ(raised([&] { text.getCharacters(buffer, NSMakeRange(2, 2)); }), "NSRangeException");
+  EXPECT_EQ(raised([&] { text.getCharacters(buffer, NSMakeRange(1, NSUInteger(-1))); }), "NSRangeException");
+  EXPECT_EQ(raised([&] { text.getCharacters(buffer, NSMakeRange(3, 0)); }), "nothing");
+  EXPECT_EQ(raised([&] { text.as<NSMutableString>().deleteCharactersInRange(NSMakeRange(4, 0)); }), "NSRangeException");
+}
+
+TEST_F(StringTest, EqualContentsAreEqualWhateverTheClass) {
+  const NSString text = NSString::stringWithUTF8String("Stra\u00DFe");
+  const NSMutableString changed = mutableOf(text);
+  EXPECT_FALSE(text == changed);
+  EXPECT_TRUE(text.isEqual(changed));
+  EXPECT_TRUE(changed.isEqualToString(text));
+  EXPECT_EQ(text.hash(), changed.hash());
+  changed.appendString("n"_ns);
+  EXPECT_FALSE(text.isEqual(changed));
+  EXPECT_FALSE(text.isEqual(nullptr));
+  EXPECT_FALSE(text.isEqual(NSNull::null()));
+  EXPECT_FALSE(text.isEqualToString(nullptr));
+  EXPECT_EQ("ab"_ns.compare("abc"_ns), NSOrderedAscending);
+  EXPECT_EQ("b"_ns.compare("abc"_ns), NSOrderedDescending);
+  EXPECT_EQ(text.compare(text), NSOrderedSame);
+}
+
+TEST_F(StringTest, TheClassesAreThePublicOnes) {
+  EXPECT_STREQ("constant"_ns.objectClass().name(), "NSString");
+  EXPECT_STREQ(NSString::stringWithUTF8String("x").objectClass().name(), "NSString");
+  EXPECT_STREQ(NSMutableString::string().objectClass().name(), "NSMutableString");
+  EXPECT_EQ(NSMutableString::string().objectClass().superclass(), "NSString"_class);
+}
+
+TEST_F(StringTest, ConstantsAreOneObjectEach) {
+  EXPECT_EQ(NSString(NSConstantString("caf\u00E9")), "caf\u00E9"_ns);
+  EXPECT_EQ("caf\u00E9"_ns.length(), 4U);
+}
+
+TEST_F(StringTest, CopiesOfImmutableStringsAreTheSame) {
+  const NSString text = NSString::stringWithUTF8String("text");
+  const auto copy = Retained<NSString>::adopt(text.copy());
+  EXPECT_EQ(copy.get(), text);
+  const auto changeable = Retained<NSMutableString>::adopt(text.mutableCopy());
+  const auto frozen = Retained<NSString>::adopt(changeable->copy());
+  changeable->deleteCharactersInRange(NSMakeRange(1, 2));
+  EXPECT_STREQ(changeable->UTF8String(), "tt");
+  EXPECT_STREQ(frozen->UTF8String(), "text");
+  EXPECT_EQ(frozen->objectClass(), "NSString"_class);
+}
+
+TEST_F(StringTest, Utf8FollowsChangesAndReplacesUnpairedSurrogates) {
+  const NSMutableString text = mutableOf("one"_ns);
+  EXPECT_STREQ(text.UTF8String(), "one");
+  text.appendString(text);
+  EXPECT_STREQ(text.UTF8String(), "oneone");
+  const char16_t unpaired[] = {u'a', 0xDC00, 0xD800, u'b', 0xD800};
+  EXPECT_STREQ(NSString::stringWithCharacters(unpaired, 5).UTF8String(), "a\uFFFD\uFFFDb\uFFFD");
+}
+
+TEST_F(StringTest, Utf8MayBeAskedForOnManyThreads) {
+  const NSString text = NSString::stringWithUTF8String("shared");
+  const char* other = nullptr;
+  std::thread thread([&] { other = text.UTF8String(); });
+  const char* mine = text.UTF8String();
+  thread.join();
+  EXPECT_EQ(mine, other);
+  EXPECT_STREQ(mine, "shared");
+}
+
+TEST_F(StringTest, FormatsTakeObjects) {
+  EXPECT_STREQ(NSString::stringWithFormat("%@%% %@|%@"_ns, "a"_ns, nullptr, NSNull::null()).UTF8String(),
+               "a% (null)|<null>");
+  const NSMutableString text = mutableOf("<"_ns);
+  text.appendFormat("%@ "_ns, "\u00E9"_ns);
+  text.appendFormat("plain"_ns);
+  EXPECT_STREQ(text.UTF8String(), "<\u00E9 plain");
+  for (const char* bad : {"%@ %@", "%d", "50%"}) {
+    const NSString format = NSString::stringWithUTF8String(bad);
+    EXPECT_EQ(raised([&] { NSString::stringWithFormat(format, "only"_ns); }), "NSInvalidArgumentException") << bad;
+  }
+  EXPECT_EQ(raised([] { NSString::stringWithFormat(nullptr); }), "NSInvalidArgumentException");
+}
+
+}  // namespace
