@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/contacts/folder.h"
+#include "platform/contacts/stored_card.h"
+
+#include <string>
+#include <vector>
+
+namespace contacts {
+
+// The process's view of the folder: what its books are made from. Made on the main thread or under the caller's lock.
+class Database {
+ public:
+  // Throws FolderError.
+  explicit Database(std::string path);
+
+  // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
+  [[nodiscard]] const std::vector<StoredCardPointer>& cards() const { return cards_; }
+
+ private:
+  void load();
+
+  Folder folder_;
+  std::vector<StoredCardPointer> cards_;
+};
+
+}  // namespace contacts

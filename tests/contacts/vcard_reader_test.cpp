@@ -1,0 +1,188 @@
+#include "platform/contacts/vcard/charset.h"
+#include "platform/contacts/vcard/sections.h"
+#include "platform/contacts/vcard/text.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+
+// The sections joined by bars, cards in brackets.
+std::string sectionsOf(std::string_view file) {
+  std::string text;
+  for (const vcard::Section& section : vcard::splitSections(file)) {
+    text += section.isCard ? "[" + std::string(section.text) + "]" : std::string(section.text);
+    text += "|";
+  }
+  return text;
+}
+
+TEST(VCardReader, FindsTheCardsOfAFile) {
+  const struct {
+    const char* file;
+    const char* sections;
+  } rows[] = {
+      {"", ""},
+      {"hello\n", "hello\n|"},
+      {"BEGIN:VCARD\nEND:VCARD\n", "[BEGIN:VCARD\nEND:VCARD\n]|"},
+      {"begin:vCard \r\nend: VCARD", "[begin:vCard \r\nend: VCARD]|"},
+      {"BEGIN:VCARD\rEND:VCARD\r", "[BEGIN:VCARD\rEND:VCARD\r]|"},
+      {"x\nBEGIN:VCARD\nEND:VCARD\n\nBEGIN:VCARD\nEND:VCARD\ny",
+       "x\n|[BEGIN:VCARD\nEND:VCARD\n]|\n|[BEGIN:VCARD\nEND:VCARD\n]|y|"},
+      // Without its END it is no card, and takes nothing from the next.
+      {"BEGIN:VCARD\nFN:a\nBEGIN:VCARD\nEND:VCARD\n", "BEGIN:VCARD\nFN:a\n|[BEGIN:VCARD\nEND:VCARD\n]|"},
+      {"BEGIN:VCARD\nFN:a\n", "BEGIN:VCARD\nFN:a\n|"},
+      {"END:VCARD\n", "END:VCARD\n|"},
+      {"BEGIN:VCALENDAR\nEND:VCALENDAR\n", "BEGIN:VCALENDAR\nEND:VCALENDAR\n|"},
+      {"BEGIN:VCARD\nAGENT:\nBEGIN:VCARD\nEND:VCARD\nEND:VCARD\n",
+       "[BEGIN:VCARD\nAGENT:\nBEGIN:VCARD\nEND:VCARD\nEND:VCARD\n]|"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(sectionsOf(row.file), row.sections) << row.file;
+}
+
+// Each line of a card as {group|NAME|value}, decoded; BEGIN, VERSION and END left out.
+std::string linesOf(const std::string& lines, const std::string& version = "3.0") {
+  const std::string file = "BEGIN:VCARD\nVERSION:" + version + "\n" + lines + "END:VCARD\n";
+  const vcard::Card card = vcard::parseCard(file);
+  std::string text;
+  std::string raw;
+  for (const vcard::Line& line : card.lines) {
+    raw += line.raw();
+    if (line.is("BEGIN") || line.is("VERSION") || line.is("END")) continue;
+    text += "{" + std::string(line.group()) + "|" + std::string(line.name()) + "|" +
+            vcard::unescape(vcard::decodedValue(line), card.version) + "}";
+  }
+  EXPECT_EQ(raw, file);
+  return text;
+}
+
+TEST(VCardReader, ReadsLogicalLines) {
+  const struct {
+    const char* version;
+    const char* lines;
+    const char* read;
+  } rows[] = {
+      {"3.0", "FN:a\n", "{|FN|a}"},
+      {"3.0", "item1.EMAIL;type=HOME:a@b\n", "{item1|EMAIL|a@b}"},
+      {"3.0", "NOTE:one\r\n  two\r\n\tthree\n", "{|NOTE|one twothree}"},
+      {"3.0", "NO\n TE:one\n", "{|NOTE|one}"},
+      {"3.0", "FN\n:x\n\nTEL 1:2\nX Y:z\n", "{||}{||}{||}{||}{||}"},
+      {"3.0", "NOTE:a\\nb\\Nc\\,d\\;e\\\\f\\:g\\x\n", "{|NOTE|a\nb\nc,d;e\\f:g\\x}"},
+      {"2.1", "NOTE:a\\nb\\;c\n", "{|NOTE|a\\nb;c}"},
+      {"3.0", "TEL;X=\"a:b\":1\nTEL;X=\"a:2\n", "{|TEL|1}{|TEL|2}"},
+      {"2.1", "NOTE;ENCODING=QUOTED-PRINTABLE:a=3D=\nb=\n=C3=A4=0D=0Ac\n", "{|NOTE|a=bä\nc}"},
+      {"2.1", "NOTE;QUOTED-PRINTABLE;CHARSET=ISO-8859-1:=E4=80\n", "{|NOTE|ä€}"},
+      // A soft break before the end of the card has nothing to join.
+      {"2.1", "NOTE;QUOTED-PRINTABLE:a=\n", "{|NOTE|a}"},
+      {"2.1", "NOTE;QUOTED-PRINTABLE:=\n b=4\n", "{|NOTE| b=4}"},
+      {"2.1", "NOTE:a=\nTEL:1\n", "{|NOTE|a=}{|TEL|1}"},
+      {"2.1", "NOTE;CHARSET=KOI8-R:\xc1\xc2\n", "{|NOTE|аб}"},
+      {"2.1", "NOTE;CHARSET=none-such:\xe4\n", "{|NOTE|ä}"},
+      {"3.0", "NOTE:\xe4\n", "{|NOTE|ä}"},
+      {"3.0", "X-TEXT;ENCODING=B:w6Q=\n", "{|X-TEXT|ä}"},
+      {"2.1", "X-TEXT;BASE64:\n  w6\n  Q=\n\nTEL:1\n", "{|X-TEXT|ä}{||}{|TEL|1}"},
+      {"2.1", "X-TEXT;ENCODING=BASE64:\nw6\nQ=\nTEL:1\n", "{|X-TEXT|ä}{|TEL|1}"},
+      {"2.1", "AGENT:\nBEGIN:VCARD\nFN:b\nEND:VCARD\nTEL:1\n", "{|AGENT|BEGIN:VCARDFN:bEND:VCARD}{|TEL|1}"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(linesOf(row.lines, row.version), row.read) << row.lines;
+}
+
+TEST(VCardReader, ReadsParameters) {
+  const struct {
+    const char* line;
+    const char* parameters;
+  } rows[] = {
+      {"TEL:1", ""},
+      {"TEL;type=home,Work;TYPE=pref:1", "TYPE=home TYPE=Work TYPE=pref "},
+      {"TEL;HOME;VOICE;:1", "TYPE=HOME TYPE=VOICE "},
+      {"NOTE;quoted-printable;Charset=UTF-8:1", "ENCODING=quoted-printable CHARSET=UTF-8 "},
+      {"TEL;TYPE=\"voice,home\":1", "TYPE=voice TYPE=home "},
+      {"ADR;LABEL=\"a;b,c:d\";X= :1", "LABEL=a;b,c:d X= "},
+      {"X;A=b,,\"c\":1", "A=b A= A=c "},
+  };
+  for (const auto& row : rows) {
+    const vcard::Line line(row.line, {});
+    std::string text;
+    for (const vcard::Parameter& parameter : line.parameters()) text += parameter.name + "=" + parameter.value + " ";
+    EXPECT_EQ(text, row.parameters) << row.line;
+    EXPECT_EQ(line.value(), "1");
+  }
+}
+
+TEST(VCardReader, ReadsBinaryValues) {
+  for (const char* line : {"PHOTO;ENCODING=b;TYPE=PNG:AAH/", "PHOTO;BASE64:AA H/", "PHOTO:data:image/png;base64,AAH/",
+                           "PHOTO;VALUE=uri:DATA:image/png;base64\\,AAH/"}) {
+    EXPECT_EQ(vcard::binaryValue(vcard::Line(line, {})), "\0\1\xFF"s) << line;
+  }
+  EXPECT_EQ(vcard::binaryValue(vcard::Line("PHOTO;VALUE=uri:https://example.com/a.png", {})), "");
+}
+
+TEST(VCardReader, DecodesFilesInUtf16) {
+  auto utf16 = [](const std::u16string& text, bool bigEndian) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+      const char high = static_cast<char>(unit >> 8);
+      const char low = static_cast<char>(unit & 0xFF);
+      bytes += bigEndian ? std::string{high, low} : std::string{low, high};
+    }
+    return bytes;
+  };
+  const std::u16string text = u"BEGIN ä𠮷";
+  for (const bool bigEndian : {true, false}) {
+    EXPECT_EQ(vcard::decodeFile(utf16(u"\uFEFF" + text, bigEndian)), "BEGIN ä𠮷");
+    EXPECT_EQ(vcard::decodeFile(utf16(text, bigEndian)), "BEGIN ä𠮷");
+    EXPECT_EQ(vcard::decodeFile(utf16(u"\uFEFF\xD842x", bigEndian) + "y"), "\uFFFDx");
+  }
+  EXPECT_EQ(vcard::decodeFile("\xEF\xBB\xBF"
+                              "BEGIN"),
+            "BEGIN");
+  EXPECT_EQ(vcard::decodeFile("BEGIN\xE4"), "BEGIN\xE4");
+}
+
+TEST(VCardReader, TellsValidUtf8) {
+  for (const char* valid : {"", "a", "ä", "€", "𠮷", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"}) {
+    EXPECT_TRUE(vcard::isValidUtf8(valid)) << valid;
+  }
+  for (const char* invalid : {"\x80", "\xC3", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+                              "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "a\xE2\x82"}) {
+    EXPECT_FALSE(vcard::isValidUtf8(invalid)) << invalid;
+  }
+}
+
+// Whatever is in it, a file is read in time that grows with its size alone.
+TEST(VCardReader, ReadsAbsurdCardsInLinearTime) {
+  auto repeated = [](const std::string& text, int times) {
+    std::string result;
+    for (int i = 0; i < times; ++i) result += text;
+    return result;
+  };
+  const int many = 200'000;
+  const std::string cards[] = {
+      repeated("BEGIN:VCARD\n", many),
+      "BEGIN:VCARD\n" + repeated("AGENT:\nBEGIN:VCARD\n", many) + repeated("END:VCARD\n", many + 1),
+      "BEGIN:VCARD\nTEL" + repeated(";a=b,\"c", many) + ":1\nEND:VCARD\n",
+      "BEGIN:VCARD\nX-LONG\n" + repeated(" a\"\n", many) + "END:VCARD\n",
+      "BEGIN:VCARD\nNOTE;QUOTED-PRINTABLE:" + repeated("=41=\n", many) + "END:VCARD\n",
+      "BEGIN:VCARD\nPHOTO;ENCODING=b:" + repeated("\n AAAA", many) + "\nEND:VCARD\n",
+      "BEGIN:VCARD\n" + repeated("TEL:1\n", many) + "END:VCARD\n",
+      "BEGIN:VCARD\nN:" + repeated("\\;;", many) + "\nEND:VCARD\n",
+  };
+  const auto start = std::chrono::steady_clock::now();
+  for (const std::string& file : cards) {
+    for (const vcard::Section& section : vcard::splitSections(file)) {
+      const vcard::Card card = vcard::parseCard(section.text);
+      for (const vcard::Line& line : card.lines) {
+        EXPECT_LE(vcard::splitFields(vcard::decodedValue(line), ';', card.version).size(), many + 1U);
+      }
+    }
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+}
+
+}  // namespace

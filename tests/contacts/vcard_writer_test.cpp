@@ -1,0 +1,59 @@
+#include "platform/contacts/vcard/writer.h"
+
+#include "platform/contacts/vcard/card.h"
+#include "platform/contacts/vcard/encoding.h"
+#include "platform/contacts/vcard/text.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+namespace {
+
+TEST(VCardWriter, WritesLines) {
+  std::string card;
+  vcard::appendLine(card, "", "FN", {}, "a");
+  vcard::appendLine(card, "item1", "TEL", {{"type", "HOME"}, {"X-A", "b;\"c\"\n"}}, "1");
+  EXPECT_EQ(card, "FN:a\r\nitem1.TEL;type=HOME;X-A=\"b;'c' \":1\r\n");
+}
+
+TEST(VCardWriter, FoldsWithoutCuttingCharacters) {
+  for (std::size_t lead = 0; lead < 80; ++lead) {
+    std::string value(lead, 'x');
+    for (int i = 0; i < 60; ++i) value += "ä€𠮷";
+    std::string line;
+    vcard::appendLine(line, "", "NOTE", {}, value);
+    std::string_view rest = line;
+    while (!rest.empty()) {
+      const std::size_t end = rest.find("\r\n");
+      ASSERT_LE(end, 75U);
+      EXPECT_NE(static_cast<unsigned char>(rest[1]) & 0xC0, 0x80);
+      rest.remove_prefix(end + 2);
+    }
+    const vcard::Card card = vcard::parseCard(line);
+    ASSERT_EQ(card.lines.size(), 1U);
+    EXPECT_EQ(card.lines[0].value(), value);
+  }
+}
+
+TEST(VCardWriter, EscapesWhatTheReaderUnescapes) {
+  for (const char* text : {"", "a,b;c\\d:e\"f", "\n\n", "\\n", "ä\\;"}) {
+    EXPECT_EQ(vcard::unescape(vcard::escape(text), vcard::Version::k30), text);
+  }
+  EXPECT_EQ(vcard::escape("a\r\nb\rc\nd"), "a\\nb\\nc\\nd");
+}
+
+TEST(VCardWriter, EncodesBase64) {
+  const struct {
+    std::string_view bytes;
+    const char* text;
+  } rows[] = {
+      {"", ""}, {"M", "TQ=="}, {"Ma", "TWE="}, {"Man", "TWFu"}, {std::string_view("\0\xFF\x80\x7F", 4), "AP+Afw=="}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(vcard::encodeBase64(row.bytes), row.text);
+    EXPECT_EQ(vcard::decodeBase64(row.text), row.bytes);
+  }
+}
+
+}  // namespace
