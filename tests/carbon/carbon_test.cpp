@@ -1,0 +1,95 @@
+#include "platform/carbon/folders.h"
+#include "platform/carbon/gestalt.h"
+#include "platform/carbon/process.h"
+#include "platform/carbon/time.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+#include <vector>
+
+#include <sys/time.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(Gestalt, SharesAddressesUnderASelector) {
+  constexpr OSType kSelector = 0x56585269;
+  std::intptr_t value = 42;
+  EXPECT_EQ(Gestalt(kSelector, &value), gestaltUndefSelectorErr);
+  EXPECT_EQ(value, 42);
+  int shared = 0;
+  EXPECT_EQ(SetGestaltValue(kSelector, reinterpret_cast<std::intptr_t>(&shared)), noErr);
+  EXPECT_EQ(Gestalt(kSelector, &value), noErr);
+  EXPECT_EQ(reinterpret_cast<int*>(value), &shared);
+  EXPECT_EQ(SetGestaltValue(kSelector, 0), noErr);
+  EXPECT_EQ(Gestalt(kSelector, &value), noErr);
+  EXPECT_EQ(value, 0);
+  EXPECT_EQ(Gestalt(kSelector, nullptr), paramErr);
+}
+
+TEST(Gestalt, IsSafeBetweenThreads) {
+  std::vector<std::thread> threads;
+  for (OSType i = 0; i < 4; ++i) {
+    threads.emplace_back([i] {
+      for (OSType k = 0; k < 200; ++k) {
+        SetGestaltValue(i * 1000 + k, static_cast<std::intptr_t>(k));
+        std::intptr_t value = 0;
+        Gestalt(i * 1000 + k, &value);
+        EXPECT_EQ(value, static_cast<std::intptr_t>(k));
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST(Folders, FindsTheFrameworksFolderOnly) {
+  FSRef ref;
+  ASSERT_EQ(FSFindFolder(kSystemDomain, kFrameworksFolderType, kCreateFolder, &ref), noErr);
+  std::uint8_t path[4096];
+  ASSERT_EQ(FSRefMakePath(&ref, path, sizeof path), noErr);
+  const fs::path folder(reinterpret_cast<const char*>(path));
+  EXPECT_EQ(folder.filename(), "Frameworks");
+  EXPECT_TRUE(fs::exists(folder / "Carbon.framework" / "Carbon"));
+  EXPECT_EQ(FSFindFolder(kSystemDomain, 0x70726566, kCreateFolder, &ref), fnfErr);
+  EXPECT_EQ(FSFindFolder(0, kFrameworksFolderType, kCreateFolder, &ref), fnfErr);
+}
+
+TEST(Time, CountsMillisecondsUpAndMicrosecondsDown) {
+  const struct {
+    Duration duration;
+    AbsoluteTime nanoseconds;
+  } cases[] = {{0, 0}, {1, 1'000'000}, {-1, 1'000}, {INT32_MAX, 2'147'483'647'000'000}, {INT32_MIN, 2'147'483'648'000}};
+  for (const auto& [duration, nanoseconds] : cases) {
+    EXPECT_EQ(AddDurationToAbsolute(duration, 1'000'000'000'000), 1'000'000'000'000 + nanoseconds);
+  }
+}
+
+TEST(Time, DelaysInSpiteOfSignals) {
+  signal(SIGALRM, [](int) {});
+  const itimerval often{.it_interval = {.tv_sec = 0, .tv_usec = 1000}, .it_value = {.tv_sec = 0, .tv_usec = 1000}};
+  ASSERT_EQ(setitimer(ITIMER_REAL, &often, nullptr), 0);
+  AbsoluteTime until = AddDurationToAbsolute(30, UpTime());
+  EXPECT_EQ(MPDelayUntil(&until), noErr);
+  EXPECT_GE(UpTime(), until);
+  until = 0;
+  EXPECT_EQ(MPDelayUntil(&until), noErr);
+}
+
+TEST(Process, EndsInOrder) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        std::atexit([] { std::fputs("handlers ran", stderr); });
+        ExitToShell();
+      },
+      testing::ExitedWithCode(0), "handlers ran");
+}
+
+}  // namespace

@@ -1,0 +1,285 @@
+#include "platform/carbon/files.h"
+
+#include "platform/foundation/cf_string.h"
+#include "platform/foundation/cf_url.h"
+#include "platform/foundation/url.h"
+#include "platform/objc/retained.h"
+#include "tests/objc/live_objects.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kComposed = "caf\xC3\xA9";
+constexpr const char* kDecomposed = "cafe\xCC\x81";
+constexpr const char* kNoUtf8 = "bad\xFF\xC3name";
+
+class Files : public LiveObjectsTest {
+ protected:
+  Files() {
+    std::string made = testing::TempDir() + "files_test_XXXXXX";
+    folder_ = fs::canonical(mkdtemp(made.data()));
+  }
+  ~Files() override { fs::remove_all(folder_); }
+
+  [[nodiscard]] fs::path at(const char* name) const { return folder_ / name; }
+
+  fs::path makeFile(const char* name) const {
+    std::ofstream(at(name)) << "contents";
+    return at(name);
+  }
+
+  static std::optional<FSRef> refOf(const fs::path& path) {
+    FSRef ref;
+    if (FSPathMakeRef(reinterpret_cast<const std::uint8_t*>(path.c_str()), &ref, nullptr) != noErr) return {};
+    return ref;
+  }
+
+  static std::optional<FSRef> refInside(const FSRef& parent, const std::u16string& name) {
+    FSRef ref;
+    if (FSMakeFSRefUnicode(&parent, name.size(), name.data(), 0, &ref) != noErr) return {};
+    return ref;
+  }
+
+  // Empty when the reference is good no more.
+  static std::string pathOf(const FSRef& ref) {
+    std::uint8_t path[4096];
+    return FSRefMakePath(&ref, path, sizeof path) == noErr ? reinterpret_cast<const char*>(path) : "";
+  }
+
+  static std::u16string nameOf(const FSRef& ref) {
+    HFSUniStr255 name{};
+    EXPECT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr), noErr);
+    return {name.unicode, name.length};
+  }
+
+  static OSErr check(const FSRef& ref) {
+    return FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
+  }
+
+  static std::string urlTextOf(const FSRef& ref) {
+    const auto url = Retained<NSURL>::adopt(bridge<NSURL>(CFURLCreateFromFSRef(kCFAllocatorDefault, &ref)));
+    return url ? url->absoluteString().UTF8String() : "";
+  }
+
+  static std::optional<FSRef> refOfUrl(const std::string& text) {
+    FSRef ref;
+    const NSURL url = NSURL::URLWithString(NSString::stringWithUTF8(text));
+    if (!CFURLGetFSRef(bridge<CFURLRef>(url), &ref)) return {};
+    return ref;
+  }
+
+  fs::path folder_;
+};
+
+TEST_F(Files, ReturnThroughUrlParentAndSpec) {
+  fs::create_directory(at("dir"));
+  for (const char* name :
+       {"plain", "with space #%", kComposed, kDecomposed, kNoUtf8, "dir", "a:b", "\xE6\x97\xA5\xE6\x9C\xAC"}) {
+    SCOPED_TRACE(name);
+    if (!fs::exists(at(name))) makeFile(name);
+    const auto ref = refOf(at(name));
+    ASSERT_TRUE(ref);
+    EXPECT_EQ(pathOf(*ref), at(name));
+
+    const auto sameByUrl = refOfUrl(urlTextOf(*ref));
+    ASSERT_TRUE(sameByUrl);
+    EXPECT_EQ(std::memcmp(&*sameByUrl, &*ref, sizeof(FSRef)), 0);
+
+    HFSUniStr255 itsName{};
+    FSSpec spec{};
+    FSRef parent;
+    const bool fitsSpec = name != kDecomposed && name != kNoUtf8 && name[0] != '\xE6';
+    EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, &itsName, nullptr, &parent), noErr);
+    EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr), fitsSpec ? noErr : bdNamErr);
+    EXPECT_EQ(pathOf(parent), folder_);
+    // The composed name's decomposed twin goes first as soon as it exists.
+    const auto sameByName = refInside(parent, {itsName.unicode, itsName.length});
+    ASSERT_TRUE(sameByName);
+    EXPECT_EQ(pathOf(*sameByName), at(name));
+    FSRef sameBySpec;
+    if (fitsSpec) {
+      ASSERT_EQ(FSpMakeFSRef(&spec, &sameBySpec), noErr);
+      EXPECT_EQ(pathOf(sameBySpec), at(name));
+    }
+  }
+  EXPECT_EQ(urlTextOf(*refOf(at("dir"))), "file://" + at("dir").string() + "/");
+  EXPECT_EQ(urlTextOf(*refOf(at(kNoUtf8))), "file://" + at("bad%FF%C3name").string());
+}
+
+TEST_F(Files, CrossUnderDecomposedNames) {
+  const struct {
+    const char* stored;
+    std::u16string crossing;
+  } cases[] = {{"plain", u"plain"},
+               {kComposed, u"cafe\u0301"},
+               {"\xED\x95\x9C\xEA\xB8\x80", u"\u1112\u1161\u11AB\u1100\u1173\u11AF"},
+               {"\xF0\x9F\x98\x80", u"\U0001F600"},
+               {kNoUtf8, u"bad%FF%C3name"},
+               {"\xE2\x84\xAA", u"K"}};
+  const auto folder = refOf(folder_);
+  for (const auto& [stored, crossing] : cases) {
+    SCOPED_TRACE(stored);
+    makeFile(stored);
+    EXPECT_EQ(nameOf(*refOf(at(stored))), crossing);
+    const auto found = refInside(*folder, crossing);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(pathOf(*found), at(stored));
+  }
+  // Found by a path or URL in another form too, in folders on the way as well.
+  fs::create_directory(at("d\xC3\xA9"));
+  std::ofstream(at("d\xC3\xA9") / kComposed) << "x";
+  EXPECT_TRUE(refOf(at("de\xCC\x81") / kDecomposed));
+  EXPECT_EQ(pathOf(*refOfUrl("file://" + folder_.string() + "/de%CC%81/cafe%CC%81")), at("d\xC3\xA9") / kComposed);
+  // The form that is asked for goes first.
+  makeFile(kDecomposed);
+  EXPECT_EQ(pathOf(*refInside(*folder, u"caf\u00E9")), at(kComposed));
+  EXPECT_EQ(pathOf(*refInside(*folder, u"cafe\u0301")), at(kDecomposed));
+}
+
+TEST_F(Files, AreNotFoundWhereThereAreNone) {
+  makeFile("file");
+  fs::create_directory(at("dir"));
+  const auto folder = refOf(folder_);
+  const std::u16string long300(300, u'x');
+  for (const std::u16string& name :
+       {std::u16string(), std::u16string(u"."), std::u16string(u".."), std::u16string(u"missing"),
+        std::u16string(u"dir/../file"), std::u16string(u"/"), std::u16string(u"file\0", 5), std::u16string(u"FILE"),
+        std::u16string(u"\xD800"), long300, long300.substr(0, 255), std::u16string(255, u'\u65E5')}) {
+    EXPECT_FALSE(refInside(*folder, name));
+  }
+  EXPECT_FALSE(refInside(*refOf(at("file")), u"file"));
+  EXPECT_FALSE(refOf(""));
+  EXPECT_FALSE(refOf(at("missing/../file")));
+  EXPECT_FALSE(refOf(at("file/file")));
+  EXPECT_FALSE(refOf("/" + std::string(5000, 'x')));
+  for (const std::string& url : {"http://localhost" + at("file").string(), "file://" + at("missing").string(),
+                                 "file://" + at("dir%2Ffile").string(), "file://" + at("file%00").string(),
+                                 "file:///" + std::string(5000, 'x'), std::string("file")}) {
+    EXPECT_FALSE(refOfUrl(url)) << url;
+  }
+}
+
+TEST_F(Files, OfTheLongestNameAreFound) {
+  const std::string longest(255, 'x');
+  makeFile(longest.c_str());
+  EXPECT_EQ(nameOf(*refOf(at(longest.c_str()))), std::u16string(255, u'x'));
+  EXPECT_TRUE(refInside(*refOf(folder_), std::u16string(255, u'x')));
+  // 255 bytes that no 255 units can tell.
+  const std::string noUtf8(255, '\xFF');
+  makeFile(noUtf8.c_str());
+  const auto ref = refOf(at(noUtf8.c_str()));
+  HFSUniStr255 name{};
+  EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr), bdNamErr);
+  EXPECT_TRUE(refOfUrl(urlTextOf(*ref)));
+}
+
+TEST_F(Files, RootIsReachedThroughItsSpec) {
+  const auto root = refOf("/");
+  FSCatalogInfo info{};
+  FSRef parent = *root;
+  FSSpec spec{};
+  ASSERT_EQ(FSGetCatalogInfo(&*root, kFSCatInfoNodeID, &info, nullptr, &spec, &parent), noErr);
+  EXPECT_EQ(info.nodeID, 2U);
+  EXPECT_EQ(nameOf(*root), u"/");
+  const FSRef nothing{};
+  EXPECT_EQ(std::memcmp(&parent, &nothing, sizeof nothing), 0);
+  EXPECT_EQ(check(parent), errFSBadFSRef);
+  EXPECT_EQ(spec.parID, 1);
+  FSRef again;
+  ASSERT_EQ(FSpMakeFSRef(&spec, &again), noErr);
+  EXPECT_EQ(urlTextOf(again), "file:///");
+  EXPECT_TRUE(refInside(*root, u"usr"));
+  // The parent of the root's children is the root.
+  const auto child = refOf("/usr");
+  ASSERT_EQ(FSGetCatalogInfo(&*child, kFSCatInfoNodeID, &info, nullptr, nullptr, &parent), noErr);
+  EXPECT_EQ(pathOf(parent), "/");
+  EXPECT_GE(info.nodeID, 16U);
+}
+
+TEST_F(Files, OfASpecAreFoundOrRefused) {
+  const auto ref = refOf(makeFile("file"));
+  FSSpec good{};
+  ASSERT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, nullptr, &good, nullptr), noErr);
+  const auto refused = [&](auto change) {
+    FSSpec spec = good;
+    change(spec);
+    FSRef found;
+    return FSpMakeFSRef(&spec, &found);
+  };
+  EXPECT_EQ(refused([](FSSpec&) {}), noErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.vRefNum = 7; }), nsvErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.parID = 0; }), dirNFErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.parID = -1; }), dirNFErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.parID = 1; }), fnfErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.parID = 2; }), fnfErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.name[0] = 0; }), fnfErr);
+  EXPECT_EQ(refused([](FSSpec& spec) { spec.name[0] = 64; }), bdNamErr);
+}
+
+TEST_F(Files, LeadThroughLinks) {
+  makeFile("target");
+  fs::create_symlink("target", at("link"));
+  fs::create_symlink("missing", at("dangling"));
+  fs::create_symlink("loop", at("loop"));
+  fs::create_directory_symlink(".", at("self"));
+  EXPECT_EQ(pathOf(*refOf(at("link"))), at("target"));
+  EXPECT_EQ(pathOf(*refOf(at("self/self/link"))), at("target"));
+  EXPECT_FALSE(refOf(at("dangling")));
+  EXPECT_FALSE(refOf(at("self/dangling")));
+  EXPECT_FALSE(refOf(at("loop")));
+  // By its name in the folder a link is meant itself.
+  const auto link = refInside(*refOf(folder_), u"link");
+  EXPECT_EQ(pathOf(*link), at("link"));
+  EXPECT_EQ(nameOf(*link), u"link");
+  const auto dangling = refInside(*refOf(folder_), u"dangling");
+  EXPECT_EQ(urlTextOf(*dangling), "file://" + at("dangling").string());
+  EXPECT_EQ(urlTextOf(*refInside(*refOf(folder_), u"self")), "file://" + at("self").string());
+}
+
+TEST_F(Files, AreToldFromThoseThatCameAfter) {
+  const fs::path file = makeFile("file");
+  const auto ref = refOf(file);
+  const auto folder = refOf(folder_);
+  ASSERT_EQ(check(*ref), noErr);
+  fs::rename(file, at("moved"));
+  EXPECT_EQ(check(*ref), fnfErr);
+  EXPECT_EQ(pathOf(*refOf(at("moved"))), at("moved"));
+  makeFile("file");
+  EXPECT_EQ(check(*ref), fnfErr);
+  fs::remove(file);
+  fs::rename(at("moved"), file);
+  EXPECT_EQ(pathOf(*ref), file);
+  fs::remove(file);
+  EXPECT_EQ(check(*ref), fnfErr);
+  EXPECT_EQ(urlTextOf(*ref), "");
+  HFSUniStr255 name{};
+  EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNodeID, nullptr, &name, nullptr, nullptr), fnfErr);
+  FSRef none;
+  fs::remove(folder_);
+  EXPECT_EQ(FSMakeFSRefUnicode(&*folder, 4, u"file", 0, &none), fnfErr);
+}
+
+TEST_F(Files, RefuseWhatNoReferenceIs) {
+  FSRef ref = *refOf(makeFile("file"));
+  EXPECT_EQ(FSGetCatalogInfo(&ref, 0x20, nullptr, nullptr, nullptr, nullptr), paramErr);
+  EXPECT_EQ(FSGetCatalogInfo(nullptr, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr), errFSBadFSRef);
+  std::uint8_t small[8];
+  EXPECT_EQ(FSRefMakePath(&ref, small, sizeof small), pathTooLongErr);
+  for (std::size_t i = 0; i < sizeof ref; ++i) {
+    FSRef broken = ref;
+    broken.hidden[i] ^= 0x80;
+    EXPECT_NE(check(broken), noErr) << i;
+  }
+}
+
+}  // namespace
