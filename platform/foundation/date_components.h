@@ -22,6 +22,10 @@ class NSDateComponents : public NSObject {
   [[nodiscard]] NSInteger month() const { return send<NSInteger>(*this, "month"_sel); }
   // 1 to 31 when defined.
   [[nodiscard]] NSInteger day() const { return send<NSInteger>(*this, "day"_sel); }
+
+  // The caller owns the result.
+  [[nodiscard]] NSDateComponents copy() const { return send<NSDateComponents>(*this, "copy"_sel); }
+
   void setYear(NSInteger year) const { send<void>(*this, "setYear:"_sel, year); }
   void setMonth(NSInteger month) const { send<void>(*this, "setMonth:"_sel, month); }
   void setDay(NSInteger day) const { send<void>(*this, "setDay:"_sel, day); }

@@ -10,7 +10,7 @@ class NSTimeZone : public NSObject {
 
   // The process's zone, from TZ or the system's setting, as they are now.
   static NSTimeZone localTimeZone() { return send<NSTimeZone>("NSTimeZone"_class, "localTimeZone"_sel); }
-  // Seconds east of Greenwich, all the year round.
+  // Seconds east of Greenwich, all the year round; nil beyond 18 hours.
   static NSTimeZone timeZoneForSecondsFromGMT(NSInteger seconds) {
     return send<NSTimeZone>("NSTimeZone"_class, "timeZoneForSecondsFromGMT:"_sel, seconds);
   }

@@ -1,0 +1,208 @@
+#include "platform/foundation/calendar_date.h"
+
+#include "platform/foundation/date_components.h"
+#include "platform/objc/retained.h"
+#include "tests/foundation/raised.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <climits>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+void useZone(const char* name) {
+  setenv("TZ", name, 1);
+  tzset();
+}
+
+// Central European time by rule, which needs no zone files.
+constexpr char kBerlin[] = "CET-1CEST,M3.5.0,M10.5.0/3";
+
+Retained<NSCalendarDate> seenLocally(NSTimeInterval seconds) {
+  return Retained<NSCalendarDate>::adopt(NSCalendarDate::alloc().initWithTimeIntervalSinceReferenceDate(seconds));
+}
+
+std::string fieldsOf(NSCalendarDate date) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%ld-%ld-%ld %ld:%ld:%ld", static_cast<long>(date.yearOfCommonEra()),
+                static_cast<long>(date.monthOfYear()), static_cast<long>(date.dayOfMonth()),
+                static_cast<long>(date.hourOfDay()), static_cast<long>(date.minuteOfHour()),
+                static_cast<long>(date.secondOfMinute()));
+  return text;
+}
+
+TEST(CalendarDate, MakesTheInstantOfAWallClockTime) {
+  useZone(kBerlin);
+  const struct {
+    int fields[6];
+    const char* description;
+  } rows[] = {
+      {{2012, 7, 14, 9, 5, 7}, "2012-07-14 09:05:07 +0200"},
+      {{2012, 1, 14, 9, 5, 7}, "2012-01-14 09:05:07 +0100"},
+      // The hour that clocks skip, its edges, and the hour that they show twice.
+      {{2012, 3, 25, 1, 59, 59}, "2012-03-25 01:59:59 +0100"},
+      {{2012, 3, 25, 2, 30, 0}, "2012-03-25 03:30:00 +0200"},
+      {{2012, 3, 25, 3, 0, 0}, "2012-03-25 03:00:00 +0200"},
+      {{2012, 10, 28, 1, 59, 59}, "2012-10-28 01:59:59 +0200"},
+      {{2012, 10, 28, 2, 0, 0}, "2012-10-28 02:00:00 +0200"},
+      {{2012, 10, 28, 2, 59, 59}, "2012-10-28 02:59:59 +0200"},
+      {{2012, 10, 28, 3, 0, 0}, "2012-10-28 03:00:00 +0100"},
+      // Fields out of range.
+      {{2012, 13, 1, 0, 0, 0}, "2013-01-01 00:00:00 +0100"},
+      {{2012, 0, 31, 0, 0, 0}, "2011-12-31 00:00:00 +0100"},
+      {{2012, -11, 1, 0, 0, 0}, "2011-01-01 00:00:00 +0100"},
+      {{2012, 2, 30, 0, 0, 0}, "2012-03-01 00:00:00 +0100"},
+      {{2013, 3, 0, 0, 0, 0}, "2013-02-28 00:00:00 +0100"},
+      {{2012, 12, 31, 23, 59, 60}, "2013-01-01 00:00:00 +0100"},
+      {{2012, 1, 1, -1, -1, -1}, "2011-12-31 22:58:59 +0100"},
+      {{2012, 1, 1, 24, 1440, 86400}, "2012-01-04 00:00:00 +0100"},
+      // Beyond 32-bit seconds, and before any zone.
+      {{2038, 7, 1, 12, 0, 0}, "2038-07-01 12:00:00 +0200"},
+      {{2400, 2, 29, 0, 0, 0}, "2400-02-29 00:00:00 +0100"},
+      {{1900, 3, 1, 0, 0, 0}, "1900-03-01 00:00:00 +0100"},
+      {{1582, 10, 10, 0, 0, 0}, "1582-10-10 00:00:00 +0100"},
+      {{1, 1, 1, 0, 0, 0}, "0001-01-01 00:00:00 +0100"},
+  };
+  for (const auto& row : rows) {
+    const auto [year, month, day, hour, minute, second] = row.fields;
+    const auto date = NSCalendarDate::dateWithYear(year, month, day, hour, minute, second, NSTimeZone::localTimeZone());
+    EXPECT_STREQ(date.description().UTF8String(), row.description);
+    const auto again = seenLocally(date.timeIntervalSinceReferenceDate());
+    EXPECT_STREQ(again->description().UTF8String(), row.description);
+  }
+}
+
+TEST(CalendarDate, ShowsTheWholeSecondBelow) {
+  useZone("UTC0");
+  EXPECT_EQ(fieldsOf(seenLocally(0.9).get()), "2001-1-1 0:0:0");
+  EXPECT_EQ(fieldsOf(seenLocally(-0.1).get()), "2000-12-31 23:59:59");
+  EXPECT_EQ(fieldsOf(seenLocally(-1).get()), "2000-12-31 23:59:59");
+  EXPECT_EQ(fieldsOf(seenLocally(-NSTimeIntervalSince1970 - 0.25).get()), "1969-12-31 23:59:59");
+}
+
+TEST(CalendarDate, CountsDays) {
+  const auto utc = NSTimeZone::timeZoneForSecondsFromGMT(0);
+  const struct {
+    int date[3];
+    NSInteger dayOfWeek;
+    NSInteger dayOfYear;
+    NSInteger dayOfCommonEra;
+  } rows[] = {
+      {{1, 1, 1}, 1, 1, 1},           {{0, 12, 31}, 0, 366, 0},         {{-1, 12, 31}, 5, 365, -366},
+      {{1970, 1, 1}, 4, 1, 719163},   {{2000, 12, 31}, 0, 366, 730485}, {{2001, 1, 1}, 1, 1, 730486},
+      {{2012, 2, 29}, 3, 60, 734562}, {{2100, 12, 31}, 5, 365, 767009},
+  };
+  for (const auto& row : rows) {
+    const auto date = NSCalendarDate::dateWithYear(row.date[0], row.date[1], row.date[2], 23, 59, 59, utc);
+    EXPECT_EQ(date.dayOfWeek(), row.dayOfWeek) << row.date[0];
+    EXPECT_EQ(date.dayOfYear(), row.dayOfYear) << row.date[0];
+    EXPECT_EQ(date.dayOfCommonEra(), row.dayOfCommonEra) << row.date[0];
+  }
+}
+
+TEST(CalendarDate, AgreesWithTheStandardCalendar) {
+  const auto utc = NSTimeZone::timeZoneForSecondsFromGMT(0);
+  using namespace std::chrono;
+  const auto first = static_cast<sys_days>(year(-32000) / 1 / 1);
+  const auto last = static_cast<sys_days>(year(32000) / 12 / 31);
+  for (auto day = first; day <= last; day += days(97)) {
+    const year_month_day expected(day);
+    const auto date =
+        NSCalendarDate::dateWithYear(1970, 1, 1 + static_cast<int>(day.time_since_epoch().count()), 0, 0, 0, utc);
+    const auto same = NSCalendarDate::dateWithYear(
+        static_cast<int>(expected.year()), static_cast<int>(static_cast<unsigned>(expected.month())),
+        static_cast<int>(static_cast<unsigned>(expected.day())), 0, 0, 0, utc);
+    ASSERT_EQ(date.timeIntervalSinceReferenceDate(), same.timeIntervalSinceReferenceDate());
+    ASSERT_EQ(date.yearOfCommonEra(), static_cast<int>(expected.year()));
+    ASSERT_EQ(date.monthOfYear(), static_cast<NSInteger>(static_cast<unsigned>(expected.month())));
+    ASSERT_EQ(date.dayOfMonth(), static_cast<NSInteger>(static_cast<unsigned>(expected.day())));
+    ASSERT_EQ(date.dayOfWeek(), static_cast<NSInteger>(weekday(day).c_encoding()));
+  }
+}
+
+// Zones with half hours, a skipped day, half-hour summer time, sun time before zones, and summer time in the south.
+TEST(CalendarDate, AgreesWithTheSystemsZones) {
+  for (const char* zone : {"Europe/Berlin", "America/New_York", "Asia/Kolkata", "Pacific/Apia", "Australia/Lord_Howe",
+                           "America/St_Johns", "Africa/Monrovia"}) {
+    if (!std::filesystem::exists(std::filesystem::path("/usr/share/zoneinfo") / zone)) {
+      GTEST_SKIP() << zone << " isn't installed";
+    }
+    useZone(zone);
+    for (std::time_t instant = -4'000'000'000; instant < 6'000'000'000; instant += 1'234'567) {
+      std::tm expected{};
+      localtime_r(&instant, &expected);
+      const auto date = seenLocally(static_cast<NSTimeInterval>(instant) - NSTimeIntervalSince1970);
+      ASSERT_EQ(date->yearOfCommonEra(), expected.tm_year + 1900) << zone << " " << instant;
+      ASSERT_EQ(date->dayOfYear(), expected.tm_yday + 1) << zone << " " << instant;
+      ASSERT_EQ(date->hourOfDay(), expected.tm_hour) << zone << " " << instant;
+      ASSERT_EQ(date->minuteOfHour(), expected.tm_min) << zone << " " << instant;
+      ASSERT_EQ(date->secondOfMinute(), expected.tm_sec) << zone << " " << instant;
+      const auto again = NSCalendarDate::dateWithYear(expected.tm_year + 1900, expected.tm_mon + 1, expected.tm_mday,
+                                                      expected.tm_hour, expected.tm_min, expected.tm_sec, nullptr);
+      ASSERT_LE(again.compare(date.get()), NSOrderedSame) << zone << " " << instant;
+      ASSERT_EQ(fieldsOf(again), fieldsOf(date.get())) << zone << " " << instant;
+    }
+  }
+}
+
+TEST(CalendarDate, HasFieldsHoweverFarAway) {
+  useZone(kBerlin);
+  for (NSTimeInterval seconds : {1e15, -1e15, 1e300, -1e300, static_cast<NSTimeInterval>(INFINITY),
+                                 -static_cast<NSTimeInterval>(INFINITY), static_cast<NSTimeInterval>(NAN)}) {
+    const auto date = seenLocally(seconds);
+    EXPECT_GT(std::abs(date->yearOfCommonEra()), 4'000'000) << seconds;
+    EXPECT_TRUE(date->monthOfYear() >= 1 && date->monthOfYear() <= 12) << seconds;
+    EXPECT_TRUE(date->dayOfYear() >= 1 && date->dayOfYear() <= 366) << seconds;
+    EXPECT_TRUE(date->dayOfWeek() >= 0 && date->dayOfWeek() <= 6) << seconds;
+    EXPECT_EQ(date->yearOfCommonEra() > 0, date->dayOfCommonEra() > 0) << seconds;
+  }
+  for (int extreme : {INT_MAX, INT_MIN}) {
+    const auto date = NSCalendarDate::dateWithYear(extreme, extreme, extreme, extreme, extreme, extreme, nullptr);
+    EXPECT_EQ(date.timeIntervalSinceReferenceDate() > 0, extreme > 0);
+    EXPECT_EQ(date.yearOfCommonEra() > 0, extreme > 0);
+  }
+}
+
+TEST(TimeZone, TellsItsDistanceFromGreenwich) {
+  useZone(kBerlin);
+  const auto summer = NSCalendarDate::dateWithYear(2012, 7, 1, 0, 0, 0, nullptr);
+  const auto winter = NSCalendarDate::dateWithYear(2012, 1, 1, 0, 0, 0, nullptr);
+  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(summer), 7200);
+  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(winter), 3600);
+  EXPECT_EQ(raised([] { (void)NSTimeZone::localTimeZone().secondsFromGMTForDate(nullptr); }),
+            "NSInvalidArgumentException");
+
+  const auto newfoundland = NSTimeZone::timeZoneForSecondsFromGMT(-12600);
+  EXPECT_EQ(newfoundland.secondsFromGMTForDate(summer), -12600);
+  const auto date = NSCalendarDate::dateWithYear(2012, 7, 1, 0, 0, 0, newfoundland);
+  EXPECT_STREQ(date.description().UTF8String(), "2012-07-01 00:00:00 -0330");
+  EXPECT_EQ(fieldsOf(seenLocally(date.timeIntervalSinceReferenceDate()).get()), "2012-7-1 5:30:0");
+  EXPECT_FALSE(NSTimeZone::timeZoneForSecondsFromGMT(18 * 3600 + 1));
+
+  setenv("TZ", "JST-9", 1);
+  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(summer), 32400);
+}
+
+TEST(DateComponents, MayLackFields) {
+  const auto birthday = Retained<NSDateComponents>::adopt(NSDateComponents::alloc().init());
+  EXPECT_EQ(birthday->year(), NSUndefinedDateComponent);
+  birthday->setMonth(2);
+  birthday->setDay(29);
+  const auto copied = Retained<NSDateComponents>::adopt(birthday->copy());
+  EXPECT_TRUE(birthday->isEqual(copied.get()));
+  EXPECT_EQ(birthday->hash(), copied->hash());
+  EXPECT_STREQ(copied->description().UTF8String(), "?-2-29");
+  copied->setYear(2000);
+  EXPECT_EQ(copied->year(), 2000);
+  EXPECT_EQ(birthday->year(), NSUndefinedDateComponent);
+  EXPECT_FALSE(birthday->isEqual(copied.get()));
+}
+
+}  // namespace
