@@ -4,8 +4,10 @@
 #include "platform/foundation/cf_base.h"
 #include "platform/objc/send.h"
 
-// Objects by key. Keys are copied and compared with isEqual: and hash; values are retained. allKeys has the order in
-// which the keys were first set.
+class NSMutableDictionary;
+
+// Objects by key. Keys are compared with isEqual: and hash, and copied if they can be; values are retained. allKeys has
+// the order in which the keys were first set.
 class NSDictionary : public NSObject {
  public:
   using NSObject::NSObject;
@@ -23,6 +25,10 @@ class NSDictionary : public NSObject {
   [[nodiscard]] NSUInteger count() const { return send<NSUInteger>(*this, "count"_sel); }
   [[nodiscard]] NSObject objectForKey(NSObject key) const { return send<NSObject>(*this, "objectForKey:"_sel, key); }
   [[nodiscard]] NSArray allKeys() const { return send<NSArray>(*this, "allKeys"_sel); }
+
+  // The caller owns the result. A copy of an immutable dictionary is the dictionary itself.
+  [[nodiscard]] NSDictionary copy() const { return send<NSDictionary>(*this, "copy"_sel); }
+  [[nodiscard]] inline NSMutableDictionary mutableCopy() const;
 };
 
 class NSMutableDictionary : public NSDictionary {
@@ -41,3 +47,7 @@ class NSMutableDictionary : public NSDictionary {
   // Does nothing for a key that isn't there; nil raises NSInvalidArgumentException.
   void removeObjectForKey(NSObject key) const { send<void>(*this, "removeObjectForKey:"_sel, key); }
 };
+
+inline NSMutableDictionary NSDictionary::mutableCopy() const {
+  return send<NSMutableDictionary>(*this, "mutableCopy"_sel);
+}

@@ -1,0 +1,81 @@
+#include "platform/foundation/attributed_string.h"
+
+#include "platform/objc/retained.h"
+#include "tests/foundation/raised.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+NSString text(const char* utf8) { return NSString::stringWithUTF8String(utf8); }
+
+NSDictionary attribute(const char* name) { return NSDictionary::dictionaryWithObject(text("value"), text(name)); }
+
+Retained<NSAttributedString> attributed(const char* utf8, NSDictionary attributes) {
+  return Retained<NSAttributedString>::adopt(NSAttributedString::alloc().initWithString(text(utf8), attributes));
+}
+
+// Each run as its range and the name of its attribute.
+std::string runsOf(NSAttributedString string) {
+  std::string runs;
+  NSRange range{};
+  for (NSUInteger at = 0; at < string.length(); at = range.location + range.length) {
+    const NSDictionary attributes = string.attributesAtIndex(at, &range);
+    runs += std::to_string(range.location) + "+" + std::to_string(range.length);
+    for (NSUInteger i = 0; i < attributes.count(); ++i) {
+      runs += attributes.allKeys().objectAtIndex(i).as<NSString>().UTF8String();
+    }
+    runs += ' ';
+  }
+  return runs;
+}
+
+TEST(AttributedString, JoinsNeighboursOfEqualAttributes) {
+  const auto address = Retained<NSMutableAttributedString>::adopt(NSMutableAttributedString::alloc().init());
+  EXPECT_EQ(address->length(), 0U);
+  const struct {
+    const char* added;
+    NSDictionary attributes;
+    const char* runs;
+  } steps[] = {
+      {"1 Main St", attribute("Street"), "0+9Street "},
+      {"", attribute("City"), "0+9Street "},
+      {"\n", nullptr, "0+9Street 9+1 "},
+      {"Zürich", attribute("City"), "0+9Street 9+1 10+6City "},
+      {"!", attribute("City"), "0+9Street 9+1 10+7City "},
+  };
+  for (const auto& step : steps) {
+    address->appendAttributedString(attributed(step.added, step.attributes).get());
+    EXPECT_EQ(runsOf(address.get()), step.runs);
+  }
+  EXPECT_STREQ(address->string().UTF8String(), "1 Main St\nZürich!");
+  address->appendAttributedString(address.get());
+  EXPECT_EQ(runsOf(address.get()), "0+9Street 9+1 10+7City 17+9Street 26+1 27+7City ");
+  EXPECT_EQ(raised([&] { address->appendAttributedString(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([&] { (void)address->attributesAtIndex(34, nullptr); }), "NSRangeException");
+}
+
+TEST(AttributedString, EqualsTheSameTextWithTheSameAttributes) {
+  const auto one = attributed("text", attribute("a"));
+  EXPECT_TRUE(one->isEqual(attributed("text", attribute("a")).get()));
+  EXPECT_EQ(one->hash(), attributed("text", attribute("a"))->hash());
+  EXPECT_FALSE(one->isEqual(attributed("text", attribute("b")).get()));
+  EXPECT_FALSE(one->isEqual(attributed("text", nullptr).get()));
+  EXPECT_FALSE(one->isEqual(attributed("other", attribute("a")).get()));
+  EXPECT_FALSE(one->isEqual(text("text")));
+  EXPECT_STREQ(one->description().UTF8String(), "text{\n    a = value;\n}");
+}
+
+TEST(AttributedString, KeepsTheTextItWasGiven) {
+  const auto source = NSMutableString::string();
+  source.appendString(text("before"));
+  const auto string = Retained<NSAttributedString>::adopt(NSAttributedString::alloc().initWithString(source));
+  source.appendString(text("after"));
+  EXPECT_STREQ(string->string().UTF8String(), "before");
+  EXPECT_EQ(runsOf(string.get()), "0+6 ");
+  EXPECT_EQ(raised([] { (void)NSAttributedString::alloc().initWithString(nullptr); }), "NSInvalidArgumentException");
+}
+
+}  // namespace
