@@ -80,12 +80,14 @@ struct NotificationCenterObject : objc::Object {
   }
 };
 
+NSNotificationCenter makeCenter() {
+  objc::Object* made = class_createInstance("NSNotificationCenter"_class.record());
+  objc_makeImmortal(made);
+  return NSNotificationCenter(made);
+}
+
 NSNotificationCenter defaultCenter(Class) {
-  static const NSNotificationCenter center = [] {
-    objc::Object* made = class_createInstance("NSNotificationCenter"_class.record());
-    objc_makeImmortal(made);
-    return NSNotificationCenter(made);
-  }();
+  static const NSNotificationCenter center = makeCenter();
   return center;
 }
 

@@ -6,12 +6,14 @@
 
 namespace {
 
+NSNull makeNull() {
+  objc::Object* made = class_createInstance("NSNull"_class.record());
+  objc_makeImmortal(made);
+  return NSNull(made);
+}
+
 NSNull sharedNull(Class) {
-  static const NSNull instance = [] {
-    objc::Object* made = class_createInstance("NSNull"_class.record());
-    objc_makeImmortal(made);
-    return NSNull(made);
-  }();
+  static const NSNull instance = makeNull();
   return instance;
 }
 
