@@ -17,6 +17,9 @@
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/objc/retained.h"
 
+#include <algorithm>
+#include <array>
+
 namespace {
 
 // The object that all programs share; one reference of it is kept here until the process ends.
@@ -41,11 +44,12 @@ void ABAddressBookConstructor(REALobject self) {
 }
 
 void ABAddressBookDestructor(REALobject self) {
+  CocoaInit();
   guard([&] {
     UnregisterInstance(wrapped<ABAddressBook>(self));
     removeEvent(self);
-    releaseWrapped(self);
   });
+  guard([&] { releaseWrapped(self); });
 }
 
 REALobject addressBook() {
@@ -94,8 +98,9 @@ REALobject formattedAddressFromDictionary(REALobject self, REALdictionary addres
   REALobject result = nullptr;
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
+    if (!book) return;
     NSDictionary converted = NewNSDictionary(address);
-    if (book && converted) result = NewNSAttributedStringVXR(book.formattedAddressFromDictionary(converted));
+    if (converted) result = NewNSAttributedStringVXR(book.formattedAddressFromDictionary(converted));
   });
   return result;
 }
@@ -121,72 +126,31 @@ REALobjectArray recordsMatchingSearchElement(REALobject self, REALobject search)
   return result;
 }
 
-bool removeRecord1(REALobject self, REALobject record) {
+// Adds or removes the record, through the selector that reports errors where there is one.
+bool changeWithError(REALobject self, REALobject record, REALobject* error, objc::Selector reportingSelector,
+                     bool (ABAddressBook::*report)(ABRecord, NSError*) const,
+                     bool (ABAddressBook::*plain)(ABRecord) const) {
   bool result = false;
+  dropError(error);
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
-    auto removed = wrapped<ABRecord>(record);
-    if (book && removed) result = book.removeRecord(removed);
-  });
-  return result;
-}
-
-bool addRecord1(REALobject self, REALobject record) {
-  bool result = false;
-  guard([&] {
-    auto book = wrapped<ABAddressBook>(self);
-    auto added = wrapped<ABRecord>(record);
-    if (book && added) result = book.addRecord(added);
+    auto changed = wrapped<ABRecord>(record);
+    if (!book || !changed) return;
+    callWithError(
+        book, reportingSelector, error, result, [&](NSError* failure) { return (book.*report)(changed, failure); },
+        [&] { return (book.*plain)(changed); });
   });
   return result;
 }
 
 bool addRecord2(REALobject self, REALobject record, REALobject* error) {
-  bool result = false;
-  dropError(error);
-  guard([&] {
-    auto book = wrapped<ABAddressBook>(self);
-    auto added = wrapped<ABRecord>(record);
-    if (!book || !added) return;
-    if (book.respondsToSelector("addRecord:error:"_sel)) {
-      NSError failure;
-      result = book.addRecord(added, &failure);
-      storeError(error, failure);
-    } else {
-      result = book.addRecord(added);
-    }
-  });
-  return result;
+  return changeWithError(self, record, error, "addRecord:error:"_sel, &ABAddressBook::addRecord,
+                         &ABAddressBook::addRecord);
 }
 
 bool removeRecord2(REALobject self, REALobject record, REALobject* error) {
-  bool result = false;
-  dropError(error);
-  guard([&] {
-    auto book = wrapped<ABAddressBook>(self);
-    auto removed = wrapped<ABRecord>(record);
-    if (!book || !removed) return;
-    if (book.respondsToSelector("removeRecord:error:"_sel)) {
-      NSError failure;
-      result = book.removeRecord(removed, &failure);
-      storeError(error, failure);
-    } else {
-      result = book.removeRecord(removed);
-    }
-  });
-  return result;
-}
-
-REALobjectArray groups(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
-  guard([&] { FillABGroupArray(result, wrapped<ABAddressBook>(self).groups()); });
-  return result;
-}
-
-REALobjectArray people(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
-  guard([&] { FillABPersonArray(result, wrapped<ABAddressBook>(self).people()); });
-  return result;
+  return changeWithError(self, record, error, "removeRecord:error:"_sel, &ABAddressBook::removeRecord,
+                         &ABAddressBook::removeRecord);
 }
 
 void setMe(REALobject self, REALobject moi) {
@@ -204,31 +168,9 @@ bool save2(REALobject self, REALobject* error) {
   dropError(error);
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
-    if (book.respondsToSelector("saveAndReturnError:"_sel)) {
-      NSError failure;
-      result = book.save(&failure);
-      storeError(error, failure);
-    } else {
-      result = book.save();
-    }
-  });
-  return result;
-}
-
-REALstring defaultCountryCode(REALobject self) {
-  REALstring result = nullptr;
-  guard([&] {
-    auto book = wrapped<ABAddressBook>(self);
-    if (book.respondsToSelector("defaultCountryCode"_sel)) result = NSStringRB(book.defaultCountryCode());
-  });
-  return result;
-}
-
-REALinteger defaultNameOrdering(REALobject self) {
-  REALinteger result = 0;
-  guard([&] {
-    auto book = wrapped<ABAddressBook>(self);
-    if (book.respondsToSelector("defaultNameOrdering"_sel)) result = book.defaultNameOrdering();
+    callWithError(
+        book, "saveAndReturnError:"_sel, error, result, [&](NSError* failure) { return book.save(failure); },
+        [&] { return book.save(); });
   });
   return result;
 }
@@ -237,8 +179,9 @@ REALstring recordClassFromUniqueId(REALobject self, REALstring uniqueId) {
   REALstring result = nullptr;
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
-    if (!book.respondsToSelector("recordClassFromUniqueId:"_sel)) return;
-    result = NSStringRB(book.recordClassFromUniqueId(NewNSString(uniqueId)));
+    NSString id = NewNSString(uniqueId);
+    if (!id || !book.respondsToSelector("recordClassFromUniqueId:"_sel)) return;
+    result = NSStringRB(book.recordClassFromUniqueId(id));
   });
   return result;
 }
@@ -250,16 +193,21 @@ REALstring LocalizedPropertyOrLabel(REALobject, REALstring propertyOrLabel) {
   return result;
 }
 
+ABRecord recordOf(REALobject self, REALstring uniqueId) {
+  NSString id = NewNSString(uniqueId);
+  return id ? wrapped<ABAddressBook>(self).recordForUniqueId(id) : nullptr;
+}
+
 REALobject recordForUniqueId(REALobject self, REALstring uniqueId) {
   REALobject result = nullptr;
-  guard([&] { result = NewABRecordVXR(wrapped<ABAddressBook>(self).recordForUniqueId(NewNSString(uniqueId))); });
+  guard([&] { result = NewABRecordVXR(recordOf(self, uniqueId)); });
   return result;
 }
 
 REALobject personForUniqueId(REALobject self, REALstring uniqueId) {
   REALobject result = nullptr;
   guard([&] {
-    auto record = wrapped<ABAddressBook>(self).recordForUniqueId(NewNSString(uniqueId));
+    ABRecord record = recordOf(self, uniqueId);
     if (IsABPerson(record)) result = NewABPersonVXR(record.as<ABPerson>());
   });
   return result;
@@ -268,7 +216,7 @@ REALobject personForUniqueId(REALobject self, REALstring uniqueId) {
 REALobject groupForUniqueId(REALobject self, REALstring uniqueId) {
   REALobject result = nullptr;
   guard([&] {
-    auto record = wrapped<ABAddressBook>(self).recordForUniqueId(NewNSString(uniqueId));
+    ABRecord record = recordOf(self, uniqueId);
     if (IsABGroup(record)) result = NewABGroupVXR(record.as<ABGroup>());
   });
   return result;
@@ -313,6 +261,11 @@ REALobjectArray peopleForEmail(REALobject self, REALstring email) {
   return result;
 }
 
+// Of the framework's two forms, those that report no error.
+constexpr bool (ABAddressBook::*kAddRecord)(ABRecord) const = &ABAddressBook::addRecord;
+constexpr bool (ABAddressBook::*kRemoveRecord)(ABRecord) const = &ABAddressBook::removeRecord;
+constexpr bool (ABAddressBook::*kSave)() const = &ABAddressBook::save;
+
 REALproperty properties[] = {handleProperty()};
 
 REALmethodDefinition methods[] = {
@@ -321,19 +274,20 @@ REALmethodDefinition methods[] = {
         formattedAddressFromDictionary),
     method<"NewPersonWithVCardRepresentation(data as memoryblock) as ABPersonVXR">(NewPersonWithVCardRepresentation),
     method<"recordsMatchingSearchElement(search as ABSearchElementVXR) as ABRecordVXR()">(recordsMatchingSearchElement),
-    method<"removeRecord(record as ABRecordVXR) as boolean">(removeRecord1),
-    method<"addRecord(record as ABRecordVXR) as boolean">(addRecord1),
+    method<"removeRecord(record as ABRecordVXR) as boolean">(forward<kRemoveRecord>),
+    method<"addRecord(record as ABRecordVXR) as boolean">(forward<kAddRecord>),
     method<"addRecord(record as ABRecordVXR, byref error as NSErrorVXR) as boolean">(addRecord2),
     method<"removeRecord(record as ABRecordVXR, byref error as NSErrorVXR) as boolean">(removeRecord2),
-    method<"groups as ABGroupVXR()">(groups),
-    method<"people as ABPersonVXR()">(people),
+    method<"groups as ABGroupVXR()">(forwardList<&ABAddressBook::groups, FillABGroupArray>),
+    method<"people as ABPersonVXR()">(forwardList<&ABAddressBook::people, FillABPersonArray>),
     method<"setMe(moi as ABPersonVXR)">(setMe),
     method<"owner as ABPersonVXR">(owner),
-    method<"save as boolean">(forward<static_cast<bool (ABAddressBook::*)() const>(&ABAddressBook::save)>),
+    method<"save as boolean">(forward<kSave>),
     method<"save(byref error as NSErrorVXR) as boolean">(save2),
     method<"hasUnsavedChanges as boolean">(forward<&ABAddressBook::hasUnsavedChanges>),
-    method<"defaultCountryCode as string">(defaultCountryCode),
-    method<"defaultNameOrdering as integer">(defaultNameOrdering),
+    method<"defaultCountryCode as string">(forwardIfKnown<"defaultCountryCode", &ABAddressBook::defaultCountryCode>),
+    method<"defaultNameOrdering as integer">(
+        forwardIfKnown<"defaultNameOrdering", &ABAddressBook::defaultNameOrdering>),
     method<"recordClassFromUniqueId(uniqueid as string) as string">(recordClassFromUniqueId),
     method<"LocalizedPropertyOrLabel(propertyOrLabel as string) as string">(LocalizedPropertyOrLabel),
     method<"recordForUniqueId(uniqueid as string) as ABRecordVXR">(recordForUniqueId),
@@ -366,7 +320,7 @@ SharedMethods sharedMethods = [] {
       sharedMethod<"searchElementForConjunction(conjunction as integer, children() as ABSearchElementVXR) as "
                    "ABSearchElementVXR">(searchElementForConjunction),
   };
-  describeStringConstants(std::span(rows).last<kStringConstantCount>());
+  std::ranges::copy(stringConstantMethods(), rows.begin() + kOwnSharedMethodCount);
   return rows;
 }();
 static_assert(std::tuple_size_v<SharedMethods> == 120);

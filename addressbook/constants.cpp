@@ -6,8 +6,6 @@
 #include "platform/contacts/constants.h"
 #include "platform/foundation/cf_bundle.h"
 
-#include <utility>
-
 std::array<REALconstant, kIntegerConstantCount> integerConstants{{
     {"ABAddRecordsError = 1001"},
     {"ABRemoveRecordsError = 1002"},
@@ -72,53 +70,36 @@ std::array<REALconstant, kIntegerConstantCount> integerConstants{{
 
 namespace {
 
-struct StringConstant {
-  const char* name;
-  const char* declaration;
-  bool isLinked;           // else looked up by name: the framework may be older than the constant
-  const NSString* symbol;  // null while the framework is missing
-};
-
-#define LINKED_CONSTANT(name, text) StringConstant{#name, #name " as string", true, &name},
-#define LOOKED_UP_CONSTANT(name, text) StringConstant{#name, #name " as string", false, nullptr},
-constinit const std::array kStringConstants{AB_STRING_CONSTANTS(LINKED_CONSTANT, LOOKED_UP_CONSTANT)};
-#undef LINKED_CONSTANT
-#undef LOOKED_UP_CONSTANT
-static_assert(kStringConstants.size() == kStringConstantCount);
-
 // What a look-up found; it is made once, when the framework's bundle is there.
 struct LookUp {
   bool loaded = false;
   NSString value;
 };
 
-std::array<LookUp, kStringConstantCount> lookUps;
-
-NSString lookedUp(const StringConstant& constant, LookUp& lookUp) {
+NSString lookedUp(const char* name, LookUp& lookUp) {
   if (lookUp.loaded || AddressbookFramework == nullptr) return lookUp.value;
   lookUp.loaded = true;
-  NSString name = NSString::stringWithUTF8String(constant.name);
-  const void* address = CFBundleGetDataPointerForName(AddressbookFramework, bridge<CFStringRef>(name));
+  const void* address =
+      CFBundleGetDataPointerForName(AddressbookFramework, bridge<CFStringRef>(NSString(NSConstantString(name))));
   if (address != nullptr) lookUp.value = *static_cast<const NSString*>(address);
   return lookUp.value;
 }
 
-template <std::size_t Index>
-REALstring getStringConstant() {
-  const StringConstant& constant = kStringConstants[Index];
-  if (!constant.isLinked) return NSStringRB(lookedUp(constant, lookUps[Index]));
-  return constant.symbol == nullptr ? nullptr : NSStringRB(*constant.symbol);
-}
-
-template <std::size_t... Index>
-void describe(std::span<REALmethodDefinition> methods, std::index_sequence<Index...>) {
-  ((methods[Index] = {reinterpret_cast<void*>(&getStringConstant<Index>), nullptr, kStringConstants[Index].declaration,
-                      kMethodFlags}),
-   ...);
-}
+#define LINKED_CONSTANT(name, text) \
+  REALstring get##name() { return PLATFORM_HAS(&name) ? NSStringRB(name) : nullptr; }
+#define LOOKED_UP_CONSTANT(name, text)          \
+  REALstring get##name() {                      \
+    static constinit LookUp lookUp;             \
+    return NSStringRB(lookedUp(#name, lookUp)); \
+  }
+AB_STRING_CONSTANTS(LINKED_CONSTANT, LOOKED_UP_CONSTANT)
+#undef LINKED_CONSTANT
+#undef LOOKED_UP_CONSTANT
 
 }  // namespace
 
-void describeStringConstants(std::span<REALmethodDefinition, kStringConstantCount> methods) {
-  describe(methods, std::make_index_sequence<kStringConstantCount>());
+std::array<REALmethodDefinition, kStringConstantCount> stringConstantMethods() {
+#define CONSTANT_ROW(name, text) sharedMethod<#name " as string">(get##name),
+  return {AB_STRING_CONSTANTS(CONSTANT_ROW, CONSTANT_ROW)};
+#undef CONSTANT_ROW
 }

@@ -1,15 +1,26 @@
 #pragma once
 
 #include "bridge/wrappers.h"
-#include "frame/host_interface.h"
+#include "frame/host_ref.h"
+#include "platform/objc/send.h"
+
+#include <utility>
 
 // By-reference errors of host code.
 
 // Drops what an earlier call left, so that every path without an error ends with nil.
-inline void dropError(REALobject* error) {
-  if (*error != nullptr) REALUnlockObject(*error);
-  *error = nullptr;
-}
+inline void dropError(REALobject* error) { adoptHost(std::exchange(*error, nullptr)); }
 
-// Hands the framework's error, which may be nil, to host code.
-inline void storeError(REALobject* error, NSError failure) { *error = NewNSErrorVXR(failure); }
+// Makes the call that reports errors where the framework knows its selector, and hands host code the error, which may
+// be nil; else the one that reports none. The framework's answer goes to result as soon as it is there.
+template <class Record, class Report, class Plain>
+void callWithError(Record receiver, objc::Selector reportingSelector, REALobject* error, bool& result, Report report,
+                   Plain plain) {
+  if (!receiver.respondsToSelector(reportingSelector)) {
+    result = plain();
+    return;
+  }
+  NSError failure;
+  result = report(&failure);
+  *error = NewNSErrorVXR(failure);
+}

@@ -1,6 +1,7 @@
 #include "platform/contacts/group.h"
 
 #include "addressbook/class_tables.h"
+#include "addressbook/forward.h"
 #include "addressbook/schema.h"
 #include "addressbook/search_element.h"
 #include "frame/member_table.h"
@@ -13,26 +14,6 @@ void Constructor1(REALobject self) {
 
 void Constructor2(REALobject self, REALobject addressBook) {
   guard([&] { adoptWrapped(self, ABGroup::alloc().initWithAddressBook(wrapped<NSObject>(addressBook))); });
-}
-
-// A list of the group's, through the filling that suits its elements.
-template <NSArray (ABGroup::*List)() const, void (*Fill)(REALobjectArray, NSArray)>
-REALobjectArray list(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
-  guard([&] { Fill(result, (wrapped<ABGroup>(self).*List)()); });
-  return result;
-}
-
-// Sends the group a message about another record; false when either is missing.
-template <class Record, bool (ABGroup::*Change)(Record) const>
-bool change(REALobject self, REALobject record) {
-  bool result = false;
-  guard([&] {
-    auto group = wrapped<ABGroup>(self);
-    auto other = wrapped<Record>(record);
-    if (group && other) result = (group.*Change)(other);
-  });
-  return result;
 }
 
 REALstring distributionIdentifier(REALobject self, REALstring propertyName, REALobject person) {
@@ -59,13 +40,13 @@ void assignDistributionIdentifier(REALobject self, REALstring propertyName, REAL
 REALmethodDefinition methods[] = {
     method<"Constructor">(Constructor1),
     method<"Constructor(addressBook as ABAddressBookVXR)">(Constructor2),
-    method<"members as ABPersonVXR()">(list<&ABGroup::members, FillABPersonArray>),
-    method<"addMember(group as ABPersonVXR) as boolean">(change<ABPerson, &ABGroup::addMember>),
-    method<"removeMember(group as ABPersonVXR) as boolean">(change<ABPerson, &ABGroup::removeMember>),
-    method<"subgroups as ABGroupVXR()">(list<&ABGroup::subgroups, FillABGroupArray>),
-    method<"parentGroups as ABGroupVXR()">(list<&ABGroup::parentGroups, FillABGroupArray>),
-    method<"addSubgroup(group as ABGroupVXR) as boolean">(change<ABGroup, &ABGroup::addSubgroup>),
-    method<"removeSubgroup(group as ABGroupVXR) as boolean">(change<ABGroup, &ABGroup::removeSubgroup>),
+    method<"members as ABPersonVXR()">(forwardList<&ABGroup::members, FillABPersonArray>),
+    method<"addMember(group as ABPersonVXR) as boolean">(forward<&ABGroup::addMember>),
+    method<"removeMember(group as ABPersonVXR) as boolean">(forward<&ABGroup::removeMember>),
+    method<"subgroups as ABGroupVXR()">(forwardList<&ABGroup::subgroups, FillABGroupArray>),
+    method<"parentGroups as ABGroupVXR()">(forwardList<&ABGroup::parentGroups, FillABGroupArray>),
+    method<"addSubgroup(group as ABGroupVXR) as boolean">(forward<&ABGroup::addSubgroup>),
+    method<"removeSubgroup(group as ABGroupVXR) as boolean">(forward<&ABGroup::removeSubgroup>),
     assignableMethod<"distributionIdentifierForProperty(propertyName as string, person as ABPersonVXR) as String">(
         distributionIdentifier, assignDistributionIdentifier),
 };

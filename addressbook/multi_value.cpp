@@ -2,6 +2,7 @@
 
 #include "addressbook/class_tables.h"
 #include "addressbook/forward.h"
+#include "addressbook/property_type.h"
 #include "bridge/property_values.h"
 #include "frame/host_ref.h"
 #include "frame/member_table.h"
@@ -16,14 +17,9 @@ void ABMultiValueConstructor(REALobject self) { constructWrapper(self); }
 
 void ABMultiValueDestructor(REALobject self) { destroyWrapper(self); }
 
-// The property type of the entries' values: the multi-value's own without the multi-value flag.
-std::int32_t GetDataPropertyType(ABMultiValue multiValue) {
-  return static_cast<std::int32_t>(multiValue.propertyType() & 0xFF);
-}
-
 REALvariant valueAt(ABMultiValue multiValue, NSUInteger index) {
   NSObject value = multiValue.valueAtIndex(index);
-  return GetValue(value, GetDataPropertyType(multiValue));
+  return GetValue(value, GetDataPropertyType(multiValue.propertyType()));
 }
 
 REALobject edit(REALobject self) {
@@ -52,18 +48,6 @@ std::uint32_t indexForIdentifier(REALobject self, REALstring identifier) {
     const NSUInteger index = multiValue.indexForIdentifier(NewNSString(identifier));
     result = index == NSNotFound ? kIndexNotFound : static_cast<std::uint32_t>(index);
   });
-  return result;
-}
-
-REALstring identifierAtIndex(REALobject self, std::uint32_t index) {
-  REALstring result = nullptr;
-  guard([&] { result = NSStringRB(wrapped<ABMultiValue>(self).identifierAtIndex(index)); });
-  return result;
-}
-
-REALstring labelAtIndex(REALobject self, std::uint32_t index) {
-  REALstring result = nullptr;
-  guard([&] { result = NSStringRB(wrapped<ABMultiValue>(self).labelAtIndex(index)); });
   return result;
 }
 
@@ -122,8 +106,8 @@ REALmethodDefinition methods[] = {
     method<"propertyType as integer">(forward<&ABMultiValue::propertyType>),
     method<"primaryIdentifier as string">(forward<&ABMultiValue::primaryIdentifier>),
     method<"indexForIdentifier(identifier as string) as UInt32">(indexForIdentifier),
-    method<"identifierAtIndex(index as UInt32) as string">(identifierAtIndex),
-    method<"labelAtIndex(index as UInt32) as string">(labelAtIndex),
+    method<"identifierAtIndex(index as UInt32) as string">(forward<&ABMultiValue::identifierAtIndex>),
+    method<"labelAtIndex(index as UInt32) as string">(forward<&ABMultiValue::labelAtIndex>),
     method<"valueAtIndex(index as UInt32) as variant">(valueAtIndex),
     method<"labelForIdentifier(identifier as string) as string">(labelForIdentifier),
     method<"valueForIdentifier(identifier as string) as variant">(valueForIdentifier),

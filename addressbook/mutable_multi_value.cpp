@@ -1,6 +1,6 @@
 #include "addressbook/class_tables.h"
 #include "addressbook/forward.h"
-#include "bridge/instance_registry.h"
+#include "addressbook/property_type.h"
 #include "bridge/property_values.h"
 #include "frame/member_table.h"
 #include "platform/contacts/multi_value.h"
@@ -14,13 +14,7 @@ void Constructor(REALobject self) {
 }
 
 NSObject newEntryValue(ABMutableMultiValue multiValue, REALvariant value) {
-  return NewValue(value, static_cast<std::int32_t>(multiValue.propertyType() & 0xFF));
-}
-
-bool removeValueAndLabelAtIndex(REALobject self, std::uint32_t index) {
-  bool result = false;
-  guard([&] { result = wrapped<ABMutableMultiValue>(self).removeValueAndLabelAtIndex(index); });
-  return result;
+  return NewValue(value, GetDataPropertyType(multiValue.propertyType()));
 }
 
 bool replaceLabelAtIndex(REALobject self, std::uint32_t index, REALstring label) {
@@ -85,7 +79,8 @@ bool replaceValueAtIndex(REALobject self, std::uint32_t index, REALvariant value
 REALmethodDefinition methods[] = {
     method<"_ABMutableMultiValueClass">(ABMutableMultiValueClass),
     method<"Constructor">(Constructor),
-    method<"removeValueAndLabelAtIndex(index as UInt32) as boolean">(removeValueAndLabelAtIndex),
+    method<"removeValueAndLabelAtIndex(index as UInt32) as boolean">(
+        forward<&ABMutableMultiValue::removeValueAndLabelAtIndex>),
     method<"replaceLabelAtIndex(index as UInt32, label as string) as boolean">(replaceLabelAtIndex),
     method<"setPrimaryIdentifier(identifier as string) as boolean">(setPrimaryIdentifier),
     method<"addValue(value as Variant, label as string) as string">(addValue),

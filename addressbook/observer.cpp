@@ -9,12 +9,42 @@
 #include "platform/contacts/address_book.h"
 #include "platform/contacts/constants.h"
 #include "platform/foundation/notification.h"
+#include "platform/foundation/object.h"
 #include "platform/objc/class_builder.h"
+#include "platform/objc/retained.h"
 
 namespace {
 
 // The second word of an address book's data block: its observer, owned.
 constexpr std::size_t kObserverWord = 1;
+
+using Handler = void(REALobject, bool externally, REALstringArray inserted, REALstringArray updated,
+                     REALstringArray deleted);
+
+Handler* handlerOf(REALobject hostObject) {
+  return reinterpret_cast<Handler*>(REALGetEventInstance(hostObject, ABAddressBookVXR.events));
+}
+
+HostRef<REALstringArray> hostStrings(NSArray strings) {
+  auto array = adoptHost(REALCreateArrayString(-1));
+  FillStringArray(array.get(), strings);
+  return array;
+}
+
+// Calls the object's handler, if it has one, with the ids of the records that changed.
+void CallEvent(REALobject hostObject, bool externally, NSDictionary userInfo) {
+  if (hostObject == nullptr) return;
+  Handler* handler = handlerOf(hostObject);
+  if (handler == nullptr) return;
+  const auto inserted = userInfo.objectForKey(kABInsertedRecords).as<NSArray>();
+  const auto updated = userInfo.objectForKey(kABUpdatedRecords).as<NSArray>();
+  const auto deleted = userInfo.objectForKey(kABDeletedRecords).as<NSArray>();
+  const auto insertedIds = hostStrings(inserted);
+  const auto updatedIds = hostStrings(updated);
+  const auto deletedIds = hostStrings(deleted);
+  const auto kept = HostRef<REALobject>::share(hostObject);
+  handler(hostObject, externally, insertedIds.get(), updatedIds.get(), deletedIds.get());
+}
 
 // The class AddressbookObserverVXR.
 struct Observer : objc::Object {
@@ -45,58 +75,32 @@ void setObserver(REALobject hostObject, NSObject observer) {
   dataBlock(hostObject)[kObserverWord] = reinterpret_cast<Word>(observer.get());
 }
 
-using Handler = void(REALobject, bool externally, REALstringArray inserted, REALstringArray updated,
-                     REALstringArray deleted);
-
-Handler* handlerOf(REALobject hostObject) {
-  return reinterpret_cast<Handler*>(REALGetEventInstance(hostObject, ABAddressBookVXR.events));
-}
-
-HostRef<REALstringArray> hostStrings(NSArray strings) {
-  auto array = adoptHost(REALCreateArrayString(-1));
-  FillStringArray(array.get(), strings);
-  return array;
-}
-
 }  // namespace
 
 bool handlesDatabaseChanged(REALobject hostObject) { return handlerOf(hostObject) != nullptr; }
 
 void InstallEvent(REALobject hostObject) {
-  if (observerOf(hostObject)) return;
-  Class observers = observerClass();
-  if (!observers) return;
-  auto* observer = objc::createInstance<Observer>(observers);
-  const NSObject handle(observer);
-  setObserver(hostObject, handle);
-  observer->target = hostObject;
+  // Without the framework there is nothing to subscribe to.
+  if (observerOf(hostObject) || !"ABAddressBook"_class) return;
+  auto observer = send<NSObject>(alloc<NSObject>(observerClass()), "init"_sel);
+  if (!observer) return;
+  setObserver(hostObject, observer);
+  static_cast<Observer*>(observer.get())->target = hostObject;
   auto center = NSNotificationCenter::defaultCenter();
-  center.addObserver(handle, "DatabaseChangedNotification:"_sel, kABDatabaseChangedNotification,
+  center.addObserver(observer, "DatabaseChangedNotification:"_sel, kABDatabaseChangedNotification,
                      ABAddressBook::sharedAddressBook());
-  center.addObserver(handle, "DatabaseChangedExternallyNotification:"_sel, kABDatabaseChangedExternallyNotification,
+  center.addObserver(observer, "DatabaseChangedExternallyNotification:"_sel, kABDatabaseChangedExternallyNotification,
                      ABAddressBook::sharedAddressBook());
 }
 
 void removeEvent(REALobject hostObject) {
   NSObject observer = observerOf(hostObject);
   if (!observer) return;
+  // From here on nothing is delivered, even if the framework should fail to let go of the observer.
+  static_cast<Observer*>(observer.get())->target = nullptr;
   auto center = NSNotificationCenter::defaultCenter();
   center.removeObserver(observer, kABDatabaseChangedNotification, ABAddressBook::sharedAddressBook());
   center.removeObserver(observer, kABDatabaseChangedExternallyNotification, ABAddressBook::sharedAddressBook());
-  objc_release(observer.get());
+  Retained<NSObject>::adopt(observer);
   setObserver(hostObject, nullptr);
-}
-
-void CallEvent(REALobject hostObject, bool externally, NSDictionary userInfo) {
-  if (hostObject == nullptr) return;
-  Handler* handler = handlerOf(hostObject);
-  if (handler == nullptr) return;
-  const auto inserted = userInfo.objectForKey(kABInsertedRecords).as<NSArray>();
-  const auto updated = userInfo.objectForKey(kABUpdatedRecords).as<NSArray>();
-  const auto deleted = userInfo.objectForKey(kABDeletedRecords).as<NSArray>();
-  const auto insertedIds = hostStrings(inserted);
-  const auto updatedIds = hostStrings(updated);
-  const auto deletedIds = hostStrings(deleted);
-  const auto kept = HostRef<REALobject>::share(hostObject);
-  handler(hostObject, externally, insertedIds.get(), updatedIds.get(), deletedIds.get());
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "frame/host_types.h"
-#include "platform/foundation/dictionary.h"
 
 // The database's change notifications, as the event "DatabaseChanged" of address book objects.
 
@@ -10,9 +9,6 @@ void InstallEvent(REALobject hostObject);
 
 // Ends the subscription, if there is one.
 void removeEvent(REALobject hostObject);
-
-// Calls the object's handler, if it has one, with the ids of the records that changed.
-void CallEvent(REALobject hostObject, bool externally, NSDictionary userInfo);
 
 // Whether host code handles the event for the object.
 bool handlesDatabaseChanged(REALobject hostObject);

@@ -1,6 +1,7 @@
 #include "platform/contacts/person.h"
 
 #include "addressbook/class_tables.h"
+#include "addressbook/forward.h"
 #include "addressbook/schema.h"
 #include "addressbook/search_element.h"
 #include "bridge/data.h"
@@ -28,24 +29,6 @@ void Constructor3(REALobject self, REALmemoryBlock vCardData) {
   });
 }
 
-REALmemoryBlock vCardRepresentation(REALobject self) {
-  REALmemoryBlock result = nullptr;
-  guard([&] { result = NSDataRB(wrapped<ABPerson>(self).vCardRepresentation()); });
-  return result;
-}
-
-REALobjectArray parentGroups(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
-  guard([&] { FillABGroupArray(result, wrapped<ABPerson>(self).parentGroups()); });
-  return result;
-}
-
-REALmemoryBlock imageData(REALobject self) {
-  REALmemoryBlock result = nullptr;
-  guard([&] { result = NSDataRB(wrapped<ABPerson>(self).imageData()); });
-  return result;
-}
-
 bool setImageData(REALobject self, REALmemoryBlock data) {
   bool result = false;
   guard([&] {
@@ -59,8 +42,8 @@ void assignImageData(REALobject self, REALmemoryBlock data) { setImageData(self,
 REALobject image(REALobject self) {
   REALobject result = nullptr;
   CocoaInit();
+  const AutoreleasePool pool;
   guard([&] {
-    const AutoreleasePool pool;
     NSData data = wrapped<ABPerson>(self).imageData();
     if (!data) return;
     const auto decoded = Retained<NSImage>::adopt(NSImage::alloc().initWithData(data));
@@ -92,12 +75,6 @@ bool ShowInAddressbook(REALobject self) { return openInAddressbook(self, "addres
 
 bool EditInAddressbook(REALobject self) { return openInAddressbook(self, "addressbook://%@?edit"_ns); }
 
-REALobjectArray linkedPeople(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
-  guard([&] { FillABPersonArray(result, wrapped<ABPerson>(self).linkedPeople()); });
-  return result;
-}
-
 // A schema method that may be the first of the plug-in to run.
 template <auto Method>
 struct Initialised;
@@ -114,14 +91,14 @@ REALmethodDefinition methods[] = {
     method<"Constructor">(Constructor1),
     method<"Constructor(addressBook as ABAddressBookVXR)">(Constructor2),
     method<"Constructor(vCardData as Memoryblock)">(Constructor3),
-    method<"vCardRepresentation as Memoryblock">(vCardRepresentation),
-    method<"parentGroups as ABGroupVXR()">(parentGroups),
-    assignableMethod<"imageData as Memoryblock">(imageData, assignImageData),
+    method<"vCardRepresentation as Memoryblock">(forward<&ABPerson::vCardRepresentation>),
+    method<"parentGroups as ABGroupVXR()">(forwardList<&ABPerson::parentGroups, FillABGroupArray>),
+    assignableMethod<"imageData as Memoryblock">(forward<&ABPerson::imageData>, assignImageData),
     assignableMethod<"image as NSImageVXR">(image, assignImage),
     method<"setImageData(data as Memoryblock) as boolean">(setImageData),
     method<"ShowInAddressbook as boolean">(ShowInAddressbook),
     method<"EditInAddressbook as boolean">(EditInAddressbook),
-    method<"linkedPeople as ABPersonVXR()">(linkedPeople),
+    method<"linkedPeople as ABPersonVXR()">(forwardList<&ABPerson::linkedPeople, FillABPersonArray>),
 };
 static_assert(std::size(methods) == 11);
 

@@ -10,8 +10,9 @@
 #include "platform/foundation/number.h"
 #include "platform/objc/class_builder.h"
 
-// The category MyABPersonAdditionVXR: what the framework's records answer to "displayNameVXR".
 namespace {
+
+// The category MyABPersonAdditionVXR: what the framework's records answer to "displayNameVXR".
 
 NSString displayNameOfGroup(ABGroup group) { return group.valueForProperty(kABGroupNameProperty).as<NSString>(); }
 
@@ -45,10 +46,6 @@ NSString displayNameOfPerson(ABPerson person) {
   return true;
 }();
 
-}  // namespace
-
-namespace {
-
 void ABRecordConstructor(REALobject self) { constructWrapper(self); }
 
 void ABRecordDestructor(REALobject self) { destroyWrapper(self); }
@@ -72,13 +69,10 @@ bool setValue2(REALobject self, REALvariant value, REALstring propertyName, REAL
     NSString property = NewNSString(propertyName);
     if (!record || !property) return;
     NSObject converted = newValueFor(record, property, value);
-    if (record.respondsToSelector("setValue:forProperty:error:"_sel)) {
-      NSError failure;
-      result = record.setValue(converted, property, &failure);
-      storeError(error, failure);
-    } else {
-      result = record.setValue(converted, property);
-    }
+    callWithError(
+        record, "setValue:forProperty:error:"_sel, error, result,
+        [&](NSError* failure) { return record.setValue(converted, property, failure); },
+        [&] { return record.setValue(converted, property); });
   });
   return result;
 }
@@ -97,19 +91,10 @@ REALvariant valueForProperty(REALobject self, REALstring propertyName) {
   REALvariant result = nullptr;
   guard([&] {
     auto record = wrapped<ABRecord>(self);
-    if (!record) return;
     NSString property = NewNSString(propertyName);
+    if (!record || !property) return;
     const NSInteger type = typeOfProperty(record, property);
     result = GetValue(record.valueForProperty(property), static_cast<std::int32_t>(type));
-  });
-  return result;
-}
-
-bool isReadOnly(REALobject self) {
-  bool result = false;
-  guard([&] {
-    auto record = wrapped<ABRecord>(self);
-    if (record.respondsToSelector("isReadOnly"_sel)) result = record.isReadOnly();
   });
   return result;
 }
@@ -123,7 +108,9 @@ REALstring DisplayName(REALobject self) {
 bool removeValueForProperty(REALobject self, REALstring propertyName) {
   bool result = false;
   guard([&] {
-    if (auto record = wrapped<ABRecord>(self)) result = record.removeValueForProperty(NewNSString(propertyName));
+    auto record = wrapped<ABRecord>(self);
+    NSString property = NewNSString(propertyName);
+    if (record && property) result = record.removeValueForProperty(property);
   });
   return result;
 }
@@ -136,7 +123,7 @@ REALmethodDefinition methods[] = {
     method<"setValue(value as variant, propertyName as string) as boolean">(setValue1),
     method<"valueForProperty(PropertyName as string) as variant">(valueForProperty),
     method<"uniqueId as string">(forward<&ABRecord::uniqueId>),
-    method<"isReadOnly as boolean">(isReadOnly),
+    method<"isReadOnly as boolean">(forwardIfKnown<"isReadOnly", &ABRecord::isReadOnly>),
     method<"DisplayName as string">(DisplayName),
     method<"Description as string">(forward<&ABRecord::description>),
     method<"removeValueForProperty(propertyName as string) as boolean">(removeValueForProperty),

@@ -1,7 +1,9 @@
 #pragma once
 
-#include "addressbook/forward.h"
+#include "bridge/exceptions.h"
+#include "bridge/strings.h"
 #include "frame/runtime_support.h"
+#include "platform/foundation/dictionary.h"
 #include "platform/foundation/number.h"
 
 // The shared methods by which host code reads and changes the properties of all people or all groups. Record is the

@@ -2,6 +2,7 @@
 
 #include "addressbook/class_tables.h"
 #include "addressbook/forward.h"
+#include "addressbook/property_type.h"
 #include "bridge/instance_registry.h"
 #include "bridge/property_values.h"
 #include "frame/member_table.h"
@@ -9,9 +10,6 @@
 #include "platform/contacts/person.h"
 
 namespace {
-
-// A multi-value's type reduced to that of its entries.
-constexpr NSInteger kSingleValueMask = 255;
 
 void ABSearchElementConstructor(REALobject self) { constructWrapper(self); }
 
@@ -27,8 +25,7 @@ REALobject searchElementForProperty(REALstring propertyName, REALstring label, R
     NSString entryLabel = NewNSString(label);
     NSString valueKey = NewNSString(key);
     if (!property) return;
-    const NSInteger type = Record::typeOfProperty(property) & kSingleValueMask;
-    NSObject converted = NewValue(value, static_cast<std::int32_t>(type));
+    NSObject converted = NewValue(value, GetDataPropertyType(Record::typeOfProperty(property)));
     if (!converted) return;
     result = NewABSearchElementVXR(Record::searchElement(property, entryLabel, valueKey, converted, comparison));
   });
@@ -60,21 +57,11 @@ REALobject searchElementForConjunction(REALinteger conjunction, REALobjectArray 
 
 namespace {
 
-bool matchesRecord(REALobject self, REALobject record) {
-  bool result = false;
-  guard([&] {
-    auto element = wrapped<ABSearchElement>(self);
-    auto candidate = wrapped<ABRecord>(record);
-    if (element && candidate) result = element.matchesRecord(candidate);
-  });
-  return result;
-}
-
 REALproperty properties[] = {handleProperty()};
 
 REALmethodDefinition methods[] = {
     method<"Constructor">(DummyConstructor, kEmptyConstructorFlags),
-    method<"matchesRecord(record as ABRecordVXR) as boolean">(matchesRecord),
+    method<"matchesRecord(record as ABRecordVXR) as boolean">(forward<&ABSearchElement::matchesRecord>),
     method<"Description as string">(forward<&ABSearchElement::description>),
 };
 static_assert(std::size(methods) == 3);

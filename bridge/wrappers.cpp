@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstring>
 
 namespace {
 
@@ -96,12 +95,12 @@ REALobject NewNSObjectVXR(NSObject object, Class requiredClass) {
 }
 
 REALobject NewNSAttributedStringVXR(NSAttributedString string) {
-  return NewNSObjectVXR(string, Class("NSAttributedString"));
+  return NewNSObjectVXR(string, "NSAttributedString"_class);
 }
 
-bool IsABPerson(NSObject record) { return record.isKindOfClass(Class("ABPerson")); }
+bool IsABPerson(NSObject record) { return record.isKindOfClass("ABPerson"_class); }
 
-bool IsABGroup(NSObject record) { return record.isKindOfClass(Class("ABGroup")); }
+bool IsABGroup(NSObject record) { return record.isKindOfClass("ABGroup"_class); }
 
 void FillABPersonArray(REALobjectArray array, NSArray objects) {
   fillArray(array, objects, [](NSObject person) { return NewABPersonVXR(person.as<ABPerson>()); });

@@ -10,8 +10,6 @@
 #include "platform/foundation/attributed_string.h"
 #include "platform/foundation/error.h"
 
-#include <cstring>
-
 // Host objects that wrap framework objects. The first word of a wrapper's data block is one retained object, null while
 // the wrapper is empty.
 

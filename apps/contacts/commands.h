@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+// One function a subcommand. They print to the standard output and throw host::Error or host::HostException when they
+// can't do their work.
+namespace contacts {
+
+// Every person, one display name a line, in the order of the address book.
+void listPeople();
+
+// Every member of the class as the host sees it; for an empty name the classes that the plug-in registered.
+void describeClasses(const std::string& className);
+
+}  // namespace contacts
