@@ -66,15 +66,6 @@ TEST(AttributedString, EqualsTheSameTextWithTheSameAttributes) {
   EXPECT_FALSE(one->isEqual(attributed("other", attribute("a")).get()));
   EXPECT_FALSE(one->isEqual(text("text")));
   EXPECT_STREQ(one->description().UTF8String(), "text{\n    a = value;\n}");
-}
-
-TEST(AttributedString, KeepsTheTextItWasGiven) {
-  const auto source = NSMutableString::string();
-  source.appendString(text("before"));
-  const auto string = Retained<NSAttributedString>::adopt(NSAttributedString::alloc().initWithString(source));
-  source.appendString(text("after"));
-  EXPECT_STREQ(string->string().UTF8String(), "before");
-  EXPECT_EQ(runsOf(string.get()), "0+6 ");
   EXPECT_EQ(raised([] { (void)NSAttributedString::alloc().initWithString(nullptr); }), "NSInvalidArgumentException");
 }
 

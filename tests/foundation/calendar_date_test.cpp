@@ -87,32 +87,12 @@ TEST(CalendarDate, ShowsTheWholeSecondBelow) {
   EXPECT_EQ(fieldsOf(seenLocally(-NSTimeIntervalSince1970 - 0.25).get()), "1969-12-31 23:59:59");
 }
 
-TEST(CalendarDate, CountsDays) {
-  const auto utc = NSTimeZone::timeZoneForSecondsFromGMT(0);
-  const struct {
-    int date[3];
-    NSInteger dayOfWeek;
-    NSInteger dayOfYear;
-    NSInteger dayOfCommonEra;
-  } rows[] = {
-      {{1, 1, 1}, 1, 1, 1},           {{0, 12, 31}, 0, 366, 0},         {{-1, 12, 31}, 5, 365, -366},
-      {{1970, 1, 1}, 4, 1, 719163},   {{2000, 12, 31}, 0, 366, 730485}, {{2001, 1, 1}, 1, 1, 730486},
-      {{2012, 2, 29}, 3, 60, 734562}, {{2100, 12, 31}, 5, 365, 767009},
-  };
-  for (const auto& row : rows) {
-    const auto date = NSCalendarDate::dateWithYear(row.date[0], row.date[1], row.date[2], 23, 59, 59, utc);
-    EXPECT_EQ(date.dayOfWeek(), row.dayOfWeek) << row.date[0];
-    EXPECT_EQ(date.dayOfYear(), row.dayOfYear) << row.date[0];
-    EXPECT_EQ(date.dayOfCommonEra(), row.dayOfCommonEra) << row.date[0];
-  }
-}
-
 TEST(CalendarDate, AgreesWithTheStandardCalendar) {
   const auto utc = NSTimeZone::timeZoneForSecondsFromGMT(0);
   using namespace std::chrono;
   const auto first = static_cast<sys_days>(year(-32000) / 1 / 1);
   const auto last = static_cast<sys_days>(year(32000) / 12 / 31);
-  for (auto day = first; day <= last; day += days(97)) {
+  for (auto day = first; day <= last; day += days(61)) {
     const year_month_day expected(day);
     const auto date =
         NSCalendarDate::dateWithYear(1970, 1, 1 + static_cast<int>(day.time_since_epoch().count()), 0, 0, 0, utc);
@@ -124,6 +104,8 @@ TEST(CalendarDate, AgreesWithTheStandardCalendar) {
     ASSERT_EQ(date.monthOfYear(), static_cast<NSInteger>(static_cast<unsigned>(expected.month())));
     ASSERT_EQ(date.dayOfMonth(), static_cast<NSInteger>(static_cast<unsigned>(expected.day())));
     ASSERT_EQ(date.dayOfWeek(), static_cast<NSInteger>(weekday(day).c_encoding()));
+    ASSERT_EQ(date.dayOfYear(), (day - static_cast<sys_days>(expected.year() / 1 / 1)).count() + 1);
+    ASSERT_EQ(date.dayOfCommonEra(), (day - static_cast<sys_days>(year(1) / 1 / 1)).count() + 1);
   }
 }
 
