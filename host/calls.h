@@ -33,7 +33,7 @@ class NativeCall {
 #else
 #error "calls by declaration are written for i386 and x86-64"
 #endif
-  static constexpr std::size_t kStackWords = 16;
+  static constexpr std::size_t kStackWords = 32;
 
   void addToStack(Word value);
 

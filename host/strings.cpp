@@ -123,6 +123,10 @@ REALstring newString(std::string_view bytes, std::uint32_t encoding) {
   return reinterpret_cast<REALstring>(string);
 }
 
+REALstring newString(CFStringRef text) {
+  return text == nullptr ? nullptr : newString(utf8(unitsOf(text)), kEncodingUTF8);
+}
+
 void lock(REALstring string) {
   if (string != nullptr) ++record(string).references();
 }

@@ -12,6 +12,8 @@ namespace host {
 
 // With one reference for the caller; null for no bytes.
 REALstring newString(std::string_view bytes, std::uint32_t encoding);
+// As UTF-8; null for null too.
+REALstring newString(CFStringRef text);
 
 // Followed by a zero byte; empty for null.
 std::string_view bytesOf(REALstring string);
