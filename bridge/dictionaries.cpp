@@ -7,11 +7,11 @@
 
 namespace {
 
-using Setter = void(REALdictionary, REALvariant key, REALvariant value);
-using Getter = REALvariant(REALdictionary, REALvariant key);
-using KeyGetter = REALvariant(REALdictionary, REALinteger index);
+using Setter = void(REALobject, REALvariant key, REALvariant value);
+using Getter = REALvariant(REALobject, REALvariant key);
+using KeyGetter = REALvariant(REALobject, REALinteger index);
 
-// Known by identity alone: a later Dictionary at the same address has the same methods.
+// Known by identity alone: a later object at the same address is served what was found for the earlier one.
 REALdictionary LastDictionary = nullptr;
 Setter* LastDictionarySetter = nullptr;
 Getter* LastDictionaryGetter = nullptr;

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -21,22 +23,24 @@ OwnedURL urlOfRef(const FSRef& ref) {
 
 // A decomposed copy, or the name itself where there can be no copy.
 OwnedString decomposed(OwnedString name) {
-  CFMutableStringRef copy = CFStringCreateMutableCopy(kCFAllocatorDefault, 0, bridge<CFStringRef>(name.get()));
-  if (copy == nullptr) return name;
-  CFStringNormalize(copy, kCFStringNormalizationFormD);
-  return OwnedString::adopt(bridge<NSString>(copy));
+  auto copy = OwnedString::adopt(
+      bridge<NSString>(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, bridge<CFStringRef>(name.get()))));
+  if (!copy) return name;
+  CFStringNormalize(bridge<CFMutableStringRef>(copy.get()), kCFStringNormalizationFormD);
+  return copy;
 }
 
-// The URL of an item that doesn't exist yet: its name behind the parent's URL.
-OwnedURL urlOfMissingItem(REALfolderItem item) {
+// The URL of an item that doesn't exist yet: its name behind the parent's URL. Nothing when the host can't name the
+// item or its parent; a nil URL when the name has no place in one.
+std::optional<OwnedURL> urlOfMissingItem(REALfolderItem item) {
   FSRef parent;
   HFSUniStr255 name{};
-  if (!REALFSRefFromFolderItem(item, &parent, &name)) return {};
+  if (!REALFSRefFromFolderItem(item, &parent, &name)) return std::nullopt;
   const OwnedURL parentURL = urlOfRef(parent);
-  if (!parentURL || name.length == 0) return {};
+  if (!parentURL || name.length == 0) return std::nullopt;
   auto text = OwnedString::adopt(
       bridge<NSString>(CFStringCreateWithCharacters(kCFAllocatorDefault, name.unicode, name.length)));
-  if (!text) return {};
+  if (!text) return std::nullopt;
   text = decomposed(std::move(text));
   return OwnedURL::adopt(bridge<NSURL>(CFURLCreateCopyAppendingPathComponent(
       kCFAllocatorDefault, bridge<CFURLRef>(parentURL.get()), bridge<CFStringRef>(text.get()), false)));
@@ -50,7 +54,7 @@ CFURLRef MakeCFURLfromFolderItem(REALfolderItem item) {
   if (REALFSRefFromFolderItem(item, &ref, nullptr)) {
     if (OwnedURL url = urlOfRef(ref)) return bridge<CFURLRef>(url.leak());
   }
-  if (OwnedURL url = urlOfMissingItem(item)) return bridge<CFURLRef>(url.leak());
+  if (auto url = urlOfMissingItem(item)) return bridge<CFURLRef>(url->leak());
   FSSpec spec;
   if (!REALFSSpecFromFolderItem(&spec, item) || FSpMakeFSRef(&spec, &ref) != noErr) return nullptr;
   return bridge<CFURLRef>(urlOfRef(ref).leak());

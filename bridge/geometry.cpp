@@ -1,6 +1,7 @@
 #include "bridge/geometry.h"
 
 #include "bridge/wrappers.h"
+#include "frame/host_interface.h"
 
 #include <cstring>
 

@@ -4,8 +4,6 @@
 #include "platform/carbon/gestalt.h"
 #include "platform/foundation/cf_dictionary.h"
 #include "platform/foundation/cf_string.h"
-#include "platform/foundation/exception.h"
-#include "platform/foundation/string.h"
 
 namespace {
 
@@ -15,6 +13,7 @@ constexpr CFIndex kRegistryCapacity = 1024;
 
 CFMutableDictionaryRef instances = nullptr;
 bool Inited = false;
+bool FirstInstancesPlugin = false;
 
 const void* retainNothing(CFAllocatorRef, const void* value) { return value; }
 void releaseNothing(CFAllocatorRef, const void*) {}
@@ -35,7 +34,8 @@ void CocoaInit() {
   if (Inited) return;
   Inited = true;
   std::intptr_t published = 0;
-  if (PLATFORM_HAS(Gestalt) && Gestalt(kRegistrySelector, &published) == noErr) {
+  FirstInstancesPlugin = !PLATFORM_HAS(Gestalt) || Gestalt(kRegistrySelector, &published) != noErr;
+  if (!FirstInstancesPlugin) {
     instances = reinterpret_cast<CFMutableDictionaryRef>(published);
     return;
   }

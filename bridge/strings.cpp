@@ -1,11 +1,13 @@
 #include "bridge/strings.h"
 
+#include "bridge/collections.h"
 #include "frame/host_ref.h"
 #include "frame/runtime_support.h"
-#include "platform/foundation/enumerator.h"
 #include "platform/objc/retained.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -43,7 +45,7 @@ rbData::rbData(REALmemoryBlock block, std::uint32_t offset, std::uint32_t reques
   if (block == nullptr) return;
   lockedBlock = block;
   REALLockObject(block);
-  const auto size = static_cast<std::uint32_t>(REALMemoryBlockGetSize(block));
+  const auto size = static_cast<std::uint32_t>(std::clamp<std::int64_t>(REALMemoryBlockGetSize(block), 0, UINT32_MAX));
   const std::uint32_t available = offset < size ? size - offset : 0;
   const auto* address = static_cast<const char*>(REALMemoryBlockGetPtr(block));
   if (address == nullptr) return;
@@ -86,7 +88,7 @@ REALstring CFString2RBString(CFStringRef string) {
   const CFIndex length = CFStringGetLength(string);
   if (length <= 0) return nullptr;
 
-  std::array<char, 601> shortBuffer;
+  std::array<char, 601> shortBuffer{};
   ClearMemoryPtr longBuffer;
   char* buffer = shortBuffer.data();
   CFIndex size = shortBuffer.size() - 1;
@@ -95,8 +97,6 @@ REALstring CFString2RBString(CFStringRef string) {
     if (longBuffer == nullptr) return nullptr;
     buffer = static_cast<char*>(longBuffer.get());
     size = static_cast<CFIndex>(kBytesPerUnit * length);
-  } else {
-    shortBuffer.fill(0);
   }
   if (!CFStringGetCString(string, buffer, size, kEncodingUTF8)) return nullptr;
   return REALBuildUnicodeString(buffer, static_cast<std::int32_t>(std::strlen(buffer)), kEncodingUTF8);
@@ -144,17 +144,9 @@ REALstring REALBuildUnicodeString(const void* bytes, std::int32_t byteCount, std
 }
 
 NSMutableArray CreateNSStringArray(REALstringArray array, signed char nilIfEmpty) {
-  if (array == nullptr) return nullptr;
-  const REALinteger upperBound = REALGetArrayUBound(array);
-  if (nilIfEmpty != 0 && upperBound == -1) return nullptr;
-  auto result = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(upperBound + 1));
-  if (!result) return nullptr;
-  for (REALinteger index = 0; index <= upperBound; ++index) {
-    auto string = adoptHost(REALGetArrayString(array, index));
-    if (!string) continue;
-    if (NSString converted = NewNSString(string.get())) result.addObject(converted);
-  }
-  return result;
+  return arrayFromHost(array, nilIfEmpty != 0, [array](REALinteger index) -> NSObject {
+    return NewNSString(adoptHost(REALGetArrayString(array, index)).get());
+  });
 }
 
 NSArray CreateNSStringArray(REALstring string) {
@@ -163,11 +155,5 @@ NSArray CreateNSStringArray(REALstring string) {
 }
 
 void FillStringArray(REALstringArray array, NSArray list) {
-  if (array == nullptr) return;
-  NSEnumerator elements = list.objectEnumerator();
-  REALinteger index = 0;
-  while (NSObject element = elements.nextObject()) {
-    auto string = adoptHost(NSStringRB(element.as<NSString>()));
-    REALInsertArrayValue(array, index++, string.get());
-  }
+  fillHostArray(array, list, [](NSObject element) { return NSStringRB(element.as<NSString>()); });
 }

@@ -1,29 +1,16 @@
 #include "bridge/variant_readers.h"
 
+#include "frame/global_method.h"
 #include "frame/host_interface.h"
-
-#include <atomic>
 
 namespace {
 
+constinit GlobalMethod<"VarType(value As Variant) As Int32", std::int32_t(REALvariant)> varType;
 constinit HostEntry<"VariantToString", REALstring(REALvariant)> variantToString;
 constinit HostEntry<"VariantToInt32", std::int32_t(REALvariant)> variantToInt32;
 constinit HostEntry<"VariantToInt64", std::int64_t(REALvariant)> variantToInt64;
 constinit HostEntry<"VariantToSingle", float(REALvariant)> variantToSingle;
 constinit HostEntry<"VariantToDouble", double(REALvariant)> variantToDouble;
-
-using VarType = std::int32_t(REALvariant);
-
-// The host's own function, kept once it was found.
-VarType* varType() {
-  static std::atomic<VarType*> cached{nullptr};
-  VarType* method = cached.load(std::memory_order_relaxed);
-  if (method == nullptr) {
-    method = reinterpret_cast<VarType*>(REALLoadFrameworkMethod("VarType(value As Variant) As Int32"));
-    cached.store(method, std::memory_order_relaxed);
-  }
-  return method;
-}
 
 // The host's function where there is one, else the variant's property of that name.
 template <class Value, class Accessor>
@@ -36,7 +23,9 @@ Value read(Value (*function)(REALvariant), REALvariant variant, Accessor& access
 
 }  // namespace
 
-std::int32_t GetVariantType(REALvariant variant) { return read(varType(), variant, REALGetPropValueInt32, "Type"); }
+std::int32_t GetVariantType(REALvariant variant) {
+  return read(varType.find(), variant, REALGetPropValueInt32, "Type");
+}
 
 REALstring GetVariantString(REALvariant variant) {
   if (variant == nullptr) return nullptr;

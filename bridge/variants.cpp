@@ -1,5 +1,6 @@
 #include "bridge/variants.h"
 
+#include "bridge/collections.h"
 #include "bridge/data.h"
 #include "bridge/dates.h"
 #include "bridge/dictionaries.h"
@@ -86,12 +87,7 @@ constexpr std::array kHoldingClasses{"QuartzFilterVXR",
 REALvariant variantFromArray(NSArray source) {
   auto array = adoptHost(REALCreateArrayVariant(-1));
   if (!array) return nullptr;
-  NSEnumerator elements = source.objectEnumerator();
-  REALinteger index = 0;
-  while (NSObject element = elements.nextObject()) {
-    const auto converted = adoptHost(NewVariantFromNSObject(element));
-    REALInsertArrayValue(array.get(), index++, converted.get());
-  }
+  fillHostArray(array.get(), source, NewVariantFromNSObject);
   return array.handOver();
 }
 
@@ -149,21 +145,15 @@ REALvariant variantFromValue(NSValue value) {
   return nullptr;
 }
 
-// The converted elements of a host array; those without a counterpart are left out.
-template <class Element, class Convert>
-NSMutableArray arrayFromVariant(REALvariant variant, Convert convert) {
-  auto* array = static_cast<REALarrayOf<Element>*>(static_cast<REALarray>(variant));
-  auto result = NSMutableArray::array();
-  const REALinteger upperBound = REALGetArrayUBound(array);
-  for (REALinteger index = 0; index <= upperBound; ++index) {
-    if (NSObject element = convert(array, index)) result.addObject(element);
-  }
-  return result;
+template <class Element>
+REALarrayOf<Element>* asArray(REALvariant variant) {
+  return static_cast<REALarrayOf<Element>*>(static_cast<REALarray>(variant));
 }
 
 template <class Element, class Read, class Number>
 NSMutableArray numbersFromVariant(REALvariant variant, NSNumber (*makeNumber)(Number)) {
-  return arrayFromVariant<Element>(variant, [makeNumber](REALarrayOf<Element>* array, REALinteger index) -> NSObject {
+  auto* array = asArray<Element>(variant);
+  return arrayFromHost(array, false, [array, makeNumber](REALinteger index) -> NSObject {
     Read value{};
     REALGetArrayValue(array, index, &value);
     return makeNumber(static_cast<Number>(value));
@@ -172,7 +162,8 @@ NSMutableArray numbersFromVariant(REALvariant variant, NSNumber (*makeNumber)(Nu
 
 template <class Element, class Converted>
 NSMutableArray handlesFromVariant(REALvariant variant, Converted (*convert)(Element)) {
-  return arrayFromVariant<Element>(variant, [convert](REALarrayOf<Element>* array, REALinteger index) -> NSObject {
+  auto* array = asArray<Element>(variant);
+  return arrayFromHost(array, false, [array, convert](REALinteger index) -> NSObject {
     Element value = nullptr;
     REALGetArrayValue(array, index, &value);
     return convert(adoptHost(value).get());
@@ -225,7 +216,7 @@ NSObject GetVariantAsNSObject(REALvariant variant) {
     case kVariantObject:
       return GetObjectAsNSObject(variant);
     case kVariantArray + kVariantInteger:
-      return numbersFromVariant<REALinteger, int>(variant, NSNumber::numberWithLong);
+      return numbersFromVariant<std::int32_t, int>(variant, NSNumber::numberWithLong);
     case kVariantArray + kVariantInt64:
       return numbersFromVariant<std::int64_t, std::int64_t>(variant, NSNumber::numberWithLongLong);
     case kVariantArray + kVariantSingle:

@@ -1,10 +1,10 @@
 #include "bridge/wrappers.h"
 
+#include "bridge/collections.h"
 #include "bridge/exceptions.h"
 #include "bridge/instance_registry.h"
 #include "frame/host_ref.h"
 #include "frame/runtime_support.h"
-#include "platform/foundation/enumerator.h"
 #include "platform/objc/retained.h"
 
 #include <array>
@@ -26,17 +26,6 @@ HostRef<REALobject> findOrMakeWrapper(NSObject object, const char* className) {
   auto wrapper = makeWrapper(object, className);
   if (wrapper) RegisterInstance(wrapper.get(), object);
   return wrapper;
-}
-
-template <class MakeWrapper>
-void fillArray(REALobjectArray array, NSArray objects, MakeWrapper makeElement) {
-  if (array == nullptr) return;
-  NSEnumerator elements = objects.objectEnumerator();
-  REALinteger index = 0;
-  while (NSObject element = elements.nextObject()) {
-    auto wrapper = adoptHost(makeElement(element));
-    REALInsertArrayValue(array, index++, wrapper.get());
-  }
 }
 
 }  // namespace
@@ -103,28 +92,22 @@ bool IsABPerson(NSObject record) { return record.isKindOfClass("ABPerson"_class)
 bool IsABGroup(NSObject record) { return record.isKindOfClass("ABGroup"_class); }
 
 void FillABPersonArray(REALobjectArray array, NSArray objects) {
-  fillArray(array, objects, [](NSObject person) { return NewABPersonVXR(person.as<ABPerson>()); });
+  fillHostArray(array, objects, [](NSObject person) { return NewABPersonVXR(person.as<ABPerson>()); });
 }
 
 void FillABGroupArray(REALobjectArray array, NSArray objects) {
-  fillArray(array, objects, [](NSObject group) { return NewABGroupVXR(group.as<ABGroup>()); });
+  fillHostArray(array, objects, [](NSObject group) { return NewABGroupVXR(group.as<ABGroup>()); });
 }
 
 void FillABRecordArray(REALobjectArray array, NSArray objects) {
-  fillArray(array, objects, [](NSObject record) { return NewABRecordVXR(record.as<ABRecord>()); });
+  fillHostArray(array, objects, [](NSObject record) { return NewABRecordVXR(record.as<ABRecord>()); });
 }
 
 NSMutableArray CreateNSObjectArray(REALobjectArray array, bool nilIfEmpty) {
-  if (array == nullptr) return nullptr;
-  const REALinteger upperBound = REALGetArrayUBound(array);
-  if (nilIfEmpty && upperBound == -1) return nullptr;
-  auto result = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(upperBound + 1));
-  if (!result) return nullptr;
-  for (REALinteger index = 0; index <= upperBound; ++index) {
-    auto element = adoptHost(REALGetArrayObject(array, index));
-    if (auto object = wrapped<NSObject>(element.get())) result.addObject(object);
-  }
-  return result;
+  return arrayFromHost(array, nilIfEmpty, [array](REALinteger index) {
+    const auto element = adoptHost(REALGetArrayObject(array, index));
+    return wrapped<NSObject>(element.get());
+  });
 }
 
 void constructWrapper(REALobject) { CocoaInit(); }

@@ -62,9 +62,9 @@ void FillABRecordArray(REALobjectArray array, NSArray objects);
 // array, and for an empty one if nilIfEmpty.
 NSMutableArray CreateNSObjectArray(REALobjectArray array, bool nilIfEmpty);
 
-// What the class constructor of every wrapper class does.
+// The class constructor of records, multi-values and search elements.
 void constructWrapper(REALobject object);
-// What their class destructor does: unregisters and releases the wrapped object.
+// Their class destructor: unregisters and releases the wrapped object.
 void destroyWrapper(REALobject object);
 // Serves the declared constructors that leave the object empty.
 void DummyConstructor(REALobject object);

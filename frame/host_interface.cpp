@@ -1,5 +1,6 @@
 #include "frame/host_interface.h"
 
+#include "frame/global_method.h"
 #include "frame/plugin_entry.h"
 
 #include <cstdlib>
@@ -16,14 +17,15 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
 
 namespace {
 
-// Bound separately from the entry of the same name in the header: each wrapper has a cache of its own.
 constinit HostEntry<"REALLoadGlobalMethod", void*(void*, const char*)> loadGlobalMethod;
 constinit HostEntry<"RuntimeObjectIsa", bool(REALobject, REALclassRef)> objectIsA;
+// Bound apart from the entry of the same name in the header: each wrapper has a cache of its own.
 constinit HostEntry<"REALGetStringCFString", CFStringRef(REALstring, bool)> copyStringCFString;
 constinit HostEntry<"PluginGetStringData", bool(REALstring, std::uint32_t, REALstringData*)> getStringData;
 constinit HostEntry<"PluginDisposeStringData", void(REALstringData*)> disposeStringData;
 constinit HostEntry<"StringGetCString", const char*(REALstring)> stringGetCString;
 constinit HostEntry<"GetEventInstance", void*(REALobject, Word)> getEventInstance;
+constinit GlobalMethod<"LenB( s as string ) as integer", REALinteger(REALstring)> lenB;
 
 }  // namespace
 
@@ -39,23 +41,11 @@ void* REALGetEventInstance(REALobject object, const REALevent* event) {
 
 namespace {
 
-using LenB = REALinteger(REALstring);
-
-LenB* lenB() {
-  static std::atomic<LenB*> cached{nullptr};
-  LenB* method = cached.load(std::memory_order_relaxed);
-  if (method == nullptr) {
-    method = reinterpret_cast<LenB*>(REALLoadFrameworkMethod("LenB( s as string ) as integer"));
-    cached.store(method, std::memory_order_relaxed);
-  }
-  return method;
-}
-
 // For hosts that don't hand out string data themselves: a copy, with a terminator wide enough for every encoding.
 bool copyStringData(REALstring string, std::uint32_t encoding, REALstringData* data) {
   constexpr std::size_t kTerminatorSize = 4;
   auto* cString = stringGetCString.find();
-  LenB* byteLength = lenB();
+  auto* byteLength = lenB.find();
   if (cString == nullptr || byteLength == nullptr || string == nullptr) return false;
 
   REALstring converted = nullptr;
@@ -65,9 +55,11 @@ bool copyStringData(REALstring string, std::uint32_t encoding, REALstringData* d
     string = converted;
   }
   const auto length = static_cast<std::uint32_t>(byteLength(string));
-  auto* buffer = static_cast<char*>(std::malloc(length + kTerminatorSize));
+  const char* bytes = cString(string);
+  char* buffer = nullptr;
+  if (bytes != nullptr || length == 0) buffer = static_cast<char*>(std::malloc(length + kTerminatorSize));
   if (buffer != nullptr) {
-    if (const char* bytes = cString(string); bytes != nullptr && length > 0) std::memcpy(buffer, bytes, length);
+    if (length > 0) std::memcpy(buffer, bytes, length);
     std::memset(buffer + length, 0, kTerminatorSize);
     *data = {buffer, length, encoding};
   }
@@ -94,8 +86,8 @@ namespace {
 
 template <class Element>
 using Getter = Element (*)(REALarray, REALinteger index);
-template <class Element>
-using GetterSelector = Getter<Element> (*)(REALarray);
+// Answers a Getter.
+using GetterSelector = void*(REALarray);
 
 template <class Element>
 Element storedElement(REALarray array, REALinteger index) {
@@ -131,25 +123,25 @@ REALobject GetArrayValueProcObject(REALarray array, REALinteger index) {
   return object;
 }
 
-Getter<std::int64_t> MyRuntimeArrayDirectGetGetProcInt64(REALarray) { return GetArrayValueProcInt64; }
-Getter<std::int32_t> MyRuntimeArrayDirectGetGetProcInt32(REALarray) { return GetArrayValueProcInt32; }
-Getter<std::int32_t> MyRuntimeArrayDirectGetGetProcInt8(REALarray) { return GetArrayValueProcInt8; }
-Getter<float> MyRuntimeArrayDirectGetGetProcFloat(REALarray) { return GetArrayValueProcFloat; }
-Getter<double> MyRuntimeArrayDirectGetGetProcDouble(REALarray) { return GetArrayValueProcDouble; }
-Getter<REALstring> MyRuntimeArrayDirectGetGetProcString(REALarray) { return GetArrayValueProcString; }
-Getter<REALobject> MyRuntimeArrayDirectGetGetProcObject(REALarray) { return GetArrayValueProcObject; }
+void* MyRuntimeArrayDirectGetGetProcInt64(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcInt64); }
+void* MyRuntimeArrayDirectGetGetProcInt32(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcInt32); }
+void* MyRuntimeArrayDirectGetGetProcInt8(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcInt8); }
+void* MyRuntimeArrayDirectGetGetProcFloat(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcFloat); }
+void* MyRuntimeArrayDirectGetGetProcDouble(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcDouble); }
+void* MyRuntimeArrayDirectGetGetProcString(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcString); }
+void* MyRuntimeArrayDirectGetGetProcObject(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcObject); }
 
 // One accessor a use: the host's selector, or, once the host was found to have none, Own for the life of the process.
-template <class Element, GetterSelector<Element> Own, class Out>
+template <class Element, GetterSelector Own, class Out>
 void readElement(REALarray array, REALinteger index, Out* out) {
-  static std::atomic<GetterSelector<Element>> cached{nullptr};
-  GetterSelector<Element> selector = cached.load(std::memory_order_relaxed);
+  static std::atomic<GetterSelector*> cached{nullptr};
+  GetterSelector* selector = cached.load(std::memory_order_relaxed);
   if (selector == nullptr) {
-    selector = resolveHostEntry<Getter<Element>(REALarray)>("RuntimeArrayDirectGetGetProc");
+    selector = resolveHostEntry<GetterSelector>("RuntimeArrayDirectGetGetProc");
     if (selector == nullptr) selector = Own;
     cached.store(selector, std::memory_order_relaxed);
   }
-  Getter<Element> getter = selector(array);
+  auto getter = reinterpret_cast<Getter<Element>>(selector(array));
   if (getter == nullptr || out == nullptr) return;
   *out = static_cast<Out>(getter(array, index));
 }
@@ -186,18 +178,21 @@ void REALGetArrayValueObject(REALarray array, REALinteger index, REALobject* out
 
 namespace {
 
-template <class Value>
-using Inserter = void (*)(REALarray, REALinteger index, Value);
+constinit HostEntry<"RuntimeArrayDirectGetInsertProc", void*(REALarray)> stringInserter;
+constinit HostEntry<"RuntimeArrayDirectGetInsertProc", void*(REALarray)> objectInserter;
 
-constinit HostEntry<"RuntimeArrayDirectGetInsertProc", Inserter<REALstring>(REALarray)> stringInserter;
-constinit HostEntry<"RuntimeArrayDirectGetInsertProc", Inserter<REALobject>(REALarray)> objectInserter;
+template <class Value>
+void insertElement(void* procedure, REALarray array, REALinteger index, Value value) {
+  using Inserter = void (*)(REALarray, REALinteger, Value);
+  if (procedure != nullptr) reinterpret_cast<Inserter>(procedure)(array, index, value);
+}
 
 }  // namespace
 
 void REALInsertArrayValueString(REALarray array, REALinteger index, REALstring value) {
-  if (auto insert = stringInserter(array)) insert(array, index, value);
+  insertElement(stringInserter(array), array, index, value);
 }
 
 void REALInsertArrayValueObject(REALarray array, REALinteger index, REALobject value) {
-  if (auto insert = objectInserter(array)) insert(array, index, value);
+  insertElement(objectInserter(array), array, index, value);
 }

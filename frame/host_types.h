@@ -32,7 +32,7 @@ using REALclassRef = REALclassRefStruct*;
 using REALobjectArray = REALarrayOf<REALobject>*;
 using REALstringArray = REALarrayOf<REALstring>*;
 using REALdictionaryArray = REALarrayOf<REALdictionary>*;
-using REALintegerArray = REALarrayOf<REALinteger>*;
+using REALintegerArray = REALarrayOf<std::int32_t>*;
 using REALint64Array = REALarrayOf<std::int64_t>*;
 using REALsingleArray = REALarrayOf<float>*;
 using REALdoubleArray = REALarrayOf<double>*;
@@ -82,8 +82,8 @@ struct REALproperty {
   const char* name = nullptr;
   const char* type = nullptr;
   Word flags = 0;
-  void* getter =
-      nullptr;  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter
+  // function(object, parameter); kHostAccessor: the host reads the data block at offset parameter.
+  void* getter = nullptr;
   void* setter = nullptr;  // function(object, parameter, value); kHostAccessor likewise; null: read-only
   Word parameter = 0;
   Word reserved8 = 0;

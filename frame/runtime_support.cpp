@@ -4,7 +4,6 @@
 #include "frame/host_ref.h"
 
 #include <array>
-#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,7 +29,8 @@ REALmemoryBlock REALBuildMemoryblock(const void* bytes, std::int64_t size) {
   }
   if (!block) {
     std::array<char, 200> text{};
-    std::snprintf(text.data(), text.size(), "Failed to allocate a memoryblock with %" PRId64 " bytes in size.", size);
+    std::snprintf(text.data(), text.size(), "Failed to allocate a memoryblock with %lld bytes in size.",
+                  static_cast<long long>(size));
     RaiseException("OutOfMemoryException", text.data(), kEncodingASCII);
     return nullptr;
   }

@@ -8,7 +8,9 @@
 #include <dlfcn.h>
 
 #include <atomic>
+#include <chrono>
 #include <memory>
+#include <thread>
 
 namespace {
 
@@ -117,7 +119,10 @@ void SetThreadName(const char* name) {
 }
 
 void myDelay(int milliseconds) {
-  if (!PLATFORM_HAS(UpTime)) return;
+  if (!PLATFORM_HAS(UpTime)) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    return;
+  }
   AbsoluteTime end = AddDurationToAbsolute(milliseconds, UpTime());
   MPDelayUntil(&end);
 }

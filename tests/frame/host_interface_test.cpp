@@ -71,16 +71,17 @@ TEST_F(HostInterface, AsksAgainWhileAnEntryIsMissingAndNeverAfterItIsFound) {
   REALinRuntime();
   REALinRuntime();
   EXPECT_EQ(asked["REALinRuntime"], 2);
-  give("REALinRuntime", +[] { return true; });
+  give(
+      "REALinRuntime", +[] { return true; });
   EXPECT_TRUE(REALinRuntime());
   EXPECT_TRUE(REALinRuntime());
   EXPECT_EQ(asked["REALinRuntime"], 3);
 }
 
 TEST_F(HostInterface, KeepsACacheForEachWrapperOfAnEntry) {
-  give("REALGetStringCFString", +[](REALstring, bool flag) {
-    return reinterpret_cast<CFStringRef>(flag ? 0x2000 : 0x3000);
-  });
+  give(
+      "REALGetStringCFString",
+      +[](REALstring, bool flag) { return reinterpret_cast<CFStringRef>(flag ? 0x2000 : 0x3000); });
   EXPECT_EQ(REALGetStringCFString(text("x"), true), reinterpret_cast<CFStringRef>(0x2000));
   EXPECT_EQ(REALCopyStringCFString(text("x")), reinterpret_cast<CFStringRef>(0x3000));
   EXPECT_EQ(asked["REALGetStringCFString"], 2);
@@ -88,15 +89,17 @@ TEST_F(HostInterface, KeepsACacheForEachWrapperOfAnEntry) {
 
 TEST_F(HostInterface, HandsOnWhatItsCallsDifferIn) {
   static void* firstArgument = object();
-  give("REALLoadGlobalMethod", +[](void* first, const char* declaration) -> void* {
-    firstArgument = first;
-    return const_cast<char*>(declaration);
-  });
+  give(
+      "REALLoadGlobalMethod", +[](void* first, const char* declaration) -> void* {
+        firstArgument = first;
+        return const_cast<char*>(declaration);
+      });
   const char* declaration = "f() as integer";
   EXPECT_EQ(REALLoadFrameworkMethod(declaration), declaration);
   EXPECT_EQ(firstArgument, nullptr);
 
-  give("GetEventInstance", +[](REALobject, Word reserved) { return reinterpret_cast<void*>(reserved); });
+  give(
+      "GetEventInstance", +[](REALobject, Word reserved) { return reinterpret_cast<void*>(reserved); });
   REALevent event{"E", 0x4711};
   EXPECT_EQ(REALGetEventInstance(object(), &event), reinterpret_cast<void*>(0x4711));
 }
@@ -105,28 +108,33 @@ namespace {
 
 // A host without string data of its own, whose strings are C strings in UTF-8.
 void giveStringServices() {
-  give("StringGetCString", +[](REALstring string) { return bytesOf(string); });
-  give("REALLoadGlobalMethod", +[](void*, const char* declaration) -> void* {
-    using LenB = REALinteger(REALstring);
-    LenB* lenB = [](REALstring string) { return static_cast<REALinteger>(std::strlen(bytesOf(string))); };
-    return std::string(declaration) == "LenB( s as string ) as integer" ? reinterpret_cast<void*>(lenB) : nullptr;
-  });
+  give(
+      "StringGetCString", +[](REALstring string) { return bytesOf(string); });
+  give(
+      "REALLoadGlobalMethod", +[](void*, const char* declaration) -> void* {
+        using LenB = REALinteger(REALstring);
+        LenB* lenB = [](REALstring string) { return static_cast<REALinteger>(std::strlen(bytesOf(string))); };
+        return std::string(declaration) == "LenB( s as string ) as integer" ? reinterpret_cast<void*>(lenB) : nullptr;
+      });
 }
 
 int unlockedStrings = 0;
 
 void countUnlockedStrings() {
-  give("REALUnlockString", +[](REALstring) { ++unlockedStrings; });
+  give(
+      "REALUnlockString", +[](REALstring) { ++unlockedStrings; });
 }
 
 }  // namespace
 
 TEST_F(HostInterface, LeavesStringDataToTheHostThatHasIt) {
-  give("PluginGetStringData", +[](REALstring, std::uint32_t encoding, REALstringData* data) {
-    *data = {nullptr, 5, encoding};
-    return encoding == kEncodingUTF8;
-  });
-  give("PluginDisposeStringData", +[](REALstringData* data) { data->length = 99; });
+  give(
+      "PluginGetStringData", +[](REALstring, std::uint32_t encoding, REALstringData* data) {
+        *data = {nullptr, 5, encoding};
+        return encoding == kEncodingUTF8;
+      });
+  give(
+      "PluginDisposeStringData", +[](REALstringData* data) { data->length = 99; });
   giveStringServices();
   REALstringData data{};
   EXPECT_TRUE(REALGetStringData(text("x"), kEncodingUTF8, &data));
@@ -152,16 +160,17 @@ TEST_F(HostInterface, CopiesStringDataWhereTheHostHasNone) {
 TEST_F(HostInterface, ConvertsCopiedStringDataOnlyWhenItsEncodingDiffers) {
   giveStringServices();
   countUnlockedStrings();
-  give("REALGetStringEncoding", +[](REALstring) { return kEncodingUTF8; });
+  give(
+      "REALGetStringEncoding", +[](REALstring) { return kEncodingUTF8; });
   REALstringData data{};
   ASSERT_TRUE(REALGetStringData(text("abc"), kEncodingUTF8, &data));
   EXPECT_EQ(asked["REALConvertString"], 0);
   REALDisposeStringData(&data);
 
   EXPECT_FALSE(REALGetStringData(text("abc"), kEncodingUTF16, &data));  // there is no conversion
-  give("REALConvertString", +[](REALstring, std::uint32_t encoding) {
-    return encoding == kEncodingUTF16 ? text("converted") : nullptr;
-  });
+  give(
+      "REALConvertString",
+      +[](REALstring, std::uint32_t encoding) { return encoding == kEncodingUTF16 ? text("converted") : nullptr; });
   ASSERT_TRUE(REALGetStringData(text("abc"), kEncodingUTF16, &data));
   EXPECT_EQ(data.length, 9u);
   EXPECT_EQ(data.encoding, kEncodingUTF16);
@@ -172,7 +181,8 @@ TEST_F(HostInterface, ConvertsCopiedStringDataOnlyWhenItsEncodingDiffers) {
 }
 
 TEST_F(HostInterface, HasNoStringDataWithoutLengthOrBytes) {
-  give("StringGetCString", +[](REALstring string) { return bytesOf(string); });
+  give(
+      "StringGetCString", +[](REALstring string) { return bytesOf(string); });
   REALstringData data{};
   EXPECT_FALSE(REALGetStringData(text("abc"), kEncodingAsStored, &data));
   giveStringServices();  // found once it is there
@@ -194,8 +204,10 @@ int lockedStrings = 0;
 }  // namespace
 
 TEST_F(HostInterface, ReadsElementsFromStorageWhereTheHostHasNoGetters) {
-  give("REALLockObject", +[](REALobject) { ++lockedObjects; });
-  give("REALLockString", +[](REALstring) { ++lockedStrings; });
+  give(
+      "REALLockObject", +[](REALobject) { ++lockedObjects; });
+  give(
+      "REALLockString", +[](REALstring) { ++lockedStrings; });
   REALarrayRecord record{};
 
   std::int64_t int64s[] = {1, -0x123456789ALL};
@@ -238,11 +250,12 @@ TEST_F(HostInterface, ReadsElementsFromStorageWhereTheHostHasNoGetters) {
 }
 
 TEST_F(HostInterface, AsksTheHostsGetterForEachArray) {
-  using Getter = std::int32_t (*)(REALarray, REALinteger);
-  give("RuntimeArrayDirectGetGetProc", +[](REALarray asking) -> Getter {
-    if (asking == nullptr) return nullptr;
-    return [](REALarray, REALinteger index) { return static_cast<std::int32_t>(100 + index); };
-  });
+  give(
+      "RuntimeArrayDirectGetGetProc", +[](REALarray asking) -> void* {
+        if (asking == nullptr) return nullptr;
+        return reinterpret_cast<void*>(
+            +[](REALarray, REALinteger index) { return static_cast<std::int32_t>(100 + index); });
+      });
   std::int32_t value = 7;
   REALGetArrayValueInt32(array(), 3, &value);
   EXPECT_EQ(value, 103);
@@ -258,10 +271,10 @@ TEST_F(HostInterface, AsksTheHostsGetterForEachArray) {
 
 TEST_F(HostInterface, InsertsThroughTheProcedureOfTheArray) {
   static REALinteger insertedAt = -1;
-  using Inserter = void (*)(REALarray, REALinteger, REALobject);
-  give("RuntimeArrayDirectGetInsertProc", +[](REALarray) -> Inserter {
-    return [](REALarray, REALinteger index, REALobject) { insertedAt = index; };
-  });
+  give(
+      "RuntimeArrayDirectGetInsertProc", +[](REALarray) {
+        return reinterpret_cast<void*>(+[](REALarray, REALinteger index, REALobject) { insertedAt = index; });
+      });
   REALInsertArrayValueObject(array(), 5, object());
   EXPECT_EQ(insertedAt, 5);
 }

@@ -13,7 +13,6 @@
 
 extern "C" void REALPluginMain(REALresolver resolver);
 
-
 namespace {
 
 using fake_resolver::give;
@@ -22,11 +21,13 @@ std::vector<REALclassDefinition*> registered;
 std::vector<std::string> calls;
 
 void giveRegistration() {
-  give("RegisterPluginVersion", +[](Word version) { calls.push_back("version " + std::to_string(version)); });
-  give("PluginRegisterClass", +[](REALclassDefinition* definition) {
-    calls.emplace_back(definition->name);
-    registered.push_back(definition);
-  });
+  give(
+      "RegisterPluginVersion", +[](Word version) { calls.push_back("version " + std::to_string(version)); });
+  give(
+      "PluginRegisterClass", +[](REALclassDefinition* definition) {
+        calls.emplace_back(definition->name);
+        registered.push_back(definition);
+      });
 }
 
 const REALclassDefinition& definitionOf(const std::string& name) {
@@ -41,9 +42,9 @@ const REALclassDefinition& definitionOf(const std::string& name) {
 TEST(PluginEntry, RegistersItsVersionAndThenTheClassesSuperclassesFirst) {
   giveRegistration();
   REALPluginMain(fake_resolver::resolve);
-  const std::vector<std::string> expected{"version 9",      "ABSearchElementVXR",     "ABRecordVXR",
-                                          "ABPersonVXR",    "ABMultiValueVXR",        "ABMutableMultiValueVXR",
-                                          "ABGroupVXR",     "ABPickerVXR",            "ABAddressBookVXR"};
+  const std::vector<std::string> expected{"version 9",   "ABSearchElementVXR", "ABRecordVXR",
+                                          "ABPersonVXR", "ABMultiValueVXR",    "ABMutableMultiValueVXR",
+                                          "ABGroupVXR",  "ABPickerVXR",        "ABAddressBookVXR"};
   EXPECT_EQ(calls, expected);
   EXPECT_EQ(AddressbookFramework, nullptr);  // this host is a development environment
 }
@@ -51,13 +52,15 @@ TEST(PluginEntry, RegistersItsVersionAndThenTheClassesSuperclassesFirst) {
 TEST(PluginEntry, ReadsTheHostsVersionWhereThereIsOne) {
   REALPluginMain(fake_resolver::resolve);
   EXPECT_EQ(rbversion_rbversion, 0.0);
-  give("REALGetRBVersion", +[] { return 2012.5; });
+  give(
+      "REALGetRBVersion", +[] { return 2012.5; });
   REALPluginMain(fake_resolver::resolve);
   EXPECT_EQ(rbversion_rbversion, 2012.5);
 }
 
 TEST(PluginEntry, LoadsTheFrameworkInsideABuiltApplication) {
-  give("REALinRuntime", +[] { return true; });
+  give(
+      "REALinRuntime", +[] { return true; });
   REALPluginMain(fake_resolver::resolve);
   EXPECT_NE(AddressbookFramework, nullptr);
 }
@@ -68,7 +71,8 @@ TEST(PluginEntry, FindsNoFrameworkThatIsNotThere) {
 }
 
 TEST(PluginEntry, RoundsDataSizesUpToSixteen) {
-  for (const auto& [given, rounded] : std::vector<std::pair<Word, Word>>{{0, 0}, {1, 16}, {4, 16}, {16, 16}, {17, 32}}) {
+  for (const auto& [given, rounded] :
+       std::vector<std::pair<Word, Word>>{{0, 0}, {1, 16}, {4, 16}, {16, 16}, {17, 32}}) {
     REALclassDefinition definition{.dataSize = given};
     MyREALRegisterClass(&definition);
     EXPECT_EQ(definition.dataSize, rounded);

@@ -57,7 +57,8 @@ void idle(void* context) {
 class WorkerThread : public testing::Test {
  protected:
   WorkerThread() {
-    fake_resolver::give("REALYieldToRB", +[] { ++yields; });
+    fake_resolver::give(
+        "REALYieldToRB", +[] { ++yields; });
     fake_resolver::install();
   }
 };

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "frame/host_ref.h"
+#include "frame/runtime_support.h"
+#include "platform/foundation/array.h"
+#include "platform/foundation/enumerator.h"
+
+// Inserts what convert makes of each object of the list into an empty host array, in order; convert answers a host
+// reference for the caller. Nothing happens for a nil list or array.
+template <class Array, class Convert>
+void fillHostArray(Array array, NSArray list, Convert convert) {
+  if (array == nullptr) return;
+  NSEnumerator objects = list.objectEnumerator();
+  REALinteger index = 0;
+  while (NSObject object = objects.nextObject()) {
+    const auto element = adoptHost(convert(object));
+    REALInsertArrayValue(array, index++, element.get());
+  }
+}
+
+// What convertAt(index) makes of each index of the host array, autoreleased; nil is left out. Nil for a nil array, and
+// for an empty one if nilIfEmpty.
+template <class ConvertAt>
+NSMutableArray arrayFromHost(REALarray array, bool nilIfEmpty, ConvertAt convertAt) {
+  if (array == nullptr) return nullptr;
+  const REALinteger upperBound = REALGetArrayUBound(array);
+  if (nilIfEmpty && upperBound == -1) return nullptr;
+  auto result = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(upperBound + 1));
+  if (!result) return nullptr;
+  for (REALinteger index = 0; index <= upperBound; ++index) {
+    if (NSObject object = convertAt(index)) result.addObject(object);
+  }
+  return result;
+}

@@ -1,0 +1,146 @@
+#include "bridge/exceptions.h"
+
+#include "frame/host_interface.h"
+#include "frame/runtime_support.h"
+#include "host/memory_blocks.h"
+#include "platform/foundation/log.h"
+#include "platform/foundation/string.h"
+#include "tests/kit/host.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> logged;
+
+void keepLog() {
+  NSSetLogHook([](NSString message) { logged.emplace_back(message.UTF8String()); });
+}
+
+[[noreturn]] void raise(NSString reason) { NSException::exceptionWithName("Name"_ns, reason).raise(); }
+
+}  // namespace
+
+TEST(Guard, TurnsAFrameworkExceptionIntoAPendingHostException) {
+  const Host host{};
+  keepLog();
+  int result = 1;
+  guard([&] {
+    result = 2;
+    raise("the reason"_ns);
+  });
+  EXPECT_EQ(result, 2);  // what was stored before stays
+  const auto pending = host::takePendingException();
+  ASSERT_TRUE(pending);
+  EXPECT_EQ(pending->object().typeName(), "NSExceptionVXR");
+  EXPECT_EQ(pending->object().get("Message"), "A Cocoa Name was not handled: the reason");
+  EXPECT_EQ(pending->object().get("Name"), "Name");
+  EXPECT_EQ(pending->object().get("Reason"), "the reason");
+  ASSERT_EQ(logged.size(), 1U);
+  EXPECT_EQ(logged[0], "A Name: the reason, Info: (null)\n");
+}
+
+TEST(Guard, LeavesUnsetWhatTheExceptionLacks) {
+  const Host host{};
+  keepLog();
+  guard([] { raise(nullptr); });
+  const auto pending = host::takePendingException();
+  ASSERT_TRUE(pending);
+  EXPECT_EQ(pending->object().get("Message"), "A Cocoa Name was not handled: (null)");
+  EXPECT_EQ(pending->object().get("Reason"), "");
+}
+
+TEST(Guard, LetsEverythingElsePass) {
+  const Host host{};
+  EXPECT_THROW(guard([] { throw std::runtime_error("foreign"); }), std::runtime_error);
+  EXPECT_THROW(guard([] { throw 7; }), int);
+  EXPECT_FALSE(host::takePendingException());
+}
+
+namespace {
+
+// A program without the exception's class, in which a framework exception reaches a guard.
+void runWithoutExceptionClass() {
+  const Host host{.foreignClasses = false,
+                  .messageBox = [](const std::string& text) { std::fprintf(stderr, "box: %s\n", text.c_str()); }};
+  NSSetLogHook([](NSString message) { std::fprintf(stderr, "log: %s", message.UTF8String()); });
+  guard([] { raise("the reason"_ns); });
+}
+
+bool hasExited(int status) { return WIFEXITED(status); }
+
+}  // namespace
+
+TEST(GuardDeathTest, QuitsWhereTheHostHasNoSuchException) {
+  EXPECT_EXIT(runWithoutExceptionClass(), hasExited,
+              "log: A Cocoa Name was not handled: the reason. Please report to the application developer. The "
+              "application will quit now. .use NSExceptionVXR class to catch this exception.\n"
+              "(.|\n)*log: callStackSymbols: (.|\n)*box: A Cocoa Name was not handled: the reason. Please report");
+}
+
+TEST(GuardDeathTest, QuitsAtOnceWithoutAnException) {
+  EXPECT_EXIT(MyNSUncaughtExceptionHandler(nullptr), hasExited, "^$");
+}
+
+TEST(RaiseException, FallsBackToTheRuntimeException) {
+  const Host host{};
+  RaiseException("UnsupportedOperationException", "because", kEncodingASCII);
+  EXPECT_STREQ(host::takePendingException()->what(), "UnsupportedOperationException: because");
+  RaiseException("NoSuchException", "because", kEncodingASCII);
+  EXPECT_STREQ(host::takePendingException()->what(), "RuntimeException: because");
+  RaiseException("RuntimeException", nullptr, kEncodingASCII);
+  EXPECT_EQ(host::takePendingException()->object().get("Message"), "");
+}
+
+TEST(RaiseException, RaisesNothingWhereThereIsNoExceptionClass) {
+  const Host host{.without = {"RuntimeException"}};
+  RaiseException("NoSuchException", "because", kEncodingASCII);
+  EXPECT_FALSE(host::takePendingException());
+}
+
+TEST(MemoryBlocks, AreCopiesOrNothing) {
+  const Host host{};
+  EXPECT_EQ(bytesOf(host::Value::adopt(REALBuildMemoryblock("abc", 3))), "abc");
+  EXPECT_EQ(REALBuildMemoryblock(nullptr, 3), nullptr);
+  EXPECT_EQ(REALBuildMemoryblock("abc", 0), nullptr);
+  EXPECT_EQ(REALBuildMemoryblock("abc", -1), nullptr);
+  EXPECT_FALSE(host::takePendingException());
+}
+
+TEST(MemoryBlocks, ThatCannotBeHadRaise) {
+  const Host host{};
+  host::failMemoryBlock(1);
+  EXPECT_EQ(REALBuildMemoryblock("abc", 3), nullptr);
+  EXPECT_STREQ(host::takePendingException()->what(),
+               "OutOfMemoryException: Failed to allocate a memoryblock with 3 bytes in size.");
+}
+
+TEST(PlainMemory, IsClearAndLimited) {
+  EXPECT_EQ(AllocateClearMemory(0), nullptr);
+  EXPECT_EQ(AllocateClearMemory(-1), nullptr);
+  EXPECT_EQ(AllocateClearMemory(std::int64_t{1} << 31), nullptr);
+  auto* memory = static_cast<unsigned char*>(AllocateClearMemory(16));
+  ASSERT_NE(memory, nullptr);
+  EXPECT_EQ(memory[15], 0);
+  FreeMemoryNow(memory);
+}
+
+TEST(ObjectTests, TellTheHostsOwnKindsApart) {
+  const Host host{};
+  const host::Value block = host::memoryBlock("x");
+  const host::Value dictionary = host.make("Dictionary");
+  EXPECT_TRUE(IsMemoryBlock(block.object()));
+  EXPECT_FALSE(IsMemoryBlock(dictionary.object()));
+  EXPECT_FALSE(IsFolderItem(block.object()));
+  EXPECT_TRUE(REALObjectIsA(dictionary.object(), "Dictionary"));
+  EXPECT_FALSE(REALObjectIsA(block.object(), "Dictionary"));
+  EXPECT_FALSE(REALObjectIsA(block.object(), "NoSuchClass"));
+  EXPECT_FALSE(REALObjectIsA(nullptr, "Dictionary"));
+}

@@ -1,0 +1,219 @@
+#include "bridge/strings.h"
+
+#include "frame/host_ref.h"
+#include "frame/runtime_support.h"
+#include "host/arrays.h"
+#include "host/memory_blocks.h"
+#include "host/objects.h"
+#include "host/strings.h"
+#include "platform/objc/retained.h"
+#include "tests/kit/host.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+using namespace std::string_literals;
+
+namespace {
+
+HostRef<REALstring> hostString(std::string_view bytes, std::uint32_t encoding = kEncodingUTF8) {
+  return adoptHost(host::newString(bytes, encoding));
+}
+
+std::string utf8(NSString string) { return string ? string.UTF8String() : "nil"; }
+
+// The text of a host string that a conversion answered, with the reference given back.
+std::string take(REALstring string) {
+  const auto held = adoptHost(string);
+  return held ? host::textOf(held.get()) : "nil";
+}
+
+NSString nsString(std::u16string_view units) { return NSString::stringWithCharacters(units.data(), units.size()); }
+
+std::string utf32(std::u32string_view units) {
+  return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char32_t)};
+}
+
+std::string utf16(std::u16string_view units) {
+  return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t)};
+}
+
+}  // namespace
+
+TEST(Strings, TakeTheHostsOwnFoundationStringFirst) {
+  const Host host{};
+  const auto text = hostString("Zoë 北京 😀");
+  EXPECT_EQ(utf8(NewNSString(text.get())), "Zoë 北京 😀");
+  EXPECT_EQ(host::liveCounts()["String"], 1);
+}
+
+namespace {
+
+struct StoredText {
+  std::string bytes;
+  std::uint32_t encoding;
+  std::string expected;
+};
+
+const std::vector<StoredText> kStoredTexts{
+    {"Zo\xC3\xAB", kEncodingUTF8, "Zoë"},     {"Zo\xC3", kEncodingUTF8, "nil"},  // refused
+    {"abc", kEncodingASCII, "abc"},           {"Zo\x91", kEncodingMacRoman, "Zoë"},
+    {"Zo\x91", kEncodingAsStored, "Zoë"},                                                  // of unknown encoding
+    {utf16(u"Zoë😀"), kEncodingUTF16, "Zoë😀"}, {utf16(u"ab") + "c", kEncodingUTF16, "ab"},  // an odd last byte
+    {"ab\0cd"s, kEncodingUTF8, "ab"},         {"abc", 0x4711, "nil"},                      // no such encoding
+};
+
+}  // namespace
+
+TEST(Strings, ReadTheBytesWhereTheHostMakesNoFoundationString) {
+  const Host host{.without = {"REALGetStringCFString"}};
+  for (const StoredText& text : kStoredTexts) {
+    EXPECT_EQ(utf8(NewNSString(hostString(text.bytes, text.encoding).get())), text.expected) << text.bytes;
+  }
+}
+
+TEST(Strings, ReadTheBytesOfOlderHostsInPlace) {
+  const Host host{.version = 2012.9, .without = {"REALGetStringCFString", "PluginGetStringData"}};
+  for (const StoredText& text : kStoredTexts) {
+    EXPECT_EQ(utf8(NewNSString(hostString(text.bytes, text.encoding).get())), text.expected) << text.bytes;
+  }
+}
+
+TEST(Strings, OwnWhatTheyCreateAndNothingElse) {
+  const Host host{.without = {"REALGetStringCFString"}};
+  const auto text = hostString("owned");
+  const auto created = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(text.get())));
+  EXPECT_EQ(utf8(created.get()), "owned");
+  EXPECT_EQ(RBString2CFString(nullptr), nullptr);
+  EXPECT_FALSE(NewNSString(nullptr));
+}
+
+TEST(Strings, ReachTheHostWholeOnEitherSideOfTheFixedBuffer) {
+  const Host host{};
+  for (std::size_t length : {1U, 98U, 99U, 100U, 101U, 5000U}) {
+    for (const char16_t unit : {u'a', u'ë', u'北'}) {
+      NSString text = nsString(std::u16string(length, unit));
+      EXPECT_EQ(take(NSStringRB(text)), utf8(text)) << length;
+    }
+  }
+  EXPECT_EQ(take(NSStringRB(nsString(u"😀"))), "😀");
+}
+
+TEST(Strings, ReachTheHostAsNothingWhenThereIsNoText) {
+  const Host host{};
+  EXPECT_EQ(NSStringRB(nullptr), nullptr);
+  EXPECT_EQ(NSStringRB(""_ns), nullptr);
+  EXPECT_EQ(NSStringRB(nsString(u"a\xD800")), nullptr);  // an unpaired surrogate has no UTF-8
+  EXPECT_EQ(take(NSStringRB(nsString({u"ab\0cd", 5}))), "ab");
+  EXPECT_EQ(NSStringRB(nsString({u"\0cd", 3})), nullptr);
+}
+
+TEST(Strings, BuildFromBytesOfEachEncoding) {
+  const Host host{};
+  struct Case {
+    std::string bytes;
+    std::uint32_t encoding;
+    std::string text;
+    std::uint32_t resultEncoding;
+  };
+  for (const Case& given : std::vector<Case>{
+           {"abc", kEncodingASCII, "abc", kEncodingASCII},
+           {"Zo\xC3\xAB", kEncodingUTF8, "Zoë", kEncodingUTF8},
+           {utf16(u"Zoë"), kEncodingUTF16, "Zoë", kEncodingUTF8},
+           {utf32(U"Zoë"), kEncodingUTF32, "Zoë", kEncodingUTF8},
+           {utf32(U"aë").substr(0, 6), kEncodingUTF32, "a", kEncodingUTF8},
+           {utf32(U"😀"), kEncodingUTF32, "\uF600", kEncodingUTF8},
+       }) {
+    const auto built = adoptHost(
+        REALBuildUnicodeString(given.bytes.data(), static_cast<std::int32_t>(given.bytes.size()), given.encoding));
+    EXPECT_EQ(host::textOf(built.get()), given.text);
+    EXPECT_EQ(host::encodingOf(built.get()), given.resultEncoding) << given.text;
+  }
+  EXPECT_EQ(REALBuildUnicodeString(nullptr, 3, kEncodingUTF8), nullptr);
+  EXPECT_EQ(REALBuildUnicodeString("abc", 0, kEncodingUTF32), nullptr);
+  EXPECT_EQ(REALBuildUnicodeString("abc", -1, kEncodingUTF8), nullptr);
+}
+
+TEST(Strings, BuildFromUTF32OnEitherSideOfTheFixedBuffer) {
+  const Host host{};
+  const std::string bytes = utf32(std::u32string(300, U'北'));
+  for (std::int32_t size : {796, 798, 799, 800, 801, 804, 1200}) {
+    std::string expected;
+    for (std::int32_t i = 0; i < size / 4; ++i) expected += "北";
+    EXPECT_EQ(take(REALBuildUnicodeString(bytes.data(), size, kEncodingUTF32)), expected) << size;
+  }
+}
+
+TEST(Strings, GiveUTF16BytesBackWhenTheHostCannotConvert) {
+  const Host host{.without = {"REALConvertString"}};
+  const std::string bytes = utf16(u"abc");
+  EXPECT_EQ(REALBuildUnicodeString(bytes.data(), 6, kEncodingUTF16), nullptr);
+  EXPECT_EQ(REALBuildUnicodeString(bytes.data(), 4, kEncodingUTF32), nullptr);
+}
+
+namespace {
+
+host::Value stringArray(std::initializer_list<host::Value> strings) {
+  return host::array(host::ElementType::string, strings);
+}
+
+REALstringArray handleOf(const host::Value& array) {
+  return static_cast<REALstringArray>(static_cast<REALarray>(array.object()));
+}
+
+std::vector<std::string> texts(NSArray strings) {
+  std::vector<std::string> result;
+  for (NSUInteger i = 0; i < strings.count(); ++i) result.push_back(utf8(strings.objectAtIndex(i).as<NSString>()));
+  return result;
+}
+
+}  // namespace
+
+TEST(StringArrays, LeaveOutEmptyStrings) {
+  const Host host{};
+  const host::Value three = stringArray({"one", "", "three"});
+  EXPECT_EQ(texts(CreateNSStringArray(handleOf(three), 0)), (std::vector<std::string>{"one", "three"}));
+
+  const host::Value none = stringArray({});
+  EXPECT_EQ(CreateNSStringArray(handleOf(none), 0).count(), 0U);
+  EXPECT_TRUE(CreateNSStringArray(handleOf(none), 0));
+  EXPECT_FALSE(CreateNSStringArray(handleOf(none), 1));
+  EXPECT_FALSE(CreateNSStringArray(REALstringArray{}, 0));
+
+  EXPECT_EQ(texts(CreateNSStringArray(hostString("x").get())), std::vector<std::string>{"x"});
+  EXPECT_FALSE(CreateNSStringArray(REALstring{}));
+}
+
+TEST(StringArrays, FillAHostArrayInOrder) {
+  const Host host{};
+  const host::Value filled = host::Value::adopt(REALCreateArrayString(-1));
+  FillStringArray(handleOf(filled), NSArray::arrayWithObjects({"a"_ns, ""_ns, "c"_ns}));
+  EXPECT_EQ(filled.elements(), (std::vector<host::Value>{"a", "", "c"}));
+
+  const host::Value empty = host::Value::adopt(REALCreateArrayString(-1));
+  FillStringArray(handleOf(empty), nullptr);
+  FillStringArray(handleOf(empty), NSArray::array());
+  EXPECT_EQ(empty.size(), 0U);
+}
+
+TEST(RbData, ViewsAMemoryBlockAndStaysInside) {
+  const Host host{};
+  const host::Value block = host::memoryBlock("0123456789");
+  auto* handle = static_cast<REALmemoryBlock>(block.object());
+  const auto view = [&](std::uint32_t offset, std::uint32_t length) {
+    const rbData bytes(handle, offset, length);
+    return std::string(bytes.data, bytes.length);
+  };
+  EXPECT_EQ(view(0, 0), "0123456789");
+  EXPECT_EQ(view(2, 3), "234");
+  EXPECT_EQ(view(8, 0), "89");
+  EXPECT_EQ(view(8, 5), "89");
+  EXPECT_EQ(view(11, 1), "");
+
+  const rbData none(REALmemoryBlock{}, 0, 0);
+  EXPECT_EQ(none.data, nullptr);
+  EXPECT_EQ(none.length, 0U);
+}
