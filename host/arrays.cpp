@@ -151,7 +151,7 @@ void insertAt(REALobject array, REALinteger index, const Value& value) {
   insertNative(array, static_cast<std::size_t>(index), NativeValue(elementType(array), value));
 }
 
-Value array(ElementType type, std::initializer_list<Value> elements) {
+Value array(ElementType type, const std::vector<Value>& elements) {
   Value made = Value::adopt(newArray(static_cast<std::int32_t>(type), -1));
   for (const Value& element : elements) insertAt(made.object(), upperBound(made.object()) + 1, element);
   return made;

@@ -2,8 +2,8 @@
 
 #include "host/value.h"
 
-#include <initializer_list>
 #include <optional>
+#include <vector>
 
 // One-dimensional arrays. An array is an object whose third header word is its element storage, so that a plug-in may
 // read elements straight from it.
@@ -32,7 +32,10 @@ Value elementAt(REALobject array, REALinteger index);
 // Before the element at the index, or at the end. Throws Error for any other index and a value that doesn't fit.
 void insertAt(REALobject array, REALinteger index, const Value& value);
 
-Value array(ElementType type, std::initializer_list<Value> elements);
+Value array(ElementType type, const std::vector<Value>& elements);
+inline Value stringArray(const std::vector<Value>& elements) { return array(ElementType::string, elements); }
+// Of objects or variants.
+inline Value objectArray(const std::vector<Value>& elements) { return array(ElementType::object, elements); }
 
 // What the host gives plug-ins for direct access. Outside the array they read zero and insert nothing. References: the
 // caller gets one of its own for what it reads, the array takes one of its own to what is inserted. Null for element

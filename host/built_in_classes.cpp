@@ -3,8 +3,11 @@
 namespace host {
 
 std::vector<REALclassDefinition*> builtInClasses() {
-  std::vector<REALclassDefinition*> classes{&variantDefinition(), &dateDefinition(), &dictionaryDefinition(),
-                                            &memoryBlockDefinition(), &runtimeExceptionDefinition()};
+  // A bare window, for members that want one.
+  static REALclassDefinition window{.name = "Window"};
+  std::vector<REALclassDefinition*> classes{
+      &variantDefinition(),    &dateDefinition(), &dictionaryDefinition(),      &memoryBlockDefinition(),
+      &folderItemDefinition(), &window,           &runtimeExceptionDefinition()};
   for (REALclassDefinition& definition : runtimeExceptionSubclasses()) classes.push_back(&definition);
   for (REALclassDefinition& definition : arrayDefinitions()) classes.push_back(&definition);
   return classes;

@@ -12,6 +12,7 @@ REALclassDefinition& variantDefinition();
 REALclassDefinition& dateDefinition();
 REALclassDefinition& dictionaryDefinition();
 REALclassDefinition& memoryBlockDefinition();
+REALclassDefinition& folderItemDefinition();
 REALclassDefinition& runtimeExceptionDefinition();
 std::span<REALclassDefinition> runtimeExceptionSubclasses();
 // By element type.

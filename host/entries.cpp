@@ -5,9 +5,10 @@
 #include "host/error.h"
 #include "host/events.h"
 #include "host/exceptions.h"
+#include "host/folder_items.h"
 #include "host/memory_blocks.h"
 #include "host/options.h"
-#include "host/properties.h"
+#include "host/property_entries.h"
 #include "host/strings.h"
 #include "host/variants.h"
 #include "platform/foundation/run_loop.h"
@@ -26,6 +27,7 @@ namespace {
 
 struct State {
   Word pluginVersion = 0;
+  std::vector<const HostClass*> pluginClasses;
   int instancesToFailure = 0;
   std::vector<std::string> messageBoxes;
   std::mutex askedLock;  // worker threads bind entries too
@@ -53,7 +55,9 @@ bool runtimeObjectIsa(REALobject object, REALclassRef classRef) {
 // A class that the host can't take is left out and reported, as nothing can be answered.
 void pluginRegisterClass(REALclassDefinition* definition) {
   try {
-    registerClass(*definition);
+    const std::size_t before = allClasses().size();
+    const HostClass& registered = registerClass(*definition);
+    if (allClasses().size() != before) state().pluginClasses.push_back(&registered);
   } catch (const Error& error) {
     std::fprintf(stderr, "%s\n", error.what());
   }
@@ -132,81 +136,6 @@ void disposeStringData(REALstringData* data) {
 
 const char* stringGetCString(REALstring string) { return bytesOf(string).data(); }
 
-template <class Out, class Accept>
-bool readInto(REALobject object, const char* name, Out* out, Accept accept) {
-  if (object == nullptr) return false;
-  const std::optional<Value> value = readProperty(object, name);
-  if (!value) return false;
-  const std::optional<Out> result = accept(*value);
-  if (result) *out = *result;
-  return result.has_value();
-}
-
-// Whole numbers and booleans, cut to the width asked for.
-template <class Integer>
-std::optional<Integer> asInteger(const Value& value) {
-  return std::visit(
-      [](const auto& data) -> std::optional<Integer> {
-        if constexpr (std::integral<std::remove_cvref_t<decltype(data)>>) {
-          return static_cast<Integer>(data);
-        } else {
-          return std::nullopt;
-        }
-      },
-      value.data());
-}
-
-template <class Number>
-std::optional<Number> asNumber(const Value& value) {
-  if (std::holds_alternative<bool>(value.data()) || std::holds_alternative<StringRef>(value.data()))
-    return std::nullopt;
-  if (value.isNil() || std::holds_alternative<ObjectRef>(value.data())) return std::nullopt;
-  return static_cast<Number>(value.number());
-}
-
-std::optional<REALstring> asString(const Value& value) {
-  if (!std::holds_alternative<StringRef>(value.data())) return std::nullopt;
-  return StringRef::share(value.string()).leak();
-}
-
-std::optional<REALobject> asObject(const Value& value) {
-  if (std::holds_alternative<std::monostate>(value.data())) return nullptr;
-  if (!std::holds_alternative<ObjectRef>(value.data())) return std::nullopt;
-  return ObjectRef::share(value.object()).leak();
-}
-
-bool getPropValueInt(REALobject object, const char* name, std::int32_t* out) {
-  return readInto(object, name, out, asInteger<std::int32_t>);
-}
-
-bool getPropValueInt64(REALobject object, const char* name, std::int64_t* out) {
-  return readInto(object, name, out, asInteger<std::int64_t>);
-}
-
-bool getPropValueSingle(REALobject object, const char* name, float* out) {
-  return readInto(object, name, out, asNumber<float>);
-}
-
-bool getPropValueDouble(REALobject object, const char* name, double* out) {
-  return readInto(object, name, out, asNumber<double>);
-}
-
-bool getPropValueString(REALobject object, const char* name, REALstring* out) {
-  return readInto(object, name, out, asString);
-}
-
-bool getPropValueObject(REALobject object, const char* name, REALobject* out) {
-  return readInto(object, name, out, asObject);
-}
-
-bool setPropValueInt(REALobject object, const char* name, std::int32_t value) {
-  return object != nullptr && writeProperty(object, name, value);
-}
-
-bool setPropValueString(REALobject object, const char* name, REALstring value) {
-  return object != nullptr && writeProperty(object, name, StringRef::share(value));
-}
-
 REALvariant stringToVariant(REALstring string) { return newVariant(StringRef::share(string)); }
 
 template <class Scalar>
@@ -250,6 +179,11 @@ void yieldToHost() {
 
 void* memoryBlockAddress(REALmemoryBlock block) { return block == nullptr ? nullptr : blockAddress(block); }
 REALinteger memoryBlockSize(REALmemoryBlock block) { return block == nullptr ? 0 : blockSize(block); }
+
+REALfolderItem folderItemFromSpec(const FSSpec* spec) { return newFolderItem(spec); }
+REALfolderItem folderItemFromParent(const FSRef* parent, const HFSUniStr255* name) {
+  return newFolderItem(parent, name);
+}
 
 template <class Function>
 void* entry(Function* function) {
@@ -309,6 +243,10 @@ const std::map<std::string_view, void*>& entries() {
       {"newMemoryBlock", entry(newMemoryBlock)},
       {"memoryBlockGetPtr", entry(memoryBlockAddress)},
       {"memoryBlockGetSize", entry(memoryBlockSize)},
+      {"FolderItemFromFSSpec", entry(folderItemFromSpec)},
+      {"REALFSSpecFromFolderItem", entry(fillSpec)},
+      {"REALFSRefFromFolderItem", entry(fillRef)},
+      {"REALFolderItemFromParentFSRef", entry(folderItemFromParent)},
       {"GetEventInstance", entry(getEventInstance)},
       {"RuntimeRaiseException", entry(raiseException)},
       {"RuntimeMsgBox", entry(messageBox)},
@@ -344,6 +282,8 @@ std::size_t timesAsked(std::string_view entryName) {
 }
 
 Word pluginVersion() { return state().pluginVersion; }
+
+const std::vector<const HostClass*>& pluginClasses() { return state().pluginClasses; }
 
 void failNewInstance(int nth) { state().instancesToFailure = nth; }
 

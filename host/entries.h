@@ -10,6 +10,8 @@
 // The services that the host offers to plug-ins by name.
 namespace host {
 
+class HostClass;
+
 // Answers an entry of this host, null for one that it lacks.
 REALresolver resolver();
 // The names of all entries there are.
@@ -19,6 +21,9 @@ std::size_t timesAsked(std::string_view entryName);
 
 // The interface version that the plug-in loaded last has registered; 0 before.
 Word pluginVersion();
+
+// The classes that plug-ins have registered, in order.
+const std::vector<const HostClass*>& pluginClasses();
 
 // Makes the nth new instance that a plug-in asks for from now on fail, once; 0 calls it off.
 void failNewInstance(int nth);

@@ -91,7 +91,7 @@ Word requireEvent(const HostClass& objectClass, std::string_view name) {
 
 }  // namespace
 
-void handleEvent(std::string_view className, std::string_view event, EventHandler handler) {
+void handleClassEvent(std::string_view className, std::string_view event, EventHandler handler) {
   const HostClass& objectClass = requireClass(className);
   handlers().ofClasses[{&objectClass, requireEvent(objectClass, event)}] = std::move(handler);
 }

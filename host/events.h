@@ -14,7 +14,7 @@ using EventHandler = std::function<void(const Value& self, std::span<const Value
 
 // For every object of the class, or of a subclass. An exception of the host that the handler throws becomes the
 // pending one. These throw Error for an event that the class doesn't have.
-void handleEvent(std::string_view className, std::string_view event, EventHandler handler);
+void handleClassEvent(std::string_view className, std::string_view event, EventHandler handler);
 // For the one object, before its class's handler, as long as it lives.
 void handleEvent(const Value& object, std::string_view event, EventHandler handler);
 

@@ -2,6 +2,7 @@
 
 #include "host/classes.h"
 #include "host/events.h"
+#include "host/exceptions.h"
 #include "host/strings.h"
 
 #include <cstdio>
@@ -15,6 +16,7 @@ namespace {
 
 void destroy(REALobject object) {
   HostClass& objectClass = classOf(object);
+  const PluginScope scope;
   for (const HostClass* owner = &objectClass; owner != nullptr; owner = owner->superclass) {
     if (owner->definition->destructor == nullptr) continue;
     // A destructor hands its object to code that may take and drop references to it.
