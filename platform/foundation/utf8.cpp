@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -11,36 +12,39 @@ using foundation::isHighSurrogate;
 using foundation::isLowSurrogate;
 using foundation::isSurrogate;
 
-// Runs of ASCII, most of all text, go in blocks that the compiler turns into a few vector instructions.
+// Runs of ASCII, most of all text, go in blocks: a few vector instructions each. What follows a block that isn't ASCII
+// alone goes one by one for as long before the next block is tried.
 constexpr std::size_t kBlock = 16;
+using ByteBlock = std::uint8_t __attribute__((vector_size(kBlock)));
+using UnitBlock = std::uint16_t __attribute__((vector_size(2 * kBlock)));
 
-bool isAsciiBlock(const unsigned char* bytes) {
-  unsigned char any = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) any |= bytes[i];
-  return any < 0x80;
+// Whether there is a block and all of its values are below 0x80; mask has the bits of a word of them that are not.
+template <class Block, class T>
+bool takeAsciiBlock(const T* in, const T* end, std::uint64_t mask, Block& block) {
+  if (end - in < static_cast<std::ptrdiff_t>(kBlock)) return false;
+  std::uint64_t words[sizeof block / sizeof mask];
+  std::memcpy(words, in, sizeof words);
+  std::uint64_t any = 0;
+  for (const std::uint64_t word : words) any |= word;
+  std::memcpy(&block, in, sizeof block);
+  return (any & mask) == 0;
 }
 
-bool isAsciiBlock(const char16_t* units) {
-  std::uint16_t any = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) any |= units[i];
-  return any < 0x80;
+bool takeAsciiBlock(const unsigned char* in, const unsigned char* end, ByteBlock& block) {
+  return takeAsciiBlock(in, end, 0x8080808080808080, block);
+}
+
+bool takeAsciiBlock(const char16_t* in, const char16_t* end, UnitBlock& block) {
+  return takeAsciiBlock(in, end, 0xFF80FF80FF80FF80, block);
+}
+
+// Where the values that go one by one end.
+template <class T>
+const T* blockEnd(const T* in, const T* end) {
+  return end - in < static_cast<std::ptrdiff_t>(kBlock) ? end : in + kBlock;
 }
 
 bool isContinuation(unsigned char byte) { return (byte & 0xC0) == 0x80; }
-
-// How many units the bytes make if they are valid; never fewer than the decoder writes before it meets a fault.
-std::size_t countUnits(const unsigned char* bytes, const unsigned char* end) {
-  std::size_t count = 0;
-  for (; end - bytes >= static_cast<std::ptrdiff_t>(kBlock); bytes += kBlock) {
-    unsigned char units = 0;
-    for (std::size_t i = 0; i < kBlock; ++i) {
-      units = static_cast<unsigned char>(units + !isContinuation(bytes[i]) + (bytes[i] >= 0xF0));
-    }
-    count += units;
-  }
-  for (; bytes != end; ++bytes) count += static_cast<std::size_t>(!isContinuation(*bytes) + (*bytes >= 0xF0));
-  return count;
-}
 
 // A code point of two to four bytes, and how many they are; a length of 0 tells of bytes that are no UTF-8.
 struct Decoded {
@@ -65,103 +69,123 @@ Decoded decodeMultiByte(const unsigned char* bytes, std::size_t available) {
   return {};
 }
 
-// A code point's bytes; at most four are written.
-char* appendUtf8(char* out, char32_t c) {
+enum class Unpaired { kRefused, kReplaced };
+
+// The bytes of the units before stop (a pair may end after it), without a check of the room; answers the end of the
+// bytes, null at an unpaired surrogate that is refused.
+template <Unpaired kUnpaired>
+char* encodeUnits(const char16_t*& in, const char16_t* stop, const char16_t* end, char* out) {
   const auto put = [&out](char32_t byte) { *out++ = static_cast<char>(byte); };
-  if (c < 0x80) {
-    put(c);
-  } else if (c < 0x800) {
-    put(0xC0 | c >> 6);
-    put(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    put(0xE0 | c >> 12);
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
-  } else {
-    put(0xF0 | c >> 18);
-    put(0x80 | (c >> 12 & 0x3F));
-    put(0x80 | (c >> 6 & 0x3F));
-    put(0x80 | (c & 0x3F));
+  while (in < stop) {
+    char32_t c = *in++;
+    if (c < 0x80) {
+      put(c);
+    } else if (c < 0x800) {
+      put(0xC0 | c >> 6);
+      put(0x80 | (c & 0x3F));
+    } else if (isHighSurrogate(c) && in != end && isLowSurrogate(*in)) {
+      c = foundation::fromSurrogates(static_cast<char16_t>(c), *in++);
+      put(0xF0 | c >> 18);
+      put(0x80 | (c >> 12 & 0x3F));
+      put(0x80 | (c >> 6 & 0x3F));
+      put(0x80 | (c & 0x3F));
+    } else {
+      if (isSurrogate(c)) {
+        if constexpr (kUnpaired == Unpaired::kRefused) return nullptr;
+        c = 0xFFFD;
+      }
+      put(0xE0 | c >> 12);
+      put(0x80 | (c >> 6 & 0x3F));
+      put(0x80 | (c & 0x3F));
+    }
   }
   return out;
 }
 
-constexpr std::size_t utf8Length(char32_t c) { return c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4; }
-
-struct Lossy {
-  static constexpr bool kReplaces = true;
-};
-struct Strict {
-  static constexpr bool kReplaces = false;
-};
-
-template <class Policy>
+template <Unpaired kUnpaired>
 std::optional<std::size_t> encode(std::u16string_view units, char* buffer, std::size_t capacity) {
   const char16_t* in = units.data();
   const char16_t* const end = in + units.size();
   char* out = buffer;
   char* const limit = buffer + capacity;
   while (in != end) {
-    if (end - in >= static_cast<std::ptrdiff_t>(kBlock) && limit - out >= static_cast<std::ptrdiff_t>(kBlock) &&
-        isAsciiBlock(in)) {
-      for (std::size_t i = 0; i < kBlock; ++i) out[i] = static_cast<char>(in[i]);
+    UnitBlock block;
+    if (limit - out >= static_cast<std::ptrdiff_t>(kBlock) && takeAsciiBlock(in, end, block)) {
+      const ByteBlock bytes = __builtin_convertvector(block, ByteBlock);
+      std::memcpy(out, &bytes, sizeof bytes);
       in += kBlock;
       out += kBlock;
       continue;
     }
-    char32_t c = *in++;
-    if (isSurrogate(c)) {
-      if (isHighSurrogate(c) && in != end && isLowSurrogate(*in)) {
-        c = foundation::fromSurrogates(static_cast<char16_t>(c), *in++);
-      } else if constexpr (Policy::kReplaces) {
-        c = 0xFFFD;
-      } else {
-        return std::nullopt;
-      }
+    char aside[4 * kBlock];  // where room is short the bytes are made here first
+    const bool roomy = limit - out >= static_cast<std::ptrdiff_t>(sizeof aside);
+    char* const start = roomy ? out : aside;
+    const char* const made = encodeUnits<kUnpaired>(in, blockEnd(in, end), end, start);
+    if (made == nullptr) return std::nullopt;
+    const std::ptrdiff_t count = made - start;
+    if (!roomy) {
+      if (limit - out < count) return std::nullopt;
+      std::memcpy(out, aside, static_cast<std::size_t>(count));
     }
-    if (static_cast<std::size_t>(limit - out) < utf8Length(c)) return std::nullopt;
-    out = appendUtf8(out, c);
+    out += count;
   }
   return static_cast<std::size_t>(out - buffer);
+}
+
+// Writes no more units than there are bytes, and answers how many.
+std::optional<std::size_t> decode(std::string_view text, char16_t* units) {
+  const auto* in = reinterpret_cast<const unsigned char*>(text.data());
+  const unsigned char* const end = in + text.size();
+  char16_t* out = units;
+  while (in != end) {
+    ByteBlock block;
+    if (takeAsciiBlock(in, end, block)) {
+      const UnitBlock widened = __builtin_convertvector(block, UnitBlock);
+      std::memcpy(out, &widened, sizeof widened);
+      in += kBlock;
+      out += kBlock;
+      continue;
+    }
+    for (const unsigned char* const stop = blockEnd(in, end); in < stop;) {
+      if (*in < 0x80) {
+        *out++ = *in++;
+        continue;
+      }
+      const Decoded decoded = decodeMultiByte(in, static_cast<std::size_t>(end - in));
+      if (decoded.length == 0) return std::nullopt;
+      in += decoded.length;
+      if (decoded.codePoint < 0x10000) {
+        *out++ = static_cast<char16_t>(decoded.codePoint);
+      } else {
+        *out++ = foundation::highSurrogate(decoded.codePoint);
+        *out++ = foundation::lowSurrogate(decoded.codePoint);
+      }
+    }
+  }
+  return static_cast<std::size_t>(out - units);
 }
 
 }  // namespace
 
 std::optional<std::u16string> foundation::decodeUtf8(std::string_view text) {
-  const auto* in = reinterpret_cast<const unsigned char*>(text.data());
-  const unsigned char* const end = in + text.size();
-  std::u16string units(countUnits(in, end), u'\0');
-  char16_t* out = units.data();
-  while (in != end) {
-    if (end - in >= static_cast<std::ptrdiff_t>(kBlock) && isAsciiBlock(in)) {
-      for (std::size_t i = 0; i < kBlock; ++i) out[i] = in[i];
-      in += kBlock;
-      out += kBlock;
-      continue;
-    }
-    if (*in < 0x80) {
-      *out++ = *in++;
-      continue;
-    }
-    const Decoded decoded = decodeMultiByte(in, static_cast<std::size_t>(end - in));
-    if (decoded.length == 0) return std::nullopt;
-    in += decoded.length;
-    if (decoded.codePoint < 0x10000) {
-      *out++ = static_cast<char16_t>(decoded.codePoint);
-    } else {
-      *out++ = highSurrogate(decoded.codePoint);
-      *out++ = lowSurrogate(decoded.codePoint);
-    }
+  if (char16_t buffer[256]; text.size() <= std::size(buffer)) {
+    const auto count = decode(text, buffer);
+    return count ? std::optional(std::u16string(buffer, *count)) : std::nullopt;
   }
+  std::optional units(std::u16string(text.size(), u'\0'));
+  const auto count = decode(text, units->data());
+  if (!count) return std::nullopt;
+  units->resize(*count);
+  units->shrink_to_fit();
   return units;
 }
 
 std::optional<std::size_t> foundation::encodeUtf8(std::u16string_view units, char* buffer, std::size_t capacity) {
-  return encode<Strict>(units, buffer, capacity);
+  return encode<Unpaired::kRefused>(units, buffer, capacity);
 }
 
 std::string foundation::encodeUtf8Lossily(std::u16string_view units) {
   std::string bytes(3 * units.size(), '\0');
-  bytes.resize(*encode<Lossy>(units, bytes.data(), bytes.size()));
+  bytes.resize(*encode<Unpaired::kReplaced>(units, bytes.data(), bytes.size()));
   return bytes;
 }

@@ -62,8 +62,8 @@ TEST(Normalization, PassesUnicodesTest) {
       columns.push_back(parse(column));
     }
     ASSERT_EQ(columns.size(), 5U) << line;
-    for (const std::size_t from : {0, 1, 2}) EXPECT_EQ(decomposed(columns[from]), columns[2]) << line;
-    for (const std::size_t from : {3, 4}) EXPECT_EQ(decomposed(columns[from]), columns[4]) << line;
+    for (const std::size_t from : {0U, 1U, 2U}) EXPECT_EQ(decomposed(columns[from]), columns[2]) << line;
+    for (const std::size_t from : {3U, 4U}) EXPECT_EQ(decomposed(columns[from]), columns[4]) << line;
     if (part == "@Part1") listed.insert(columns[0]);
     ++cases;
   }

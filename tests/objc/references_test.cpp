@@ -119,7 +119,8 @@ TEST_F(ReferencesTest, PoolObjectsPushAndPop) {
 }
 
 TEST_F(ReferencesTest, ImmortalObjectsAreNeitherFreedNorCounted) {
-  NSObject object = make().leak();
+  static NSObject object;  // still reachable at the end
+  object = make().leak();
   objc_makeImmortal(object.get());
   EXPECT_EQ(things(), 0);
   for (int i = 0; i < 3; ++i) objc_release(object.get());
