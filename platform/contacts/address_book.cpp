@@ -2,6 +2,7 @@
 
 #include "platform/contacts/database.h"
 #include "platform/contacts/load.h"
+#include "platform/contacts/preferences.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/exception.h"
@@ -88,6 +89,10 @@ ABAddressBook makeAddressBook(Class) {
   return newBook(state).autorelease();
 }
 
+NSInteger defaultOrdering(ABAddressBook) { return defaultNameOrdering(); }
+
+NSString defaultCountry(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
+
 }  // namespace
 
 void registerAddressBook() {
@@ -96,7 +101,9 @@ void registerAddressBook() {
       .classMethod<&makeAddressBook>("addressBook")
       .method<&AddressBookObject::people>("people")
       .method<&AddressBookObject::groups>("groups")
-      .method<&AddressBookObject::recordForUniqueId>("recordForUniqueId:");
+      .method<&AddressBookObject::recordForUniqueId>("recordForUniqueId:")
+      .method<&defaultOrdering>("defaultNameOrdering")
+      .method<&defaultCountry>("defaultCountryCode");
 }
 
 }  // namespace contacts
