@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // One function a subcommand. They print to the standard output and throw host::Error or host::HostException when they
 // can't do their work.
@@ -9,7 +10,7 @@ namespace contacts {
 // Every person, one display name a line, in the order of the address book.
 void listPeople();
 
-// Every member of the class as the host sees it; for an empty name the classes that the plug-in registered.
-void describeClasses(const std::string& className);
+// Every member of the class as the host sees it.
+void describeClass(const std::string& className);
 
 }  // namespace contacts

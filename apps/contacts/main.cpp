@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <iostream>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -47,9 +48,13 @@ int main(int argc, char** argv) {
 
   try {
     if (!folder.empty()) setenv("ADDRESSBOOK_FOLDER", folder.c_str(), 1);
-    contacts::startHost();
+    const std::vector<std::string> registered = contacts::startHost();
     if (*list) contacts::listPeople();
-    if (*classes) contacts::describeClasses(className);
+    if (*classes && className.empty()) {
+      for (const std::string& name : registered) std::cout << name << '\n';
+    } else if (*classes) {
+      contacts::describeClass(className);
+    }
   } catch (const host::HostException& exception) {
     return fail(reasonOf(exception));
   } catch (const host::Error& error) {

@@ -2,11 +2,14 @@
 
 #include "host/value.h"
 
+#include <string>
+#include <vector>
+
 namespace contacts {
 
-// Starts the host and loads the frameworks and the plug-in that lie beside the program. Throws host::Error when there
-// is no plug-in.
-void startHost();
+// Starts the host and loads the frameworks and the plug-in that lie beside the program; answers the names of the
+// classes that the plug-in registered. Throws host::Error when there is no plug-in.
+std::vector<std::string> startHost();
 
 // The shared address book. Throws host::HostException, whose object says why, when the contacts can't be opened.
 host::Value openAddressBook();

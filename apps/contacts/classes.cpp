@@ -1,0 +1,30 @@
+#include "apps/contacts/commands.h"
+#include "host/describe.h"
+
+#include <iostream>
+
+namespace contacts {
+
+namespace {
+
+void printMembers(const char* kind, const std::vector<std::string>& members) {
+  if (members.empty()) return;
+  std::cout << '\n' << kind << '\n';
+  for (const std::string& member : members) std::cout << "  " << member << '\n';
+}
+
+}  // namespace
+
+void describeClass(const std::string& className) {
+  const host::ClassDescription description = host::describe(className);
+  std::cout << description.name;
+  if (!description.superName.empty()) std::cout << " inherits " << description.superName;
+  std::cout << '\n';
+  printMembers("Constants", description.constants);
+  printMembers("Shared methods", description.sharedMethods);
+  printMembers("Properties", description.properties);
+  printMembers("Methods", description.methods);
+  printMembers("Events", description.events);
+}
+
+}  // namespace contacts
