@@ -44,7 +44,7 @@ TEST(Guard, TurnsAFrameworkExceptionIntoAPendingHostException) {
   EXPECT_EQ(pending->object().get("Name"), "Name");
   EXPECT_EQ(pending->object().get("Reason"), "the reason");
   ASSERT_EQ(logged.size(), 1U);
-  EXPECT_EQ(logged[0], "A Name: the reason, Info: (null)\n");
+  EXPECT_EQ(logged[0], "A Name: the reason, Info: (null)");
 }
 
 TEST(Guard, LeavesUnsetWhatTheExceptionLacks) {
@@ -70,7 +70,7 @@ namespace {
 void runWithoutExceptionClass() {
   const Host host{.foreignClasses = false,
                   .messageBox = [](const std::string& text) { std::fprintf(stderr, "box: %s\n", text.c_str()); }};
-  NSSetLogHook([](NSString message) { std::fprintf(stderr, "log: %s", message.UTF8String()); });
+  NSSetLogHook([](NSString message) { std::fprintf(stderr, "log: %s\n", message.UTF8String()); });
   guard([] { raise("the reason"_ns); });
 }
 

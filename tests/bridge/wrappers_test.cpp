@@ -32,6 +32,7 @@ std::string className(REALobject object) { return host::Value::share(object).typ
 
 TEST(Wrappers, AreOneForEachObjectWhileTheyLive) {
   const Host host{.contacts = kPeopleAndGroup};
+  CocoaInit();
   const auto first = adoptHost(NewABPersonVXR(firstPerson()));
   const auto second = adoptHost(NewABPersonVXR(firstPerson()));
   EXPECT_EQ(first.get(), second.get());
@@ -43,6 +44,7 @@ TEST(Wrappers, AreOneForEachObjectWhileTheyLive) {
 
 TEST(Wrappers, LeaveTheRegistryWhenTheyGo) {
   const Host host{.contacts = kPeopleAndGroup};
+  CocoaInit();
   adoptHost(NewABPersonVXR(firstPerson()));
   EXPECT_EQ(FindInstance(firstPerson()), nullptr);
   const auto again = adoptHost(NewABPersonVXR(firstPerson()));
@@ -103,6 +105,7 @@ TEST(Wrappers, OfASubclassFallBackToTheSuperclass) {
 
 TEST(WrapperArrays, KeepOrderAndLength) {
   const Host host{.contacts = kPeopleAndGroup};
+  CocoaInit();
   const auto known = adoptHost(NewABPersonVXR(firstPerson()));
   const auto records = adoptHost(REALCreateArrayObject(-1));
   FillABRecordArray(records.get(), NSArray::arrayWithObjects({firstGroup(), "neither"_ns, firstPerson()}));
