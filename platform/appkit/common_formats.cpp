@@ -1,3 +1,4 @@
+#include "platform/appkit/jpeg_check.h"
 #include "platform/appkit/pixels.h"
 
 #include <cstdlib>
@@ -8,13 +9,16 @@ namespace {
 // The decoder's largest honest need is a picture with two bytes a sample; data that inflates to more is hostile.
 constexpr std::size_t kLargestBlock = appkit::kMostPixels * 8 + (std::size_t{1} << 20);
 
+// Zeroed, because the decoder looks into tables that broken data never defined.
+void* limitedAlloc(std::size_t size) { return size <= kLargestBlock ? std::calloc(1, size) : nullptr; }
+
 void* limitedRealloc(void* block, std::size_t size) {
   return size <= kLargestBlock ? std::realloc(block, size) : nullptr;
 }
 
 }  // namespace
 
-#define STBI_MALLOC(size) limitedRealloc(nullptr, size)
+#define STBI_MALLOC(size) limitedAlloc(size)
 #define STBI_REALLOC(block, size) limitedRealloc(block, size)
 #define STBI_FREE(block) std::free(block)
 #define STBI_ASSERT(condition) static_cast<void>(0)
@@ -29,6 +33,7 @@ void* limitedRealloc(void* block, std::size_t size) {
 #include <stb/stb_image.h>
 
 std::optional<appkit::Pixels> appkit::decodeCommonFormats(std::span<const std::uint8_t> data) {
+  if (!hasSoundCodeTables(data)) return std::nullopt;
   const int length = static_cast<int>(data.size());
   int width = 0;
   int height = 0;
