@@ -1,0 +1,71 @@
+#include "host/declarations.h"
+
+#include "host/error.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using host::Declaration;
+using host::parseDeclaration;
+using host::TypeKind;
+
+TEST(Declarations, ReadParametersTypesAndResults) {
+  const Declaration declaration = parseDeclaration(
+      "searchElementForConjunction(conjunction as integer, children() as ABSearchElementVXR, byref error as "
+      "NSErrorVXR, Assigns _value As Variant) as ABPersonVXR()");
+  EXPECT_EQ(declaration.name, "searchElementForConjunction");
+  ASSERT_EQ(declaration.parameters.size(), 4U);
+  EXPECT_EQ(declaration.parameters[0].type.kind, TypeKind::integer);
+  EXPECT_EQ(declaration.parameters[1].name, "children");
+  EXPECT_EQ(declaration.parameters[1].type.text(), "ABSearchElementVXR()");
+  EXPECT_TRUE(declaration.parameters[2].isByReference);
+  EXPECT_EQ(declaration.parameters[3].name, "_value");
+  EXPECT_TRUE(declaration.parameters[3].isAssigned);
+  EXPECT_EQ(declaration.parameters[3].type.kind, TypeKind::variant);
+  EXPECT_EQ(declaration.result.text(), "ABPersonVXR()");
+
+  EXPECT_TRUE(parseDeclaration("Create").parameters.empty());
+  EXPECT_EQ(parseDeclaration("Create").result.kind, TypeKind::none);
+  EXPECT_EQ(parseDeclaration("LenB( s as string ) as integer").parameters[0].name, "s");
+  EXPECT_TRUE(parseDeclaration("Properties as string()").result.isArray);
+}
+
+TEST(Declarations, AreTheSameWhateverTheirParametersAreCalled) {
+  const auto same = [](const char* a, const char* b) {
+    return host::sameSignature(parseDeclaration(a), parseDeclaration(b));
+  };
+  EXPECT_TRUE(same("Value(key As Variant) As Variant", "value( k as VARIANT ) as variant"));
+  EXPECT_FALSE(same("Value(key As Variant, Assigns v As Variant)", "Value(key As Variant, v As Variant)"));
+  EXPECT_FALSE(same("Value(key As Variant) As Variant", "Value(key As Variant)"));
+  EXPECT_FALSE(same("list(a() as string)", "list(a as string)"));
+  EXPECT_FALSE(same("change(byref a as Integer)", "change(a as Integer)"));
+}
+
+TEST(Declarations, ReadConstantsInBothNotations) {
+  EXPECT_EQ(host::parseConstant("kABMultiValueMask = &h100").value, 0x100);
+  EXPECT_EQ(host::parseConstant("kABNameOrderingMask = &h38").name, "kABNameOrderingMask");
+  EXPECT_EQ(host::parseConstant("ABAddRecordsError = 1001").value, 1001);
+  EXPECT_EQ(host::parseConstant("minus = -5").value, -5);
+}
+
+TEST(Declarations, SayWhereTheyAreWrong) {
+  const auto error = [](const char* text) -> std::string {
+    try {
+      parseDeclaration(text);
+    } catch (const host::Error& thrown) {
+      return thrown.what();
+    }
+    return "read";
+  };
+  EXPECT_EQ(error("people as"), "host: declaration \"people as\": expected a name at character 10");
+  EXPECT_EQ(error("f(a as integer"), "host: declaration \"f(a as integer\": expected \")\" at character 15");
+  EXPECT_EQ(error("f(a)"), "host: declaration \"f(a)\": expected \"as\" at character 4");
+  EXPECT_EQ(error("f as string x"), "host: declaration \"f as string x\": expected the end at character 13");
+  EXPECT_THROW(host::parseConstant("kABEqual = many"), host::Error);
+}
+
+}  // namespace

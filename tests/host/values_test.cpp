@@ -1,0 +1,353 @@
+#include "host/arrays.h"
+#include "host/dates.h"
+#include "host/dictionaries.h"
+#include "host/folder_items.h"
+#include "host/memory_blocks.h"
+#include "host/variants.h"
+#include "platform/carbon/files.h"
+#include "tests/host/entry.h"
+#include "tests/kit/host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+#include <string>
+#include <vector>
+
+// Variants, arrays and the host's own classes, through the services and methods that a plug-in uses.
+namespace {
+
+using host::array;
+using host::ElementType;
+using host::ObjectRef;
+using host::Value;
+
+class Values : public ::testing::Test {
+ protected:
+  template <class Out>
+  static Out read(const char* service, const Value& object, const char* property) {
+    Out out{};
+    EXPECT_TRUE(entry<bool(REALobject, const char*, Out*)>(service)(object.object(), property, &out)) << property;
+    return out;
+  }
+  static Value readString(const Value& object, const char* property) {
+    return Value::adopt(read<REALstring>("REALGetPropValueString", object, property));
+  }
+  static Value readObject(const Value& object, const char* property) {
+    return Value::adopt(read<REALobject>("REALGetPropValueObject", object, property));
+  }
+
+  Host host_{.plugin = false};
+};
+
+template <class Scalar>
+ObjectRef variant(const char* service, Scalar value) {
+  return ObjectRef::adopt(entry<REALvariant(Scalar)>(service)(value));
+}
+
+TEST_F(Values, InVariantsHaveTheirTypesCodes) {
+  auto* varType = reinterpret_cast<std::int32_t (*)(REALvariant)>(
+      entry<void*(void*, const char*)>("REALLoadGlobalMethod")(nullptr, "VarType(value As Variant) As Int32"));
+  const Value string = "text";
+  const std::pair<ObjectRef, std::int32_t> cases[] = {
+      {variant<std::int32_t>("Int32ToVariant", 1), 2},
+      {variant<std::uint32_t>("UInt32ToVariant", 1), 3},
+      {variant<std::int64_t>("Int64ToVariant", 1), 3},
+      {variant<std::uint64_t>("UInt64ToVariant", 1), 3},
+      {variant<float>("SingleToVariant", 1), 4},
+      {variant<double>("DoubleToVariant", 1), 5},
+      {variant<REALstring>("StringToVariant", string.string()), 8},
+      {variant<bool>("BooleanToVariant", true), 11},
+      {ObjectRef::share(host::date(2012, 7, 14).object()), 7},
+      {ObjectRef::share(host::dictionary({}).object()), 9},
+      {ObjectRef::share(array(ElementType::int32, {1}).object()), 0x1002},
+      {ObjectRef::share(array(ElementType::int64, {1}).object()), 0x1003},
+      {ObjectRef::share(array(ElementType::single, {1}).object()), 0x1004},
+      {ObjectRef::share(array(ElementType::real, {1}).object()), 0x1005},
+      {ObjectRef::share(array(ElementType::date, {host::date(1, 1, 1)}).object()), 0x1007},
+      {ObjectRef::share(array(ElementType::string, {"a"}).object()), 0x1008},
+      {ObjectRef::share(array(ElementType::object, {1}).object()), 0x1009},
+      {ObjectRef::share(array(ElementType::boolean, {true}).object()), 0x100B},
+      {ObjectRef::share(host::variantOfType(6, 1).object()), 6},
+      {ObjectRef(), 0},
+  };
+  for (const auto& [held, code] : cases) {
+    EXPECT_EQ(varType(held.get()), code);
+    if (!held) continue;
+    EXPECT_EQ(read<std::int32_t>("REALGetPropValueInt", Value(held), "Type"), code);
+  }
+}
+
+TEST_F(Values, ComeBackFromVariantsAsTheyWent) {
+  const Value date = host::date(2012, 7, 14);
+  for (const Value& value :
+       {Value(-1), Value(0xFFFFFFFFU), Value(std::numeric_limits<std::int64_t>::min()),
+        Value(std::numeric_limits<std::uint64_t>::max()), Value(0.5F), Value(0.1), Value(true), Value("text"), date}) {
+    const Value back = host::fromVariant(ObjectRef::adopt(host::newVariant(value)));
+    EXPECT_EQ(back, value);
+    EXPECT_EQ(back.typeName(), value.typeName());
+  }
+  // One that says it is something else stays what it is.
+  const Value odd = host::variantOfType(16, 5);
+  EXPECT_EQ(host::fromVariant(ObjectRef::share(odd.object())), odd);
+}
+
+TEST_F(Values, InVariantsConvertAsTheLanguageDoes) {
+  struct Case {
+    Value value;
+    std::string text;
+    std::int32_t int32;
+    std::int64_t int64;
+    double real;
+  };
+  const Case cases[] = {
+      {-5, "-5", -5, -5, -5},
+      {true, "True", 1, 1, 1},
+      {2.75, "2.75", 2, 2, 2.75},
+      {1e30, "1e+30", std::numeric_limits<std::int32_t>::max(), std::numeric_limits<std::int64_t>::max(), 1e30},
+      {std::int64_t{1} << 40, "1099511627776", std::numeric_limits<std::int32_t>::max(), std::int64_t{1} << 40,
+       1099511627776.0},
+      {"12.5 apples", "12.5 apples", 12, 12, 12.5},
+      {"none", "none", 0, 0, 0},
+      {host::date(2012, 7, 4, 9, 5, 7), "2012-07-04 09:05:07", 0, 0, 0},
+  };
+  for (const auto& [value, text, int32, int64, real] : cases) {
+    const Value variant = ObjectRef::adopt(host::newVariant(value));
+    const auto boxed = ObjectRef::adopt(host::newVariant(value));
+    const REALvariant raw = boxed.get();
+    EXPECT_EQ(Value::adopt(entry<REALstring(REALvariant)>("VariantToString")(raw)), text);
+    EXPECT_EQ(entry<std::int32_t(REALvariant)>("VariantToInt32")(raw), int32);
+    EXPECT_EQ(entry<std::int64_t(REALvariant)>("VariantToInt64")(raw), int64);
+    EXPECT_EQ(entry<double(REALvariant)>("VariantToDouble")(raw), real);
+    EXPECT_EQ(entry<float(REALvariant)>("VariantToSingle")(raw), static_cast<float>(real));
+    EXPECT_EQ(readString(variant, "StringValue"), text);
+    EXPECT_EQ(read<std::int32_t>("REALGetPropValueInt", variant, "Int32Value"), int32);
+    EXPECT_EQ(read<std::int64_t>("REALGetPropValueInt64", variant, "LongValue"), int64);
+    EXPECT_EQ(read<float>("REALGetPropValueSingle", variant, "SingleValue"), static_cast<float>(real));
+    EXPECT_EQ(read<double>("REALGetPropValueDouble", variant, "DoubleValue"), real);
+  }
+}
+
+TEST_F(Values, ThatAreObjectsAreTheirOwnVariants) {
+  const Value date = host::date(2012, 7, 14);
+  EXPECT_EQ(readObject(date, "DateValue"), date);
+  const Value dictionary = host::dictionary({});
+  EXPECT_EQ(readObject(dictionary, "ObjectValue"), dictionary);
+  EXPECT_TRUE(readObject(dictionary, "DateValue").isNil());
+  const Value number = ObjectRef::adopt(host::newVariant(1));
+  EXPECT_TRUE(readObject(number, "ObjectValue").isNil());
+}
+
+TEST_F(Values, AreReadOnlyAsWhatTheyAre) {
+  const Value date = host::date(2012, 7, 14);
+  std::int32_t number = 7;
+  REALstring string = nullptr;
+  auto* readInt = entry<bool(REALobject, const char*, std::int32_t*)>("REALGetPropValueInt");
+  auto* readText = entry<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString");
+  EXPECT_FALSE(readInt(date.object(), "StringValue", &number));
+  EXPECT_FALSE(readInt(date.object(), "Unheard", &number));
+  EXPECT_FALSE(readInt(nullptr, "Year", &number));
+  EXPECT_FALSE(readText(date.object(), "Year", &string));
+  EXPECT_EQ(number, 7);
+  auto* writeInt = entry<bool(REALobject, const char*, std::int32_t)>("REALSetPropValueInt");
+  auto* writeText = entry<bool(REALobject, const char*, REALstring)>("REALSetPropValueString");
+  EXPECT_TRUE(writeInt(date.object(), "year", 2013));
+  EXPECT_EQ(date.get("Year"), 2013);
+  EXPECT_FALSE(writeInt(date.object(), "Type", 1));
+  EXPECT_FALSE(writeText(date.object(), "Year", nullptr));
+}
+
+TEST_F(Values, ThatAreLackingCannotBeRead) {
+  const Value date = host::date(2012, 7, 14);
+  std::int32_t minute = 0;
+  auto* readInt = entry<bool(REALobject, const char*, std::int32_t*)>("REALGetPropValueInt");
+  host::options().without = {"Date.Minute"};
+  EXPECT_FALSE(readInt(date.object(), "Minute", &minute));
+  EXPECT_TRUE(readInt(date.object(), "Hour", &minute));
+  host::options().without = {};
+  EXPECT_TRUE(readInt(date.object(), "Minute", &minute));
+}
+
+template <class Element>
+std::vector<Element> readDirectly(const Value& array) {
+  auto* raw = static_cast<REALarray>(array.object());
+  auto* getter = entry<Element (*(REALarray))(REALarray, REALinteger)>("RuntimeArrayDirectGetGetProc")(raw);
+  std::vector<Element> elements;
+  for (REALinteger i = 0; i <= entry<REALinteger(REALarray)>("RuntimeUBound")(raw); ++i) {
+    elements.push_back(getter(raw, i));
+  }
+  return elements;
+}
+
+TEST_F(Values, InArraysAreReadDirectly) {
+  EXPECT_EQ(readDirectly<std::int32_t>(array(ElementType::int32, {1, -2})), (std::vector<std::int32_t>{1, -2}));
+  EXPECT_EQ(readDirectly<std::int64_t>(array(ElementType::int64, {1, std::int64_t{1} << 40})),
+            (std::vector<std::int64_t>{1, std::int64_t{1} << 40}));
+  EXPECT_EQ(readDirectly<float>(array(ElementType::single, {0.5F, 2})), (std::vector<float>{0.5F, 2}));
+  EXPECT_EQ(readDirectly<double>(array(ElementType::real, {0.1})), std::vector<double>{0.1});
+  EXPECT_EQ(readDirectly<std::int32_t>(array(ElementType::boolean, {true, false})), (std::vector<std::int32_t>{1, 0}));
+  EXPECT_EQ(readDirectly<REALstring>(host::stringArray({})).size(), 0U);
+}
+
+TEST_F(Values, InArraysLieInTheirStorage) {
+  const Value array = host::array(ElementType::int32, {10, 20, 30, 40, 50});
+  const auto* record = reinterpret_cast<const REALarrayRecord*>(array.object());
+  EXPECT_EQ(static_cast<const std::int32_t*>(record->storage)[4], 50);
+  // There is always something to read at index 0.
+  const Value empty = host::stringArray({});
+  EXPECT_EQ(*static_cast<REALstring*>(reinterpret_cast<const REALarrayRecord*>(empty.object())->storage), nullptr);
+}
+
+TEST_F(Values, ArraysOfReferencesAreFilledByInsertion) {
+  auto* create = entry<REALarray(std::int32_t, REALinteger)>("RuntimeArrayCreateSingleDimBoundedArray");
+  const auto made = ObjectRef::adopt(create(kArrayOfStrings, -1));
+  auto* raw = static_cast<REALarray>(made.get());
+  auto* insert = entry<void (*(REALarray))(REALarray, REALinteger, REALstring)>("RuntimeArrayDirectGetInsertProc")(raw);
+  for (const char* text : {"c", "b", "a"}) insert(raw, 0, Value(text).string());
+  insert(raw, 3, nullptr);
+  insert(raw, 9, Value("lost").string());
+  EXPECT_EQ(Value(made).elements(), (std::vector<Value>{"a", "b", "c", ""}));
+  auto* readString = entry<REALstring(REALarray, REALinteger)>("RuntimeDirectReadStringArray");
+  EXPECT_EQ(Value::adopt(readString(raw, 1)), "b");
+  EXPECT_EQ(readString(raw, 4), nullptr);
+  EXPECT_EQ(readString(raw, -1), nullptr);
+
+  const Value date = host::date(2012, 7, 14);
+  const Value objects = host::objectArray({date, nullptr, 5});
+  auto* readObject = entry<REALobject(REALarray, REALinteger)>("RuntimeDirectReadObjectArray");
+  EXPECT_EQ(Value::adopt(readObject(static_cast<REALarray>(objects.object()), 0)), date);
+  EXPECT_EQ(objects.at(2), 5);
+  EXPECT_EQ(create(99, -1), nullptr);
+  EXPECT_EQ(create(kArrayOfObjects, -2), nullptr);
+  EXPECT_EQ(Value::adopt(create(kArrayOfObjects, 2)).size(), 3U);
+}
+
+TEST_F(Values, AreKeptInDictionariesInOrder) {
+  const Value dictionary = host::newObject("Dictionary");
+  dictionary.assign("Value", "b", 1);
+  dictionary.assign("Value", 2, "two");
+  dictionary.assign("Value", "b", 3);
+  EXPECT_EQ(dictionary.get("Count"), 2);
+  EXPECT_EQ(dictionary.call("Key", 0), "b");
+  EXPECT_EQ(dictionary.call("Value", "b"), 3);
+  EXPECT_EQ(dictionary.call("Value", 2.0), "two");
+  EXPECT_EQ(dictionary.call("HasKey", "B"), false);
+  EXPECT_EQ(thrownBy([&] { dictionary.call("Value", "c"); }), "KeyNotFoundException: The dictionary has no such key.");
+  dictionary.call("Remove", "b");
+  EXPECT_EQ(dictionary.call("Key", 0), 2);
+  EXPECT_EQ(dictionary.call("Value", 2), "two");
+  EXPECT_EQ(thrownBy([&] { dictionary.call("Key", 1); }),
+            "OutOfBoundsException: The dictionary has no key at that index.");
+}
+
+TEST_F(Values, InDictionariesAreReachedThroughLoadedMethods) {
+  const Value dictionary = host::dictionary({{"key", nullptr}});
+  auto* load = entry<void*(REALobject, const char*)>("REALLoadObjectMethod");
+  auto* set = reinterpret_cast<void (*)(REALobject, REALvariant, REALvariant)>(
+      load(dictionary.object(), "Value(key As Variant, Assigns _value As Variant)"));
+  auto* get = reinterpret_cast<REALvariant (*)(REALobject, REALvariant)>(
+      load(dictionary.object(), "Value(key As Variant) As Variant"));
+  auto* key = reinterpret_cast<REALvariant (*)(REALobject, REALinteger)>(
+      load(dictionary.object(), "Key(index As Integer) As Variant"));
+  const auto name = ObjectRef::adopt(key(dictionary.object(), 0));
+  EXPECT_EQ(get(dictionary.object(), name.get()), nullptr);
+  const auto number = ObjectRef::adopt(host::newVariant(4));
+  set(dictionary.object(), name.get(), number.get());
+  EXPECT_EQ(dictionary.call("Value", "key"), 4);
+
+  host::options().without = {"Dictionary.Key", "Dictionary.Count"};
+  EXPECT_EQ(load(dictionary.object(), "Key(index As Integer) As Variant"), nullptr);
+  std::int32_t count = 0;
+  EXPECT_FALSE(
+      entry<bool(REALobject, const char*, std::int32_t*)>("REALGetPropValueInt")(dictionary.object(), "Count", &count));
+}
+
+TEST_F(Values, InMemoryBlocksAreBytes) {
+  auto* create = entry<REALmemoryBlock(REALinteger)>("newMemoryBlock");
+  auto* address = entry<void*(REALmemoryBlock)>("memoryBlockGetPtr");
+  const Value block = Value::adopt(create(3));
+  auto* raw = static_cast<REALmemoryBlock>(block.object());
+  std::memcpy(address(raw), "abc", 3);
+  EXPECT_EQ(host::bytesOf(block), "abc");
+  EXPECT_EQ(entry<REALinteger(REALmemoryBlock)>("memoryBlockGetSize")(raw), 3);
+  EXPECT_EQ(host::newObject("MemoryBlock", 5).get("Size"), 5);
+  EXPECT_EQ(create(-1), nullptr);
+  // Made by a plug-in by name, without a constructor.
+  const auto bare = ObjectRef::adopt(entry<REALobject(const char*)>("PluginNewInstance")("MemoryBlock"));
+  EXPECT_EQ(address(static_cast<REALmemoryBlock>(bare.get())), nullptr);
+}
+
+TEST_F(Values, AreRefusedWhenSetToFail) {
+  auto* create = entry<REALmemoryBlock(REALinteger)>("newMemoryBlock");
+  host::failMemoryBlock(2);
+  EXPECT_FALSE(Value::adopt(create(1)).isNil());
+  EXPECT_TRUE(Value::adopt(create(1)).isNil());
+  EXPECT_FALSE(Value::adopt(create(1)).isNil());
+  auto* instance = entry<REALobject(const char*)>("PluginNewInstance");
+  host::failNewInstance(1);
+  EXPECT_TRUE(Value::adopt(instance("Date")).isNil());
+  EXPECT_FALSE(Value::adopt(instance("Date")).isNil());
+}
+
+class FolderItems : public Values {
+ protected:
+  FolderItems() { std::ofstream(host_.folder() / "there") << "x"; }
+
+  static auto* fillRef() { return entry<bool(REALfolderItem, FSRef*, HFSUniStr255*)>("REALFSRefFromFolderItem"); }
+  static auto* raw(const Value& item) { return static_cast<REALfolderItem>(item.object()); }
+  static Value fromParent(const FSRef& parent, const HFSUniStr255& name) {
+    return Value::adopt(
+        entry<REALfolderItem(const FSRef*, const HFSUniStr255*)>("REALFolderItemFromParentFSRef")(&parent, &name));
+  }
+  static bool isThere(const Value& item, FSSpec* spec) {
+    return entry<bool(FSSpec*, REALfolderItem)>("REALFSSpecFromFolderItem")(spec, raw(item));
+  }
+};
+
+TEST_F(FolderItems, ThatExistHaveReferences) {
+  const Value item = host::folderItem(host_.folder() / "there");
+  FSRef ref;
+  ASSERT_TRUE(fillRef()(raw(item), &ref, nullptr));
+  FSSpec spec;
+  ASSERT_TRUE(isThere(item, &spec));
+  const Value again = Value::adopt(entry<REALfolderItem(const FSSpec*)>("FolderItemFromFSSpec")(&spec));
+  EXPECT_TRUE(std::filesystem::equivalent(host::pathOf(again), host_.folder() / "there"));
+  EXPECT_EQ(item.get("Exists"), true);
+  EXPECT_EQ(host::folderItem(host_.folder()).call("TrueItem", 1).get("NativePath"),
+            (host_.folder() / "there").string());
+}
+
+TEST_F(FolderItems, ThatDoNotExistAreANameInAFolder) {
+  const Value item = host::folderItem(host_.folder() / "missing ä");
+  FSRef parent;
+  HFSUniStr255 name;
+  FSSpec spec;
+  EXPECT_FALSE(fillRef()(raw(item), &parent, nullptr));
+  EXPECT_FALSE(isThere(item, &spec));
+  ASSERT_TRUE(fillRef()(raw(item), &parent, &name));
+  EXPECT_EQ(std::u16string_view(name.unicode, name.length), u"missing ä");
+  EXPECT_EQ(fromParent(parent, name).get("NativePath"), item.get("NativePath"));
+  EXPECT_FALSE(fillRef()(raw(host::folderItem("/no/such/folder/x")), &parent, &name));
+}
+
+TEST_F(FolderItems, AreFoundHoweverTheirNamesAreComposed) {
+  std::ofstream(host_.folder() / "\u00E4") << "x";
+  FSRef parent;
+  ASSERT_TRUE(fillRef()(raw(host::folderItem(host_.folder())), &parent, nullptr));
+  const HFSUniStr255 decomposed{2, {u'a', u'\u0308'}};
+  EXPECT_EQ(fromParent(parent, decomposed).get("NativePath"), (host_.folder() / "\u00E4").string());
+}
+
+TEST_F(FolderItems, ReachTheRoot) {
+  const Value root = host::folderItem("/");
+  FSSpec spec;
+  ASSERT_TRUE(isThere(root, &spec));
+  const Value again = Value::adopt(entry<REALfolderItem(const FSSpec*)>("FolderItemFromFSSpec")(&spec));
+  EXPECT_EQ(again.get("NativePath"), "/");
+}
+
+}  // namespace
