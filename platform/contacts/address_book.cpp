@@ -1,54 +1,22 @@
 #include "platform/contacts/address_book.h"
 
-#include "platform/contacts/database.h"
+#include "platform/contacts/address_book_object.h"
+#include "platform/contacts/errors.h"
 #include "platform/contacts/load.h"
-#include "platform/contacts/preferences.h"
-#include "platform/contacts/record_object.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
+#include <algorithm>
 #include <memory>
 #include <mutex>
-#include <string>
-#include <unordered_map>
-#include <vector>
+#include <utility>
 
 namespace contacts {
 namespace {
 
-struct AddressBookObject : objc::Object {
-  [[nodiscard]] NSArray people() const { return arrayOf(persons_); }
-  [[nodiscard]] NSArray groups() const { return arrayOf(groups_); }
-  [[nodiscard]] ABRecord recordForUniqueId(NSString uniqueId) const;
-
-  void add(const StoredCardPointer& card);
-
- private:
-  static NSArray arrayOf(const std::vector<ABRecord>& records);
-
-  // One entry a record; the lists below have the order.
-  std::unordered_map<std::string, Retained<ABRecord>> records_;
-  std::vector<ABRecord> persons_;
-  std::vector<ABRecord> groups_;
-};
-
-NSArray AddressBookObject::arrayOf(const std::vector<ABRecord>& records) {
-  NSMutableArray array = NSMutableArray::arrayWithCapacity(records.size());
-  for (const ABRecord record : records) array.addObject(record);
-  return array;
-}
-
-ABRecord AddressBookObject::recordForUniqueId(NSString uniqueId) const {
-  if (!uniqueId) NSException::raise(NSInvalidArgumentException, "recordForUniqueId: the id is nil");
-  auto found = records_.find(utf8Of(uniqueId));
-  return found == records_.end() ? ABRecord() : found->second.get();
-}
-
-void AddressBookObject::add(const StoredCardPointer& card) {
-  auto [entry, isNew] = records_.emplace(card->uniqueId(), newRecord(card));
-  (card->isGroup ? groups_ : persons_).push_back(entry->second.get());
-}
+constexpr char kPersonSuffix[] = ":ABPerson";
+constexpr char kGroupSuffix[] = ":ABGroup";
 
 // The books of a process: the lock is for the shared one, which may first be asked for on any thread.
 struct Books {
@@ -72,7 +40,8 @@ Retained<ABAddressBook> newBook(Books& state) {
   }
   auto* book = objc::createInstance<AddressBookObject>("ABAddressBook"_class);
   auto owner = Retained<ABAddressBook>::adopt(ABAddressBook(book));
-  for (const StoredCardPointer& card : state.database->cards()) book->add(card);
+  book->database = state.database.get();
+  for (const StoredCardPointer& card : state.database->cards()) book->load(card);
   return owner;
 }
 
@@ -89,11 +58,75 @@ ABAddressBook makeAddressBook(Class) {
   return newBook(state).autorelease();
 }
 
-NSInteger defaultOrdering(ABAddressBook) { return defaultNameOrdering(); }
-
-NSString defaultCountry(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
-
 }  // namespace
+
+AddressBookObject::~AddressBookObject() {
+  for (const auto& [id, record] : records_) objectOf(record.get()).setBook(nullptr);
+}
+
+NSArray AddressBookObject::arrayOf(const std::vector<ABRecord>& records) {
+  NSMutableArray array = NSMutableArray::arrayWithCapacity(records.size());
+  for (const ABRecord record : records) array.addObject(record);
+  return array;
+}
+
+ABRecord AddressBookObject::find(const std::string& uniqueId) const {
+  auto found = records_.find(uniqueId);
+  return found == records_.end() ? ABRecord() : found->second.get();
+}
+
+ABRecord AddressBookObject::recordForUniqueId(NSString uniqueId) const {
+  if (!uniqueId) NSException::raise(NSInvalidArgumentException, "recordForUniqueId: the id is nil");
+  return Retained<ABRecord>::share(find(utf8Of(uniqueId))).autorelease();
+}
+
+NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
+  if (!uniqueId) NSException::raise(NSInvalidArgumentException, "recordClassFromUniqueId: the id is nil");
+  const std::string text = utf8Of(uniqueId);
+  if (text.ends_with(kPersonSuffix)) return "ABPerson"_ns;
+  return text.ends_with(kGroupSuffix) ? "ABGroup"_ns : NSString();
+}
+
+bool AddressBookObject::addRecordOrFail(ABRecord record, NSError* error) {
+  if (!record) NSException::raise(NSInvalidArgumentException, "addRecord: the record is nil");
+  RecordObject& added = objectOf(record);
+  if (added.book() == this) return true;
+  const std::string id = added.card().uniqueId();
+  if (added.book() != nullptr) return fail(error, ABAddRecordsError, id + " belongs to another address book");
+  if (find(id)) return fail(error, ABAddRecordsError, id + " is taken by another record");
+  if (isReadOnly()) return fail(error, ABAddRecordsError, "the folder " + database->path() + " can't be written");
+  std::erase_if(removed_, [record](const Retained<ABRecord>& removed) { return removed.get() == record; });
+  insert(Retained<ABRecord>::share(record));
+  noteChange();
+  return true;
+}
+
+bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
+  if (!record) NSException::raise(NSInvalidArgumentException, "removeRecord: the record is nil");
+  RecordObject& removed = objectOf(record);
+  const std::string id = removed.card().uniqueId();
+  if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
+  if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
+  if (!removed.card().fileName.empty()) removed_.push_back(Retained<ABRecord>::share(record));
+  removed.setBook(nullptr);
+  std::erase(listOf(record), record);
+  records_.erase(id);
+  noteChange();
+  return true;
+}
+
+void AddressBookObject::load(const StoredCardPointer& card) { insert(newRecord(card)); }
+
+std::vector<ABRecord>& AddressBookObject::listOf(ABRecord record) {
+  return objectOf(record).isGroup() ? groups_ : persons_;
+}
+
+void AddressBookObject::insert(Retained<ABRecord> record) {
+  RecordObject& object = objectOf(record.get());
+  object.setBook(this);
+  listOf(record.get()).push_back(record.get());
+  records_.emplace(object.card().uniqueId(), std::move(record));
+}
 
 void registerAddressBook() {
   objc::ClassBuilder::define<AddressBookObject>("ABAddressBook", "NSObject")
@@ -102,8 +135,12 @@ void registerAddressBook() {
       .method<&AddressBookObject::people>("people")
       .method<&AddressBookObject::groups>("groups")
       .method<&AddressBookObject::recordForUniqueId>("recordForUniqueId:")
-      .method<&defaultOrdering>("defaultNameOrdering")
-      .method<&defaultCountry>("defaultCountryCode");
+      .method<&AddressBookObject::recordClassFromUniqueId>("recordClassFromUniqueId:")
+      .method<&AddressBookObject::addRecord>("addRecord:")
+      .method<&AddressBookObject::addRecordOrFail>("addRecord:error:")
+      .method<&AddressBookObject::removeRecord>("removeRecord:")
+      .method<&AddressBookObject::removeRecordOrFail>("removeRecord:error:")
+      .method<&AddressBookObject::hasUnsavedChanges>("hasUnsavedChanges");
 }
 
 }  // namespace contacts

@@ -1,70 +1,127 @@
 #include "platform/contacts/card_values.h"
 
+#include "platform/contacts/card_entries.h"
+#include "platform/contacts/custom_codec.h"
+#include "platform/contacts/date_values.h"
+#include "platform/contacts/multi_value_object.h"
 #include "platform/contacts/strings.h"
+#include "platform/contacts/text_properties.h"
 #include "platform/contacts/vcard/ascii.h"
 #include "platform/contacts/vcard/text.h"
 #include "platform/foundation/autorelease_pool.h"
+#include "platform/foundation/number.h"
 
-#include <array>
+#include <algorithm>
+#include <utility>
 
 namespace contacts {
 namespace {
 
-constexpr int kWholeValue = -1;
-
-// A property that is one line's value or one field of it.
-struct TextMapping {
-  std::string_view property;
-  std::string_view line;
-  int field;
-};
-
-constexpr std::array kTextMappings{
-    TextMapping{"Last", "N", 0},
-    TextMapping{"First", "N", 1},
-    TextMapping{"Middle", "N", 2},
-    TextMapping{"Title", "N", 3},
-    TextMapping{"Suffix", "N", 4},
-    TextMapping{"Nickname", "NICKNAME", kWholeValue},
-    TextMapping{"MaidenName", "X-MAIDENNAME", kWholeValue},
-    TextMapping{"FirstPhonetic", "X-PHONETIC-FIRST-NAME", kWholeValue},
-    TextMapping{"MiddlePhonetic", "X-PHONETIC-MIDDLE-NAME", kWholeValue},
-    TextMapping{"LastPhonetic", "X-PHONETIC-LAST-NAME", kWholeValue},
-    TextMapping{"Organization", "ORG", 0},
-    TextMapping{"ABDepartment", "ORG", 1},
-    TextMapping{"JobTitle", "TITLE", kWholeValue},
-    TextMapping{"Note", "NOTE", kWholeValue},
-    TextMapping{"GroupName", "FN", kWholeValue},
-};
+Retained<NSObject> text(std::string_view utf8) {
+  return utf8.empty() ? Retained<NSObject>() : Retained<NSObject>::share(makeString(utf8));
+}
 
 // Of several lines of one name (other languages, other preferences) the first that isn't empty counts.
-std::string textFromCard(const TextMapping& mapping, const vcard::Card& card) {
+std::string textFromCard(std::string_view lineName, int field, const vcard::Card& card) {
   for (const vcard::Line& line : card.lines) {
-    if (!line.is(mapping.line)) continue;
+    if (!line.is(lineName)) continue;
     const std::string value = vcard::decodedValue(line);
-    std::string text;
-    if (mapping.field == kWholeValue) {
-      text = vcard::unescape(value, card.version);
+    std::string found;
+    if (field == kWholeValue) {
+      found = vcard::unescape(value, card.version);
     } else {
       const std::vector<std::string> fields = vcard::splitFields(value, ';', card.version);
-      const auto field = static_cast<std::size_t>(mapping.field);
-      if (field < fields.size()) text = vcard::trimmed(fields[field]);
+      const auto index = static_cast<std::size_t>(field);
+      if (index < fields.size()) found = vcard::trimmed(fields[index]);
     }
-    if (!text.empty()) return text;
+    if (!found.empty()) return found;
+  }
+  return {};
+}
+
+bool hasNameFields(const vcard::Card& card) {
+  return std::ranges::any_of(kTextProperties, [&](const TextProperty& property) {
+    return property.line == "N" && !textFromCard("N", property.field, card).empty();
+  });
+}
+
+// A card that has no name but a company's is shown as that company.
+bool isNamedAsCompany(const vcard::Card& card) {
+  if (hasNameFields(card)) return false;
+  const std::string fullName = textFromCard("FN", kWholeValue, card);
+  const bool isOrganization = vcard::equalsIgnoringCase(textFromCard("KIND", kWholeValue, card), "org");
+  return isOrganization || (!fullName.empty() && fullName == textFromCard("ORG", 0, card));
+}
+
+// A card with nothing but a full name has it for its first name, or its company's.
+std::string nameFromCard(const TextProperty& property, const vcard::Card& card) {
+  std::string found = textFromCard(property.line, property.field, card);
+  if (!found.empty()) return found;
+  if (property.property == "GroupName") return textFromCard("N", 0, card);
+  const bool isFirst = property.property == "First" && !hasNameFields(card) && !isNamedAsCompany(card);
+  const bool isCompany = property.property == "Organization" && isNamedAsCompany(card);
+  return isFirst || isCompany ? textFromCard("FN", kWholeValue, card) : std::string();
+}
+
+Retained<NSObject> flagsFromCard(const vcard::Card& card) {
+  int flags = isNamedAsCompany(card) ? kABShowAsCompany : 0;
+  bool areSaid = flags != 0;
+  for (const PersonFlagWord& flag : kPersonFlagWords) {
+    if (!vcard::equalsIgnoringCase(textFromCard(flag.line, kWholeValue, card), flag.word)) continue;
+    flags = (flags & ~flag.mask) | flag.flag;
+    areSaid = true;
+  }
+  return areSaid ? Retained<NSObject>::share(NSNumber::numberWithInt(flags)) : Retained<NSObject>();
+}
+
+Retained<NSObject> birthdayFromCard(const vcard::Card& card) {
+  for (const vcard::Line& line : card.lines) {
+    if (!line.is("BDAY")) continue;
+    if (const auto date = dateOnLine(vcard::decodedValue(line), line.parameters())) return newDateComponents(*date);
+  }
+  return {};
+}
+
+Retained<NSObject> instantFromCard(std::string_view lineName, const vcard::Card& card) {
+  const std::optional<double> seconds = vcard::parseTimestamp(textFromCard(lineName, kWholeValue, card));
+  if (!seconds) return {};
+  return Retained<NSObject>::share(NSDate::dateWithTimeIntervalSinceReferenceDate(*seconds - NSTimeIntervalSince1970));
+}
+
+Retained<NSObject> multiValueFromCard(const EntryCodec& codec, const Property& property, const vcard::Card& card,
+                                      std::string_view uid) {
+  const std::vector<CardEntry> found = entriesFromCard(codec, card, uid);
+  if (found.empty()) return {};
+  std::vector<MultiValueEntry> entries;
+  for (const CardEntry& entry : found) {
+    entries.push_back({entry.value, Retained<NSString>::share(makeString(entry.label)),
+                       Retained<NSString>::share(makeString(entry.identifier))});
+  }
+  const CardEntry* preferred = preferredEntry(found);
+  const NSString primary = preferred == nullptr ? NSString() : makeString(preferred->identifier);
+  return Retained<NSObject>::adopt(newMultiValue(std::move(entries), primary, property.type).leak());
+}
+
+Retained<NSObject> customFromCard(const Property& property, const vcard::Card& card) {
+  for (const vcard::Line& line : card.lines) {
+    if (!isLineOf(property, line)) continue;
+    if (auto value = customValue(property, EntryLine{line, {}, card.version, {}, {}})) return value;
   }
   return {};
 }
 
 }  // namespace
 
-Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card) {
+Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid) {
   const AutoreleasePool pool;
-  for (const TextMapping& mapping : kTextMappings) {
-    if (mapping.property != property.name) continue;
-    const std::string text = textFromCard(mapping, card);
-    return text.empty() ? Retained<NSObject>() : Retained<NSObject>::share(makeString(text));
-  }
-  return {};
+  if (const auto codec = entryCodecFor(property)) return multiValueFromCard(*codec, property, card, uid);
+  if (property.isCustom) return customFromCard(property, card);
+  if (property.name == "ABPersonFlags") return flagsFromCard(card);
+  if (property.name == "BirthdayComponents") return birthdayFromCard(card);
+  if (property.name == "Creation") return instantFromCard("CREATED", card);
+  if (property.name == "Modification") return instantFromCard("REV", card);
+  auto found = std::ranges::find(kTextProperties, property.name, &TextProperty::property);
+  return found == kTextProperties.end() ? Retained<NSObject>() : text(nameFromCard(*found, card));
 }
 
 }  // namespace contacts

@@ -4,9 +4,12 @@
 #include "platform/contacts/vcard/card.h"
 #include "platform/objc/retained.h"
 
+#include <string_view>
+
 namespace contacts {
 
-// What a card says of a property; nil when it says nothing. The property may be of either kind of record.
-Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card);
+// What a card with that id says of a property of persons or groups; nil when it says nothing. Not for the id itself,
+// and not for views of other properties.
+Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid);
 
 }  // namespace contacts

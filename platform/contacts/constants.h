@@ -145,6 +145,13 @@ inline constexpr ABPropertyType kABMultiDateProperty = kABMultiValueMask | kABDa
 inline constexpr ABPropertyType kABMultiDictionaryProperty = kABMultiValueMask | kABDictionaryProperty;
 inline constexpr ABPropertyType kABMultiDateComponentsProperty = kABMultiValueMask | kABDateComponentsProperty;
 
+// The error codes of ABAddressBookErrorDomain.
+inline constexpr NSInteger ABAddRecordsError = 1001;
+inline constexpr NSInteger ABRemoveRecordsError = 1002;
+inline constexpr NSInteger ABPropertyValueValidationError = 1012;
+inline constexpr NSInteger ABPropertyUnsupportedBySourceError = 1013;
+inline constexpr NSInteger ABPropertyReadOnlyError = 1014;
+
 // The fields of a person's flags.
 inline constexpr int kABShowAsMask = 7;
 inline constexpr int kABShowAsPerson = 0;

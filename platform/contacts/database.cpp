@@ -75,6 +75,7 @@ void Database::load() {
       StoredCard card = readCard(section.text);
       card.fileName = fileName;
       card.position = position++;
+      card.fileTime = contents->modified;
       if (card.uid.empty() || taken.contains(card.uniqueId())) {
         card.uid = derivedIdentifier(fileName + "/" + std::to_string(card.position));
       }

@@ -17,6 +17,9 @@ class Database {
   // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
   [[nodiscard]] const std::vector<StoredCardPointer>& cards() const { return cards_; }
 
+  [[nodiscard]] const std::string& path() const { return folder_.path(); }
+  [[nodiscard]] bool isWritable() const { return folder_.isWritable(); }
+
  private:
   void load();
 

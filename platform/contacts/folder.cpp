@@ -71,6 +71,8 @@ Folder::Folder(std::string path) : path_(std::move(path)) {
   if (!directory_.isOpen()) fail("cannot be read", errno);
 }
 
+bool Folder::isWritable() const { return faccessat(directory_.number(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
+
 std::vector<std::string> Folder::cardFileNames() const {
   // A descriptor of its own: the position in the folder belongs to it.
   FileDescriptor listing(openat(directory_.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -92,7 +94,7 @@ std::vector<std::string> Folder::cardFileNames() const {
 }
 
 std::optional<Folder::Contents> Folder::read(const std::string& name) const {
-  auto refuse = [](std::string reason) { return Contents{{}, std::move(reason)}; };
+  auto refuse = [](std::string reason) { return Contents{{}, 0, std::move(reason)}; };
   const FileDescriptor file(openat(directory_.number(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file.isOpen()) {
     if (errno == ENOENT) return std::nullopt;
@@ -116,7 +118,9 @@ std::optional<Folder::Contents> Folder::read(const std::string& name) const {
     length += static_cast<std::size_t>(count);
   }
   bytes.resize(length);
-  return Contents{std::move(bytes), {}};
+  const double modified =
+      static_cast<double>(status.st_mtim.tv_sec) + 1e-9 * static_cast<double>(status.st_mtim.tv_nsec);
+  return Contents{std::move(bytes), modified, {}};
 }
 
 void Folder::fail(std::string_view what, int error) const {

@@ -29,11 +29,15 @@ class Folder {
 
   [[nodiscard]] const std::string& path() const { return path_; }
 
+  // Whether files can be made in it and taken out of it.
+  [[nodiscard]] bool isWritable() const;
+
   // The names of what may be card files, sorted by their bytes: *.vcf without a leading dot. Throws FolderError.
   [[nodiscard]] std::vector<std::string> cardFileNames() const;
 
   struct Contents {
     std::string bytes;
+    double modified = 0;  // seconds since 1970
     std::string refusal;  // why the file is no card file; empty when it was read
   };
   // Nothing when the file is gone. Never blocks on what is no regular file. Throws FolderError when the process lacks

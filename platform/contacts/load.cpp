@@ -4,7 +4,10 @@ namespace contacts {
 namespace {
 
 const bool loaded = [] {
-  registerRecords();
+  registerRecord();
+  registerPerson();
+  registerGroup();
+  registerMultiValues();
   registerAddressBook();
   return true;
 }();

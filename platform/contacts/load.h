@@ -3,7 +3,10 @@
 namespace contacts {
 
 // Each registers the classes of one file; load.cpp calls them when the library is loaded.
-void registerRecords();
+void registerRecord();
+void registerPerson();
+void registerGroup();
+void registerMultiValues();
 void registerAddressBook();
 
 }  // namespace contacts

@@ -1,42 +1,28 @@
 #include "platform/contacts/record.h"
 
+#include "platform/contacts/address_book_object.h"
 #include "platform/contacts/card_values.h"
+#include "platform/contacts/errors.h"
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/load.h"
+#include "platform/contacts/property_views.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/strings.h"
-#include "platform/contacts/vcard/card.h"
+#include "platform/contacts/value_check.h"
+#include "platform/foundation/date.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace contacts {
 namespace {
 
-StoredCardPointer newCard(bool isGroup) {
-  auto card = std::make_shared<StoredCard>();
-  card->uid = newIdentifier();
-  card->isGroup = isGroup;
-  return card;
+bool isSetByTheFramework(const Property& property) {
+  return property.name == "UID" || property.name == "Creation" || property.name == "Modification";
 }
-
-struct PersonObject : RecordObject {
-  ABRecord init() { return initialized(personSchema(), newCard(false)); }
-};
-
-struct GroupObject : RecordObject {
-  ABRecord init() { return initialized(groupSchema(), newCard(true)); }
-};
-
-ABPropertyType typeOf(const Schema& schema, NSString name) {
-  const Property* property = schema.find(utf8Of(name));
-  return property == nullptr ? kABErrorInProperty : property->type;
-}
-
-ABPropertyType typeOfPersonProperty(Class, NSString name) { return typeOf(personSchema(), name); }
-ABPropertyType typeOfGroupProperty(Class, NSString name) { return typeOf(groupSchema(), name); }
 
 }  // namespace
 
@@ -45,16 +31,77 @@ NSString RecordObject::uniqueId() const { return makeString(card_->uniqueId()); 
 NSObject RecordObject::valueForProperty(NSString name) {
   if (!name) NSException::raise(NSInvalidArgumentException, "valueForProperty: the property is nil");
   const Property* property = schema_->find(utf8Of(name));
-  return property == nullptr ? NSObject() : value(*property);
+  if (property == nullptr) return nullptr;
+  // The caller may still look at it after the property was given another.
+  return Retained<NSObject>::share(value(*property)).autorelease();
+}
+
+bool RecordObject::isReadOnly() const { return book_ != nullptr && book_->isReadOnly(); }
+
+bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error) {
+  if (!name) NSException::raise(NSInvalidArgumentException, "setValue:forProperty: the property is nil");
+  const std::string text = utf8Of(name);
+  const Property* property = schema_->find(text);
+  if (property == nullptr) {
+    return fail(error, ABPropertyUnsupportedBySourceError, text + ": there is no such property");
+  }
+  if (isSetByTheFramework(*property)) {
+    return fail(error, ABPropertyReadOnlyError, text + ": the property can't be set");
+  }
+  std::optional<Retained<NSObject>> checked = checkedValue(*property, value, error);
+  if (!checked) return false;
+  if (const PropertyView* view = findPropertyView(property->name)) {
+    property = schema_->find(view->source);
+    const Retained<NSObject> written = view->write(*view, this->value(*property), checked->get());
+    checked = checkedValue(*property, written.get(), error);
+    if (!checked) return false;
+  }
+  store(*property, *std::move(checked));
+  return true;
 }
 
 NSObject RecordObject::value(const Property& property) {
-  auto known = std::ranges::find(values_, &property, &ReadValue::property);
+  auto known = std::ranges::find(values_, &property, &HeldValue::property);
   if (known != values_.end()) return known->value.get();
-  Retained<NSObject> read = property.name == "UID" ? Retained<NSObject>::share(uniqueId())
-                                                   : valueFromCard(property, vcard::parseCard(card_->text));
-  values_.push_back({&property, std::move(read)});
+  Retained<NSObject> found = read(property);
+  values_.push_back({&property, std::move(found), false});
   return values_.back().value.get();
+}
+
+Retained<NSObject> RecordObject::read(const Property& property) {
+  if (property.name == "UID") return Retained<NSObject>::share(uniqueId());
+  if (const PropertyView* view = findPropertyView(property.name)) return view->read(*view, valueFor(view->source));
+  Retained<NSObject> found = valueFromCard(property, lines(), card_->uid);
+  if (found) return found;
+  // A card that doesn't say when it was made or changed is as old as its file.
+  if (property.name == "Creation") return Retained<NSObject>::share(valueFor("Modification"));
+  if (property.name != "Modification" || !card_->fileTime) return {};
+  return Retained<NSObject>::share(
+      NSDate::dateWithTimeIntervalSinceReferenceDate(*card_->fileTime - NSTimeIntervalSince1970));
+}
+
+// Drops what views showed of the old value.
+void RecordObject::store(const Property& property, Retained<NSObject> value) {
+  std::erase_if(values_, [&](const HeldValue& held) {
+    const PropertyView* view = findPropertyView(held.property->name);
+    return held.property == &property || (view != nullptr && view->source == property.name);
+  });
+  values_.push_back({&property, std::move(value), true});
+  noteChange();
+}
+
+const vcard::Card& RecordObject::lines() const {
+  struct Parsed {
+    StoredCardPointer source;
+    vcard::Card card;
+  };
+  thread_local Parsed parsed;
+  if (parsed.source != card_) parsed = {card_, vcard::parseCard(card_->text)};
+  return parsed.card;
+}
+
+void RecordObject::noteChange() {
+  if (book_ != nullptr) book_->noteChange();
 }
 
 ABRecord RecordObject::initialized(const Schema& schema, StoredCardPointer card) {
@@ -63,22 +110,30 @@ ABRecord RecordObject::initialized(const Schema& schema, StoredCardPointer card)
   return ABRecord(this);
 }
 
+ABRecord RecordObject::initializedNew(bool isGroup, NSObject book) {
+  auto card = std::make_shared<StoredCard>();
+  card->uid = newIdentifier();
+  card->isGroup = isGroup;
+  const ABRecord record = initialized(isGroup ? groupSchema() : personSchema(), std::move(card));
+  if (book) book.as<ABAddressBook>().addRecord(record);
+  return record;
+}
+
 Retained<ABRecord> newRecord(StoredCardPointer card) {
   const bool isGroup = card->isGroup;
   auto* record = objc::createInstance<RecordObject>(isGroup ? "ABGroup"_class : "ABPerson"_class);
   return Retained<ABRecord>::adopt(record->initialized(isGroup ? groupSchema() : personSchema(), std::move(card)));
 }
 
-void registerRecords() {
+void registerRecord() {
   objc::ClassBuilder::define<RecordObject>("ABRecord", "NSObject")
       .method<&RecordObject::uniqueId>("uniqueId")
-      .method<&RecordObject::valueForProperty>("valueForProperty:");
-  objc::ClassBuilder::define<PersonObject>("ABPerson", "ABRecord")
-      .classMethod<&typeOfPersonProperty>("typeOfProperty:")
-      .method<&PersonObject::init>("init");
-  objc::ClassBuilder::define<GroupObject>("ABGroup", "ABRecord")
-      .classMethod<&typeOfGroupProperty>("typeOfProperty:")
-      .method<&GroupObject::init>("init");
+      .method<&RecordObject::isReadOnly>("isReadOnly")
+      .method<&RecordObject::valueForProperty>("valueForProperty:")
+      .method<&RecordObject::setValue>("setValue:forProperty:")
+      .method<&RecordObject::setValueOrFail>("setValue:forProperty:error:")
+      .method<&RecordObject::removeValueForProperty>("removeValueForProperty:")
+      .method<&RecordObject::description>("description");
 }
 
 }  // namespace contacts

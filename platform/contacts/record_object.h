@@ -3,35 +3,65 @@
 #include "platform/contacts/record.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/stored_card.h"
+#include "platform/contacts/vcard/card.h"
+#include "platform/foundation/data.h"
 #include "platform/objc/retained.h"
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace contacts {
 
-// What persons and groups have in common: a card and the values read from it so far.
+struct AddressBookObject;
+
+// What persons and groups have in common: a card as it was last read, and the values read from it or changed since.
 struct RecordObject : objc::Object {
   [[nodiscard]] NSString uniqueId() const;
+  [[nodiscard]] bool isReadOnly() const;
   [[nodiscard]] NSObject valueForProperty(NSString name);
+  bool setValue(NSObject value, NSString name) { return setValueOrFail(value, name, nullptr); }
+  bool setValueOrFail(NSObject value, NSString name, NSError* error);
+  bool removeValueForProperty(NSString name) { return setValueOrFail(nullptr, name, nullptr); }
+  [[nodiscard]] NSString description();
 
   // Makes an allocated record the record of the card.
   ABRecord initialized(const Schema& schema, StoredCardPointer card);
+  // As initialized, of a card that is nowhere yet, pending in the book; nil for none.
+  ABRecord initializedNew(bool isGroup, NSObject book);
+
+  [[nodiscard]] const StoredCard& card() const { return *card_; }
+  [[nodiscard]] bool isGroup() const { return card_->isGroup; }
+  [[nodiscard]] AddressBookObject* book() const { return book_; }
+  void setBook(AddressBookObject* book) { book_ = book; }
+
+ protected:
+  // The card's lines, until another card's are asked for on this thread.
+  [[nodiscard]] const vcard::Card& lines() const;
+  void noteChange();
 
  private:
-  struct ReadValue {
+  struct HeldValue {
     const Property* property;
     Retained<NSObject> value;
+    bool isChanged;
   };
 
   // A value is read once: whoever asks again gets the same object.
   NSObject value(const Property& property);
+  NSObject valueFor(std::string_view property) { return value(*schema_->find(property)); }
+  [[nodiscard]] Retained<NSObject> read(const Property& property);
+  void store(const Property& property, Retained<NSObject> value);
 
   const Schema* schema_ = nullptr;
   StoredCardPointer card_;
-  std::vector<ReadValue> values_;
+  AddressBookObject* book_ = nullptr;  // the book goes first: it takes itself out of its records
+  std::vector<HeldValue> values_;
 };
 
 // A new record of the class that the card's kind asks for.
 Retained<ABRecord> newRecord(StoredCardPointer card);
+
+inline RecordObject& objectOf(ABRecord record) { return *static_cast<RecordObject*>(record.get()); }
 
 }  // namespace contacts

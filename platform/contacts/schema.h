@@ -12,6 +12,7 @@ namespace contacts {
 struct Property {
   std::string name;
   ABPropertyType type;
+  bool isCustom = false;
 };
 
 // The properties of one kind of record, in order. A property keeps its address for the life of the process.

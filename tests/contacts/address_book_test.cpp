@@ -1,11 +1,8 @@
 #include "platform/contacts/address_book.h"
 
-#include "platform/contacts/group.h"
-#include "platform/contacts/person.h"
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/exception.h"
 #include "platform/foundation/log.h"
-#include "platform/objc/retained.h"
 #include "tests/contacts/contacts_folder.h"
 #include "tests/foundation/raised.h"
 
@@ -170,26 +167,6 @@ TEST(AddressBook, RefusesAFolderWithoutPermission) {
   EXPECT_EQ(reasonOf([] { ABAddressBook::addressBook(); }),
             "contacts folder " + folder.path().string() + ": cannot be read: Permission denied");
   ASSERT_EQ(chmod(folder.path().c_str(), 0700), 0);
-}
-
-TEST(Record, AnswersItsSchema) {
-  const AutoreleasePool pool;
-  EXPECT_EQ(ABPerson::typeOfProperty(kABFirstNameProperty), kABStringProperty);
-  EXPECT_EQ(ABPerson::typeOfProperty(kABAddressProperty), kABMultiDictionaryProperty);
-  EXPECT_EQ(ABPerson::typeOfProperty(kABGroupNameProperty), kABErrorInProperty);
-  EXPECT_EQ(ABGroup::typeOfProperty(kABGroupNameProperty), kABStringProperty);
-  EXPECT_EQ(ABGroup::typeOfProperty(nullptr), kABErrorInProperty);
-}
-
-TEST(Record, IsBornWithAnIdAndNothingElse) {
-  const AutoreleasePool pool;
-  const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().init());
-  const auto other = Retained<ABPerson>::adopt(ABPerson::alloc().init());
-  EXPECT_TRUE(textOf(person->uniqueId()).ends_with(":ABPerson"));
-  EXPECT_NE(textOf(person->uniqueId()), textOf(other->uniqueId()));
-  EXPECT_FALSE(person->valueForProperty(kABFirstNameProperty));
-  EXPECT_FALSE(person->valueForProperty("no such property"_ns));
-  EXPECT_EQ(raised([&] { (void)person->valueForProperty(nullptr); }), "NSInvalidArgumentException");
 }
 
 }  // namespace

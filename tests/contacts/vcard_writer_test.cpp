@@ -14,8 +14,9 @@ namespace {
 TEST(VCardWriter, WritesLines) {
   std::string card;
   vcard::appendLine(card, "", "FN", {}, "a");
-  vcard::appendLine(card, "item1", "TEL", {{"type", "HOME"}, {"X-A", "b;\"c\"\n"}}, "1");
-  EXPECT_EQ(card, "FN:a\r\nitem1.TEL;type=HOME;X-A=\"b;'c' \":1\r\n");
+  vcard::appendLine(card, "item1", "TEL", {{"type", "HOME"}, {"X-A", "b;\"c^\"\n"}}, "1");
+  EXPECT_EQ(card, "FN:a\r\nitem1.TEL;type=HOME;X-A=\"b;^'c^^^'^n\":1\r\n");
+  EXPECT_EQ(vcard::Line("X;A=\"b;^'c^^^'^n^x^\":1", {}).parameters()[0].value, "b;\"c^\"\n^x^");
 }
 
 TEST(VCardWriter, FoldsWithoutCuttingCharacters) {

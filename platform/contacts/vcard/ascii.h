@@ -21,9 +21,11 @@ inline std::string uppercased(std::string_view text) {
   return result;
 }
 
+// Without blanks and line breaks at its ends.
 constexpr std::string_view trimmed(std::string_view text) {
-  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
-  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  constexpr std::string_view kSpace = " \t\r\n";
+  while (!text.empty() && kSpace.find(text.front()) != std::string_view::npos) text.remove_prefix(1);
+  while (!text.empty() && kSpace.find(text.back()) != std::string_view::npos) text.remove_suffix(1);
   return text;
 }
 

@@ -36,18 +36,33 @@ std::string_view nameForBareWord(std::string_view word) {
   return "TYPE";
 }
 
+// ^n, ^' and ^^ stand for what a parameter can't hold.
+std::string withoutCarets(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const char next = text[i] == '^' && i + 1 < text.size() ? text[i + 1] : '\0';
+    if (next == 'n' || next == '\'' || next == '^') {
+      result.push_back(next == 'n' ? '\n' : next == '^' ? '^' : '"');
+      ++i;
+    } else {
+      result.push_back(text[i]);
+    }
+  }
+  return result;
+}
+
 // One value of a list, its quotes taken off. A TYPE list may stand inside one pair of quotes.
 void appendValue(std::vector<Parameter>& parameters, std::string_view name, std::string_view text) {
   text = trimmed(text);
   if (text.size() < 2 || !text.starts_with('"') || !text.ends_with('"')) {
-    parameters.push_back({std::string(name), std::string(text)});
+    parameters.push_back({std::string(name), withoutCarets(text)});
     return;
   }
   text = text.substr(1, text.size() - 2);
   for (std::size_t comma = 0; name == "TYPE" && (comma = text.find(',')) != kNone; text.remove_prefix(comma + 1)) {
-    parameters.push_back({std::string(name), std::string(trimmed(text.substr(0, comma)))});
+    parameters.push_back({std::string(name), withoutCarets(trimmed(text.substr(0, comma)))});
   }
-  parameters.push_back({std::string(name), std::string(text)});
+  parameters.push_back({std::string(name), withoutCarets(text)});
 }
 
 void appendParameter(std::vector<Parameter>& parameters, std::string_view text) {

@@ -9,20 +9,6 @@
 namespace vcard {
 namespace {
 
-// Each kind of line break becomes one "\n".
-std::string withUnixBreaks(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\r') {
-      result.push_back(text[i]);
-    } else if (i + 1 == text.size() || text[i + 1] != '\n') {
-      result.push_back('\n');
-    }
-  }
-  return result;
-}
-
 bool isBase64(const std::vector<Parameter>& parameters) {
   return hasParameter(parameters, "ENCODING", "B") || hasParameter(parameters, "ENCODING", "BASE64");
 }
@@ -53,6 +39,19 @@ std::string binaryValue(const Line& line) {
   const bool isMarked =
       kind.size() >= kMark.size() && equalsIgnoringCase(kind.substr(kind.size() - kMark.size()), kMark);
   return isMarked ? decodeBase64(value.substr(comma + 1)) : std::string();
+}
+
+std::string withUnixBreaks(std::string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] != '\r') {
+      result.push_back(text[i]);
+    } else if (i + 1 == text.size() || text[i + 1] != '\n') {
+      result.push_back('\n');
+    }
+  }
+  return result;
 }
 
 std::string unescape(std::string_view escaped, Version version) {

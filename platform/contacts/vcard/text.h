@@ -14,6 +14,8 @@ std::string decodedValue(const Line& line);
 // The bytes of an embedded picture or sound, whether base64 or a data: URI; empty for anything else.
 std::string binaryValue(const Line& line);
 
+// Each kind of line break becomes one "\n".
+std::string withUnixBreaks(std::string_view text);
 // Undoes the backslashes; line breaks come out as "\n". Version 2.1 has none but those before punctuation.
 std::string unescape(std::string_view escaped, Version version);
 // The parts between unescaped separators, each unescaped.

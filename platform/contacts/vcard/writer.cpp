@@ -9,13 +9,21 @@ constexpr std::size_t kLongestLine = 75;  // octets without the line break
 
 constexpr bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
-// A parameter's value can hold neither quotes nor line breaks; it is quoted when it holds a delimiter.
+// A parameter's value can hold neither quotes nor line breaks: a caret stands before what stands for them. It is quoted
+// when it holds a delimiter.
 void appendParameterValue(std::string& content, std::string_view value) {
   const bool isQuoted = value.find_first_of(",;:") != std::string_view::npos;
   if (isQuoted) content.push_back('"');
   for (const char c : value) {
-    const bool isControl = static_cast<unsigned char>(c) < ' ' && c != '\t';
-    content.push_back(c == '"' ? '\'' : isControl ? ' ' : c);
+    if (c == '^') {
+      content += "^^";
+    } else if (c == '"') {
+      content += "^'";
+    } else if (c == '\n') {
+      content += "^n";
+    } else if (c != '\r') {
+      content.push_back(c);
+    }
   }
   if (isQuoted) content.push_back('"');
 }

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/contacts/address_book.h"
+#include "platform/contacts/database.h"
+#include "platform/contacts/record_object.h"
+#include "platform/contacts/stored_card.h"
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace contacts {
+
+struct AddressBookObject : objc::Object {
+  AddressBookObject() = default;
+  AddressBookObject(const AddressBookObject&) = delete;
+  AddressBookObject& operator=(const AddressBookObject&) = delete;
+  ~AddressBookObject();
+
+  [[nodiscard]] NSArray people() const { return arrayOf(persons_); }
+  [[nodiscard]] NSArray groups() const { return arrayOf(groups_); }
+  [[nodiscard]] ABRecord recordForUniqueId(NSString uniqueId) const;
+  [[nodiscard]] NSString recordClassFromUniqueId(NSString uniqueId) const;
+  bool addRecord(ABRecord record) { return addRecordOrFail(record, nullptr); }
+  bool addRecordOrFail(ABRecord record, NSError* error);
+  bool removeRecord(ABRecord record) { return removeRecordOrFail(record, nullptr); }
+  bool removeRecordOrFail(ABRecord record, NSError* error);
+  [[nodiscard]] bool hasUnsavedChanges() const { return hasUnsavedChanges_; }
+
+  [[nodiscard]] bool isReadOnly() const { return !database->isWritable(); }
+
+  Database* database = nullptr;  // lives as long as the process
+
+  void load(const StoredCardPointer& card);
+  void noteChange() { hasUnsavedChanges_ = true; }
+  // Nil when there is none.
+  [[nodiscard]] ABRecord find(const std::string& uniqueId) const;
+
+ private:
+  static NSArray arrayOf(const std::vector<ABRecord>& records);
+
+  void insert(Retained<ABRecord> record);
+  [[nodiscard]] std::vector<ABRecord>& listOf(ABRecord record);
+
+  // One entry a record; the lists below have the order.
+  std::unordered_map<std::string, Retained<ABRecord>> records_;
+  std::vector<ABRecord> persons_;
+  std::vector<ABRecord> groups_;
+  std::vector<Retained<ABRecord>> removed_;  // of those that the folder has
+  bool hasUnsavedChanges_ = false;
+};
+
+}  // namespace contacts

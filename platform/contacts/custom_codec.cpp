@@ -1,0 +1,42 @@
+#include "platform/contacts/custom_codec.h"
+
+#include "platform/contacts/entry_labels.h"
+#include "platform/contacts/typed_text.h"
+#include "platform/contacts/vcard/text.h"
+
+namespace contacts {
+namespace {
+
+constexpr std::string_view kLine = "X-ABPROPERTY";
+constexpr std::string_view kName = "X-NAME";
+
+}  // namespace
+
+bool isLineOf(const Property& custom, const vcard::Line& line) {
+  return line.is(kLine) && vcard::firstParameter(line.parameters(), kName) == custom.name;
+}
+
+Retained<NSObject> customValue(const Property& custom, const EntryLine& line) {
+  return valueFromText(custom.type & ~kABMultiValueMask, vcard::unescape(vcard::decodedValue(line.line), line.version));
+}
+
+LineDraft customDraft(const Property& custom, NSObject value) {
+  return {std::string(kLine), {{std::string(kName), custom.name}}, vcard::escape(typedText(value)), {}, {}};
+}
+
+EntryCodec customCodec(const Property& property) {
+  return {property.name,
+          [&property](const EntryLine& line) -> std::optional<DecodedEntry> {
+            if (!isLineOf(property, line.line)) return std::nullopt;
+            Retained<NSObject> value = customValue(property, line);
+            if (!value) return std::nullopt;
+            return DecodedEntry{std::move(value), labelOf(line, kPlaceWords, kOther)};
+          },
+          [&property](NSObject value, const std::string& label) -> std::vector<LineDraft> {
+            LineDraft draft = customDraft(property, value);
+            writeLabel(draft, label, kPlaceWords);
+            return {draft};
+          }};
+}
+
+}  // namespace contacts

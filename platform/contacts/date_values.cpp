@@ -1,0 +1,76 @@
+#include "platform/contacts/date_values.h"
+
+#include "platform/foundation/time_zone.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace contacts {
+namespace {
+
+// The leap year that other programs take where a date has no year.
+constexpr int kNoYear = 1604;
+constexpr double kSecondsInDay = 86400;
+constexpr double kNoon = kSecondsInDay / 2;
+constexpr std::string_view kOmittedYear = "X-APPLE-OMIT-YEAR";
+
+}  // namespace
+
+std::optional<vcard::Date> dateOnLine(std::string_view text, const std::vector<vcard::Parameter>& parameters) {
+  std::optional<vcard::Date> date = vcard::parseDate(text);
+  const std::string_view omitted = vcard::firstParameter(parameters, kOmittedYear);
+  int year = 0;
+  std::from_chars(omitted.data(), omitted.data() + omitted.size(), year);
+  if (date && !omitted.empty() && date->year == year) date->year.reset();
+  return date;
+}
+
+void writeDate(LineDraft& draft, NSDateComponents components) {
+  std::optional<vcard::Date> date = dateOf(components);
+  if (!date) return;
+  if (!date->year) {
+    date->year = kNoYear;
+    draft.parameters.push_back({std::string(kOmittedYear), std::to_string(kNoYear)});
+  }
+  draft.value = vcard::formatDate(*date);
+}
+
+Retained<NSObject> newDateComponents(const vcard::Date& date) {
+  const NSDateComponents components = NSDateComponents::alloc().init();
+  if (date.year) components.setYear(*date.year);
+  components.setMonth(date.month);
+  components.setDay(date.day);
+  return Retained<NSObject>::adopt(components);
+}
+
+std::optional<vcard::Date> dateOf(NSDateComponents components) {
+  const NSInteger year = components.year();
+  const NSInteger month = components.month();
+  const NSInteger day = components.day();
+  const bool hasYear = year != NSUndefinedDateComponent;
+  if (hasYear && (year < 0 || year > 9999)) return std::nullopt;
+  if (month < 1 || month > 12 || day < 1) return std::nullopt;
+  const int calendarYear = hasYear ? static_cast<int>(year) : kNoYear;
+  if (day > vcard::daysInMonth(calendarYear, static_cast<int>(month))) return std::nullopt;
+  vcard::Date date{{}, static_cast<int>(month), static_cast<int>(day)};
+  if (hasYear) date.year = static_cast<int>(year);
+  return date;
+}
+
+Retained<NSObject> newDate(const vcard::Date& date) {
+  const auto days = static_cast<double>(vcard::daysSince1970(date.year.value_or(kNoYear), date.month, date.day));
+  return Retained<NSObject>::share(
+      NSDate::dateWithTimeIntervalSinceReferenceDate(days * kSecondsInDay + kNoon - NSTimeIntervalSince1970));
+}
+
+vcard::Date dayOf(NSDate date) {
+  double seconds = date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
+  if (std::fmod(seconds - kNoon, kSecondsInDay) != 0) {
+    seconds += static_cast<double>(NSTimeZone::localTimeZone().secondsFromGMTForDate(date));
+  }
+  vcard::Date day = vcard::dateOfDay(static_cast<std::int64_t>(std::floor(seconds / kSecondsInDay)));
+  if (day.year == kNoYear) day.year.reset();
+  return day;
+}
+
+}  // namespace contacts

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/contacts/schema.h"
+#include "platform/contacts/strings.h"
+#include "platform/foundation/array.h"
+#include "platform/objc/class_builder.h"
+
+namespace contacts {
+
+// The class methods by which persons and groups show their schema.
+template <Schema& (*schema)()>
+struct SchemaMethods {
+  static ABPropertyType typeOfProperty(Class, NSString name) {
+    const Property* property = schema().find(utf8Of(name));
+    return property == nullptr ? kABErrorInProperty : property->type;
+  }
+
+  static NSArray properties(Class) {
+    NSMutableArray names = NSMutableArray::array();
+    for (const Property& property : schema().properties()) names.addObject(makeString(property.name));
+    return names;
+  }
+
+  static void addTo(objc::ClassBuilder& builder) {
+    builder.template classMethod<&typeOfProperty>("typeOfProperty:").template classMethod<&properties>("properties");
+  }
+};
+
+}  // namespace contacts

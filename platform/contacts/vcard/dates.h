@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Dates and instants as cards write them, basic (20240504) or extended (2024-05-04).
+namespace vcard {
+
+// A day of the Gregorian calendar, or of every year when year is missing.
+struct Date {
+  std::optional<int> year;
+  int month;  // 1 to 12
+  int day;    // 1 to the month's last; the 29th of February also without a year
+
+  friend bool operator==(const Date&, const Date&) = default;
+};
+
+// A time after the date is not looked at. Nothing for what is no date, or less than month and day.
+std::optional<Date> parseDate(std::string_view text);
+// "2024-05-04", or "--05-04" without a year.
+std::string formatDate(const Date& date);
+
+// Seconds since 1970, from a date and a time with their zone; without a zone it is taken for UTC.
+std::optional<double> parseTimestamp(std::string_view text);
+// "2024-05-04T09:12:33Z", fractions cut off.
+std::string formatTimestamp(double secondsSince1970);
+
+std::int64_t daysSince1970(int year, int month, int day);
+Date dateOfDay(std::int64_t daysSince1970);
+int daysInMonth(int year, int month);
+
+}  // namespace vcard
