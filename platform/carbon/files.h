@@ -21,14 +21,11 @@ struct HFSUniStr255 {
 };
 
 // A folder's node id and the name of an item in it: a length byte and Mac Roman text.
-#pragma pack(push, 2)
 struct FSSpec {
   std::int16_t vRefNum;
   std::int32_t parID;
   std::uint8_t name[64];
 };
-#pragma pack(pop)
-static_assert(sizeof(FSSpec) == 70);
 
 struct FSCatalogInfo {
   std::uint32_t nodeID;
