@@ -148,7 +148,7 @@ TEST(Records, AnswerNeutrallyWhenEmptyOrUnasked) {
   EXPECT_TRUE(ada.call("valueForProperty", "").isNil());
   EXPECT_TRUE(ada.call("valueForProperty", "Nickname").isNil());
   EXPECT_EQ(thrownBy([&] { ada.call("valueForProperty", 7); }),
-            "host: ABPersonVXR.valueForProperty: argument 1 is Integer, declared string");
+            "host: ABRecordVXR.valueForProperty: argument 1 is Integer, declared string");
 }
 
 TEST(Records, ShowTheirNamesInTheUsersOrder) {
