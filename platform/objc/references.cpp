@@ -1,8 +1,13 @@
 #include "platform/objc/class_record.h"
 
+#include <cxxabi.h>
+
 #include <cstdlib>
 #include <utility>
 #include <vector>
+
+// This library, as the end of a thread knows it.
+extern "C" __attribute__((visibility("hidden"))) void* __dso_handle;
 
 namespace {
 
@@ -21,7 +26,6 @@ class AutoreleaseStack {
   AutoreleaseStack() = default;
   AutoreleaseStack(const AutoreleaseStack&) = delete;
   AutoreleaseStack& operator=(const AutoreleaseStack&) = delete;
-  ~AutoreleaseStack() { releaseDownTo(0); }
 
   void add(Object* object) { objects_.push_back(object); }
 
@@ -36,7 +40,6 @@ class AutoreleaseStack {
     if (size <= objects_.size()) releaseDownTo(size - 1);
   }
 
- private:
   // Releasing may autorelease more, which goes too.
   void releaseDownTo(std::size_t size) {
     while (objects_.size() > size) {
@@ -46,13 +49,26 @@ class AutoreleaseStack {
     }
   }
 
+ private:
   std::vector<Object*> objects_;
 };
 
+// Null before a thread's first use and after its end. The pointer has a fixed place in every thread, which is found
+// without a call.
+constinit thread_local AutoreleaseStack* currentStack __attribute__((tls_model("initial-exec"))) = nullptr;
+
+void endStack(void*) {
+  currentStack->releaseDownTo(0);
+  delete std::exchange(currentStack, nullptr);
+}
+
 AutoreleaseStack& autoreleaseStack() {
-  // The few bytes have a fixed place in every thread, which is found without a call.
-  static thread_local AutoreleaseStack stack __attribute__((tls_model("initial-exec")));
-  return stack;
+  if (currentStack == nullptr) {
+    currentStack = new AutoreleaseStack;
+    // Not a thread_local object: a destructor that runs after its end may autorelease too, and starts anew here.
+    abi::__cxa_thread_atexit(&endStack, currentStack, &__dso_handle);
+  }
+  return *currentStack;
 }
 
 }  // namespace

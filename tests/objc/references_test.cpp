@@ -76,6 +76,25 @@ TEST_F(ReferencesTest, PoolsBelongToTheirThread) {
   EXPECT_EQ(things(), 1);
 }
 
+struct Late {
+  ~Late() {
+    const AutoreleasePool pool;
+    make().autorelease();
+    objc_autoreleasePoolPush();
+    make().autorelease();
+  }
+  Retained<NSObject> (*make)();
+};
+
+TEST_F(ReferencesTest, DestructorsMayAutoreleaseAtTheEndOfAThread) {
+  std::thread([] {
+    thread_local const Late late{&make};  // ends after the thread's pools, which are first used here
+    make().autorelease();
+    EXPECT_EQ(things(), 1);
+  }).join();
+  EXPECT_EQ(things(), 0);
+}
+
 struct ParentObject : objc::Object {
   ~ParentObject() { objc_autorelease(child.leak().get()); }
   Retained<NSObject> child;
