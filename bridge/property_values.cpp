@@ -5,6 +5,7 @@
 #include "bridge/dictionaries.h"
 #include "bridge/strings.h"
 #include "bridge/variant_readers.h"
+#include "bridge/variants.h"
 #include "bridge/wrappers.h"
 #include "frame/host_ref.h"
 #include "frame/runtime_support.h"
@@ -45,24 +46,15 @@ REALvariant GetValue(NSObject value, std::int32_t propertyType) {
 }
 
 NSObject NewValue(REALvariant variant, std::int32_t) {
-  switch (GetVariantType(variant)) {
-    case kVariantInteger:
+  const std::int32_t type = GetVariantType(variant);
+  switch (type) {
     case kVariantBoolean:
-    case kVariantIntegerValued:
       return NSNumber::numberWithLong(GetVariantInteger(variant));
-    case kVariantInt64:
-      return NSNumber::numberWithLongLong(GetVariantLong(variant));
-    case kVariantSingle:
-      return NSNumber::numberWithFloat(GetVariantSingle(variant));
-    case kVariantDouble:
-      return NSNumber::numberWithDouble(GetVariantDouble(variant));
-    case kVariantDate:
-      return NewNSDateFromVariant(variant);
     case kVariantString:
       return NewNSString(adoptHost(GetVariantString(variant)).get());
     case kVariantObject:
       return objectValue(variant);
     default:
-      return nullptr;
+      return GetNumberOrDateAsNSObject(variant, type);
   }
 }

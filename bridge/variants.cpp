@@ -194,10 +194,8 @@ REALvariant NewVariantFromNSObject(NSObject object) {
   return NewNSObjectVXR(object);
 }
 
-NSObject GetVariantAsNSObject(REALvariant variant) {
-  if (variant == nullptr) return nullptr;
-  const NestingLevel level;
-  switch (GetVariantType(variant)) {
+NSObject GetNumberOrDateAsNSObject(REALvariant variant, std::int32_t type) {
+  switch (type) {
     case kVariantInteger:
     case kVariantIntegerValued:
       return NSNumber::numberWithLong(GetVariantInteger(variant));
@@ -207,10 +205,20 @@ NSObject GetVariantAsNSObject(REALvariant variant) {
       return NSNumber::numberWithFloat(GetVariantSingle(variant));
     case kVariantDouble:
       return NSNumber::numberWithDouble(GetVariantDouble(variant));
-    case kVariantBoolean:
-      return NSNumber::numberWithBool(static_cast<signed char>(GetVariantInteger(variant)) != 0);
     case kVariantDate:
       return NewNSDateFromVariant(variant);
+    default:
+      return nullptr;
+  }
+}
+
+NSObject GetVariantAsNSObject(REALvariant variant) {
+  if (variant == nullptr) return nullptr;
+  const NestingLevel level;
+  const std::int32_t type = GetVariantType(variant);
+  switch (type) {
+    case kVariantBoolean:
+      return NSNumber::numberWithBool(static_cast<signed char>(GetVariantInteger(variant)) != 0);
     case kVariantString:
       return objectFromString(variant);
     case kVariantObject:
@@ -232,7 +240,7 @@ NSObject GetVariantAsNSObject(REALvariant variant) {
     case kVariantArray + kVariantObject:
       return handlesFromVariant<REALobject>(variant, GetVariantAsNSObject);
     default:
-      return nullptr;
+      return GetNumberOrDateAsNSObject(variant, type);
   }
 }
 

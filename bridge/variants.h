@@ -12,3 +12,5 @@ REALvariant NewVariantFromNSObject(NSObject object);
 // An empty string is an empty NSString.
 NSObject GetVariantAsNSObject(REALvariant variant);
 NSObject GetObjectAsNSObject(REALobject object);
+// Of the types that convert alike everywhere: whole and real numbers and dates. Nil for any other.
+NSObject GetNumberOrDateAsNSObject(REALvariant variant, std::int32_t type);
