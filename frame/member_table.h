@@ -110,12 +110,21 @@ consteval bool fits(DeclaredType type) {
   return type.isArray ? fitsArray<T>(type.name) : fitsScalar<T>(type.name);
 }
 
+// The text is copied before it is read, here and below: under its undefined-behaviour sanitizer the compiler takes no
+// address into a template argument for constant.
 template <FixedString Text, class... Parameters>
 consteval bool fitsParameters() {
-  constexpr Declaration declaration(Text.view());
+  const FixedString text = Text;
+  const Declaration declaration(text.view());
   if (declaration.parameterCount() != sizeof...(Parameters)) return false;
   std::size_t index = 0;
   return (fits<Parameters>(declaration.parameter(index++)) && ...);
+}
+
+template <FixedString Text, class Result>
+consteval bool fitsResult() {
+  const FixedString text = Text;
+  return fits<Result>(Declaration(text.view()).result);
 }
 
 }  // namespace member_table
@@ -130,8 +139,7 @@ inline constexpr Word kPropertyFlags = 6;
 template <FixedString Text, class Result, class... Parameters>
 REALmethodDefinition sharedMethod(Result (*function)(Parameters...), Word flags = kMethodFlags) {
   static_assert(member_table::fitsParameters<Text, Parameters...>(), "the parameters are not those declared");
-  static_assert(member_table::fits<Result>(member_table::Declaration(Text.view()).result),
-                "the result is not the declared one");
+  static_assert(member_table::fitsResult<Text, Result>(), "the result is not the declared one");
   static constexpr FixedString declaration = Text;
   return {reinterpret_cast<void*>(function), nullptr, declaration.text, flags};
 }
