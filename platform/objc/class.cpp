@@ -1,3 +1,6 @@
+#include "platform/objc/class_record.h"
+#include "platform/objc/instrumentation.h"
+
 #include <cstdlib>
 #include <memory>
 #include <mutex>
@@ -5,9 +8,6 @@
 #include <string_view>
 #include <unordered_map>
 #include <vector>
-
-#include "platform/objc/class_record.h"
-#include "platform/objc/instrumentation.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <new>
-#include <type_traits>
-
 #include "platform/objc/encoding.h"
 #include "platform/objc/handle.h"
+
+#include <new>
+#include <type_traits>
 
 namespace objc {
 

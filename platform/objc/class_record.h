@@ -1,13 +1,13 @@
 #pragma once
 
+#include "platform/objc/runtime.h"
+
 #include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include "platform/objc/runtime.h"
 
 // The runtime's own view of classes and selectors; not for use outside platform/objc.
 namespace objc {

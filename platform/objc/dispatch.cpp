@@ -1,13 +1,13 @@
+#include "platform/objc/class_record.h"
+#include "platform/objc/instrumentation.h"
+#include "platform/objc/raise.h"
+
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <unordered_set>
-
-#include "platform/objc/class_record.h"
-#include "platform/objc/instrumentation.h"
-#include "platform/objc/raise.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <type_traits>
-
 #include "platform/objc/runtime.h"
+
+#include <type_traits>
 
 // A handle: one pointer to an object, trivially copyable, may be nil, owns nothing. The classes derived from it, one a
 // framework class, add what may be sent; they hold no data of their own.

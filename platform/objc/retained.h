@@ -1,8 +1,8 @@
 #pragma once
 
-#include <utility>
-
 #include "platform/objc/handle.h"
+
+#include <utility>
 
 // Owns exactly one reference to a framework object, or nothing.
 template <objc::HandleType Handle>

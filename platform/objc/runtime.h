@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/objc/api.h"
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-
-#include "platform/objc/api.h"
 
 // The runtime's exported functions and the two layouts that implementations need. Handles (handle.h), typed sends
 // (send.h) and class definitions (class_builder.h) are written over these.

@@ -1,10 +1,10 @@
+#include "platform/objc/class_record.h"
+
 #include <functional>
 #include <memory>
 #include <mutex>
 #include <string_view>
 #include <unordered_map>
-
-#include "platform/objc/class_record.h"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <algorithm>
-#include <atomic>
-
 #include "platform/objc/encoding.h"
 #include "platform/objc/fixed_string.h"
 #include "platform/objc/handle.h"
+
+#include <algorithm>
+#include <atomic>
 
 // A selector that knows its text. Interned once for each text and library; null while there is no runtime.
 template <FixedString Text>
