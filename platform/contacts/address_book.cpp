@@ -107,7 +107,7 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   const std::string id = removed.card().uniqueId();
   if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
-  if (!removed.card().fileName.empty()) removed_.push_back(Retained<ABRecord>::share(record));
+  if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
   removed.setBook(nullptr);
   std::erase(listOf(record), record);
   records_.erase(id);

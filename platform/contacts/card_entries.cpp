@@ -102,10 +102,12 @@ std::vector<CardEntry> entriesFromCard(const EntryCodec& codec, const vcard::Car
       }
     }
     std::string identifier(vcard::firstParameter(line.parameters, kIdentifierParameter));
+    bool isRepeated = false;
     if (identifier.empty() || identifiers.contains(identifier)) {
       std::string seed(uid);
       seed.append("\n").append(codec.property).append("\n").append(line.text());
       const int occurrence = occurrences[seed]++;
+      isRepeated = occurrence > 0 || !identifier.empty();
       identifier = derivedIdentifier(seed + "\n" + std::to_string(occurrence));
     }
     identifiers.insert(identifier);
@@ -114,7 +116,8 @@ std::vector<CardEntry> entriesFromCard(const EntryCodec& codec, const vcard::Car
                        std::move(decoded->value),
                        std::move(decoded->label),
                        std::move(identifier),
-                       preferenceOf(line)});
+                       preferenceOf(line),
+                       isRepeated});
   }
   return entries;
 }

@@ -16,7 +16,8 @@ struct CardEntry {
   Retained<NSObject> value;
   std::string label;
   std::string identifier;
-  int preference;  // 1 is the most preferred
+  int preference;           // 1 is the most preferred
+  bool isRepeated = false;  // an earlier entry says the same, and identifiers tell them apart by their order alone
 };
 
 inline constexpr int kNoPreference = 101;

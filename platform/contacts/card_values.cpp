@@ -12,6 +12,7 @@
 #include "platform/foundation/number.h"
 
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace contacts {
@@ -23,34 +24,19 @@ Retained<NSObject> text(std::string_view utf8) {
 
 // Of several lines of one name (other languages, other preferences) the first that isn't empty counts.
 std::string textFromCard(std::string_view lineName, int field, const vcard::Card& card) {
-  for (const vcard::Line& line : card.lines) {
-    if (!line.is(lineName)) continue;
-    const std::string value = vcard::decodedValue(line);
-    std::string found;
-    if (field == kWholeValue) {
-      found = vcard::unescape(value, card.version);
-    } else {
-      const std::vector<std::string> fields = vcard::splitFields(value, ';', card.version);
-      const auto index = static_cast<std::size_t>(field);
-      if (index < fields.size()) found = vcard::trimmed(fields[index]);
-    }
-    if (!found.empty()) return found;
-  }
-  return {};
+  const std::optional<std::size_t> place = saidLine(card, lineName);
+  if (!place) return {};
+  const std::string value = vcard::decodedValue(card.lines[*place]);
+  if (field == kWholeValue) return vcard::unescape(value, card.version);
+  const std::vector<std::string> fields = vcard::splitFields(value, ';', card.version);
+  const auto index = static_cast<std::size_t>(field);
+  return index < fields.size() ? std::string(vcard::trimmed(fields[index])) : std::string();
 }
 
 bool hasNameFields(const vcard::Card& card) {
   return std::ranges::any_of(kTextProperties, [&](const TextProperty& property) {
     return property.line == "N" && !textFromCard("N", property.field, card).empty();
   });
-}
-
-// A card that has no name but a company's is shown as that company.
-bool isNamedAsCompany(const vcard::Card& card) {
-  if (hasNameFields(card)) return false;
-  const std::string fullName = textFromCard("FN", kWholeValue, card);
-  const bool isOrganization = vcard::equalsIgnoringCase(textFromCard("KIND", kWholeValue, card), "org");
-  return isOrganization || (!fullName.empty() && fullName == textFromCard("ORG", 0, card));
 }
 
 // A card with nothing but a full name has it for its first name, or its company's.
@@ -64,8 +50,13 @@ std::string nameFromCard(const TextProperty& property, const vcard::Card& card) 
 }
 
 Retained<NSObject> flagsFromCard(const vcard::Card& card) {
-  int flags = isNamedAsCompany(card) ? kABShowAsCompany : 0;
-  bool areSaid = flags != 0;
+  int flags = 0;
+  const std::string number = textFromCard(kFlagsLine, kWholeValue, card);
+  if (std::from_chars(number.data(), number.data() + number.size(), flags).ec == std::errc()) {
+    return Retained<NSObject>::share(NSNumber::numberWithInt(flags));
+  }
+  bool areSaid = isNamedAsCompany(card);
+  flags = areSaid ? kABShowAsCompany : 0;
   for (const PersonFlagWord& flag : kPersonFlagWords) {
     if (!vcard::equalsIgnoringCase(textFromCard(flag.line, kWholeValue, card), flag.word)) continue;
     flags = (flags & ~flag.mask) | flag.flag;
@@ -111,6 +102,21 @@ Retained<NSObject> customFromCard(const Property& property, const vcard::Card& c
 }
 
 }  // namespace
+
+bool isNamedAsCompany(const vcard::Card& card) {
+  if (hasNameFields(card)) return false;
+  const std::string fullName = textFromCard("FN", kWholeValue, card);
+  const bool isOrganization = vcard::equalsIgnoringCase(textFromCard("KIND", kWholeValue, card), "org");
+  return isOrganization || (!fullName.empty() && fullName == textFromCard("ORG", 0, card));
+}
+
+std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name) {
+  for (std::size_t i = 0; i < card.lines.size(); ++i) {
+    const vcard::Line& line = card.lines[i];
+    if (line.is(name) && line.value().find_first_not_of("; \t") != std::string_view::npos) return i;
+  }
+  return std::nullopt;
+}
 
 Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid) {
   const AutoreleasePool pool;

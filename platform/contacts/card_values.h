@@ -4,6 +4,8 @@
 #include "platform/contacts/vcard/card.h"
 #include "platform/objc/retained.h"
 
+#include <cstddef>
+#include <optional>
 #include <string_view>
 
 namespace contacts {
@@ -11,5 +13,10 @@ namespace contacts {
 // What a card with that id says of a property of persons or groups; nil when it says nothing. Not for the id itself,
 // and not for views of other properties.
 Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid);
+
+// The first line of that name that says something.
+std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name);
+// Whether a card that doesn't say so is shown as a company: it has no name but a company's.
+bool isNamedAsCompany(const vcard::Card& card);
 
 }  // namespace contacts

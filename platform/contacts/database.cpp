@@ -57,6 +57,8 @@ StoredCard readCard(std::string_view section) {
 
 }  // namespace
 
+std::string StoredCard::fullText() const { return database == nullptr ? text : database->fullText(*this); }
+
 Database::Database(std::string path) : folder_(std::move(path)) { load(); }
 
 void Database::load() {
@@ -73,6 +75,7 @@ void Database::load() {
     for (const vcard::Section& section : vcard::splitSections(text)) {
       if (!section.isCard) continue;
       StoredCard card = readCard(section.text);
+      card.database = this;
       card.fileName = fileName;
       card.position = position++;
       card.fileTime = contents->modified;
@@ -84,6 +87,17 @@ void Database::load() {
     }
     if (position == 0) logRefusal(fileName, "is not a vCard");
   }
+}
+
+std::string Database::fullText(const StoredCard& card) const {
+  std::optional<Folder::Contents> contents = folder_.read(card.fileName);
+  if (!contents) return card.text;
+  const std::string text = vcard::decodeFile(std::move(contents->bytes));
+  std::size_t position = 0;
+  for (const vcard::Section& section : vcard::splitSections(text)) {
+    if (section.isCard && position++ == card.position) return std::string(section.text);
+  }
+  return card.text;
 }
 
 }  // namespace contacts

@@ -18,6 +18,8 @@ class Database {
   [[nodiscard]] const std::vector<StoredCardPointer>& cards() const { return cards_; }
 
   [[nodiscard]] const std::string& path() const { return folder_.path(); }
+  // The card as its file has it now; its text where the file is gone.
+  [[nodiscard]] std::string fullText(const StoredCard& card) const;
   [[nodiscard]] bool isWritable() const { return folder_.isWritable(); }
 
  private:

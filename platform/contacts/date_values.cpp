@@ -8,11 +8,10 @@
 namespace contacts {
 namespace {
 
-// The leap year that other programs take where a date has no year.
-constexpr int kNoYear = 1604;
 constexpr double kSecondsInDay = 86400;
 constexpr double kNoon = kSecondsInDay / 2;
-constexpr std::string_view kOmittedYear = "X-APPLE-OMIT-YEAR";
+using vcard::kNoYear;
+using vcard::kOmittedYear;
 
 }  // namespace
 

@@ -110,7 +110,7 @@ std::vector<LineDraft> encodeMessage(NSObject value, const std::string& label) {
 
   std::vector<LineDraft> drafts;
   const std::string uri = (isKnown ? std::string(service->scheme) : "x-apple") + ":" + username;
-  drafts.push_back({"IMPP", {{"X-SERVICE-TYPE", word}}, vcard::escape(uri), {}, {}});
+  drafts.push_back({"IMPP", {{"X-SERVICE-TYPE", word}}, vcard::escapeUri(uri), {}, {}});
   writeLabel(drafts.back(), label, kPlaceWords);
   if (isKnown && !service->ownLine.empty()) {
     drafts.push_back({std::string(service->ownLine), {}, vcard::escape(username), {}, {}});
@@ -153,7 +153,7 @@ std::optional<DecodedEntry> decodeProfile(const EntryLine& line) {
 
 std::vector<LineDraft> encodeProfile(NSObject value, const std::string& label) {
   const auto profile = value.as<NSDictionary>();
-  LineDraft draft{"X-SOCIALPROFILE", {}, vcard::escape(stringFor(profile, kABSocialProfileURLKey)), {}, {}};
+  LineDraft draft{"X-SOCIALPROFILE", {}, vcard::escapeUri(stringFor(profile, kABSocialProfileURLKey)), {}, {}};
   const std::string service = stringFor(profile, kABSocialProfileServiceKey);
   if (!service.empty()) draft.parameters.push_back({"type", service});
   for (const auto& row : kProfileParameters) {

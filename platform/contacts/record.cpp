@@ -45,7 +45,7 @@ bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error)
   if (property == nullptr) {
     return fail(error, ABPropertyUnsupportedBySourceError, text + ": there is no such property");
   }
-  if (isSetByTheFramework(*property)) {
+  if (isSetByTheFramework(*property) || isReadOnly()) {
     return fail(error, ABPropertyReadOnlyError, text + ": the property can't be set");
   }
   std::optional<Retained<NSObject>> checked = checkedValue(*property, value, error);
@@ -60,9 +60,13 @@ bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error)
   return true;
 }
 
-NSObject RecordObject::value(const Property& property) {
+const RecordObject::HeldValue* RecordObject::held(const Property& property) const {
   auto known = std::ranges::find(values_, &property, &HeldValue::property);
-  if (known != values_.end()) return known->value.get();
+  return known == values_.end() ? nullptr : &*known;
+}
+
+NSObject RecordObject::value(const Property& property) {
+  if (const HeldValue* known = held(property)) return known->value.get();
   Retained<NSObject> found = read(property);
   values_.push_back({&property, std::move(found), false});
   return values_.back().value.get();
@@ -80,7 +84,6 @@ Retained<NSObject> RecordObject::read(const Property& property) {
       NSDate::dateWithTimeIntervalSinceReferenceDate(*card_->fileTime - NSTimeIntervalSince1970));
 }
 
-// Drops what views showed of the old value.
 void RecordObject::store(const Property& property, Retained<NSObject> value) {
   std::erase_if(values_, [&](const HeldValue& held) {
     const PropertyView* view = findPropertyView(held.property->name);
@@ -98,6 +101,21 @@ const vcard::Card& RecordObject::lines() const {
   thread_local Parsed parsed;
   if (parsed.source != card_) parsed = {card_, vcard::parseCard(card_->text)};
   return parsed.card;
+}
+
+bool RecordObject::isChanged() const { return std::ranges::any_of(values_, &HeldValue::isChanged); }
+
+CardChanges RecordObject::changes(double time) const {
+  CardChanges changes{card_->uid, card_->isGroup, card_->database == nullptr, time, {}};
+  for (const HeldValue& held : values_) {
+    if (held.isChanged) changes.values.push_back({held.property, held.value});
+  }
+  return changes;
+}
+
+std::string RecordObject::changedText() const {
+  return changedCard(card_->fullText(),
+                     changes(NSDate::date().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970));
 }
 
 void RecordObject::noteChange() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/card_changes.h"
 #include "platform/contacts/record.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/stored_card.h"
@@ -30,6 +31,12 @@ struct RecordObject : objc::Object {
   // As initialized, of a card that is nowhere yet, pending in the book; nil for none.
   ABRecord initializedNew(bool isGroup, NSObject book);
 
+  // Since the card was read.
+  [[nodiscard]] bool isChanged() const;
+  [[nodiscard]] CardChanges changes(double time) const;
+  // The card as it would be saved now.
+  [[nodiscard]] std::string changedText() const;
+
   [[nodiscard]] const StoredCard& card() const { return *card_; }
   [[nodiscard]] bool isGroup() const { return card_->isGroup; }
   [[nodiscard]] AddressBookObject* book() const { return book_; }
@@ -39,19 +46,22 @@ struct RecordObject : objc::Object {
   // The card's lines, until another card's are asked for on this thread.
   [[nodiscard]] const vcard::Card& lines() const;
   void noteChange();
+  // Drops what views showed of the old value.
+  void store(const Property& property, Retained<NSObject> value);
 
- private:
   struct HeldValue {
     const Property* property;
     Retained<NSObject> value;
     bool isChanged;
   };
+  // Null when the property was neither read nor changed so far.
+  [[nodiscard]] const HeldValue* held(const Property& property) const;
 
+ private:
   // A value is read once: whoever asks again gets the same object.
   NSObject value(const Property& property);
   NSObject valueFor(std::string_view property) { return value(*schema_->find(property)); }
   [[nodiscard]] Retained<NSObject> read(const Property& property);
-  void store(const Property& property, Retained<NSObject> value);
 
   const Schema* schema_ = nullptr;
   StoredCardPointer card_;

@@ -8,15 +8,21 @@
 
 namespace contacts {
 
+class Database;
+
 // A card of the folder as it was last read. Never changes, so that several books share it.
 struct StoredCard {
-  std::string fileName;            // empty for a card that is not in the folder
+  const Database* database = nullptr;  // that has it; null for a card that is not in the folder
+  std::string fileName;
   std::size_t position = 0;        // among the file's cards
   std::optional<double> fileTime;  // when the file was last changed, in seconds since 1970
   std::string uid;  // without urn:uuid:; of a card that has none, or another card's, derived from its place
   bool isGroup = false;
   // The card in UTF-8. Pictures and the like have lost their values: they stay in the file until somebody asks.
   std::string text;
+
+  // As text, with all that was left out of it.
+  [[nodiscard]] std::string fullText() const;
 
   // What a record's UID property holds.
   [[nodiscard]] std::string uniqueId() const { return uid + (isGroup ? ":ABGroup" : ":ABPerson"); }

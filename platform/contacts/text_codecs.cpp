@@ -25,6 +25,10 @@ LineDraft textDraft(std::string_view name, NSObject value) {
   return {std::string(name), {}, vcard::escape(utf8Of(value.as<NSString>())), {}, {}};
 }
 
+LineDraft uriDraft(std::string_view name, NSObject value) {
+  return {std::string(name), {}, vcard::escapeUri(utf8Of(value.as<NSString>())), {}, {}};
+}
+
 std::optional<DecodedEntry> decodeEmail(const EntryLine& line) {
   if (!line.line.is("EMAIL")) return std::nullopt;
   return textEntry(line.text(), labelOf(line, kPlaceWords, kOther));
@@ -74,7 +78,7 @@ std::optional<DecodedEntry> decodeUrl(const EntryLine& line) {
 }
 
 std::vector<LineDraft> encodeUrl(NSObject value, const std::string& label) {
-  LineDraft draft = textDraft("URL", value);
+  LineDraft draft = uriDraft("URL", value);
   writeLabel(draft, label, kPlaceWords);
   return {draft};
 }
@@ -85,7 +89,7 @@ std::optional<DecodedEntry> decodeCalendar(const EntryLine& line) {
 }
 
 std::vector<LineDraft> encodeCalendar(NSObject value, const std::string& label) {
-  LineDraft draft = textDraft("CALURI", value);
+  LineDraft draft = uriDraft("CALURI", value);
   writeLabel(draft, label, kPlaceWords);
   return {draft};
 }

@@ -34,6 +34,11 @@ inline constexpr std::array kTextProperties{
     TextProperty{"GroupName", "FN", kWholeValue},
 };
 
+inline constexpr std::string_view kShowAsLine = "X-ABShowAs";
+inline constexpr std::string_view kOrderLine = "X-ABOrder";
+// A number that holds more than the words of the other two can say.
+inline constexpr std::string_view kFlagsLine = "X-ABFLAGS";
+
 // What the lines that hold a person's flags say for a flag.
 struct PersonFlagWord {
   std::string_view line;
@@ -43,12 +48,12 @@ struct PersonFlagWord {
 };
 
 inline constexpr std::array kPersonFlagWords{
-    PersonFlagWord{"X-ABSHOWAS", "PERSON", kABShowAsMask, kABShowAsPerson},
-    PersonFlagWord{"X-ABSHOWAS", "COMPANY", kABShowAsMask, kABShowAsCompany},
-    PersonFlagWord{"X-ABSHOWAS", "RESOURCE", kABShowAsMask, kABShowAsResource},
-    PersonFlagWord{"X-ABSHOWAS", "ROOM", kABShowAsMask, kABShowAsRoom},
-    PersonFlagWord{"X-ABORDER", "FIRST", kABNameOrderingMask, kABFirstNameFirst},
-    PersonFlagWord{"X-ABORDER", "LAST", kABNameOrderingMask, kABLastNameFirst},
+    PersonFlagWord{kShowAsLine, "PERSON", kABShowAsMask, kABShowAsPerson},
+    PersonFlagWord{kShowAsLine, "COMPANY", kABShowAsMask, kABShowAsCompany},
+    PersonFlagWord{kShowAsLine, "RESOURCE", kABShowAsMask, kABShowAsResource},
+    PersonFlagWord{kShowAsLine, "ROOM", kABShowAsMask, kABShowAsRoom},
+    PersonFlagWord{kOrderLine, "FIRST", kABNameOrderingMask, kABFirstNameFirst},
+    PersonFlagWord{kOrderLine, "LAST", kABNameOrderingMask, kABLastNameFirst},
 };
 
 }  // namespace contacts

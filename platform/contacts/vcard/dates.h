@@ -17,6 +17,11 @@ struct Date {
   friend bool operator==(const Date&, const Date&) = default;
 };
 
+// The leap year that stands in, by agreement of the programs that write it, where a date has no year, and the parameter
+// that says so.
+inline constexpr int kNoYear = 1604;
+inline constexpr std::string_view kOmittedYear = "X-APPLE-OMIT-YEAR";
+
 // A time after the date is not looked at. Nothing for what is no date, or less than month and day.
 std::optional<Date> parseDate(std::string_view text);
 // "2024-05-04", or "--05-04" without a year.

@@ -102,4 +102,17 @@ std::string escape(std::string_view text) {
   return escaped;
 }
 
+std::string escapeUri(std::string_view uri) {
+  std::string escaped;
+  for (const char c : withUnixBreaks(uri)) {
+    if (c == '\n') {
+      escaped += "\\n";
+      continue;
+    }
+    if (c == '\\') escaped.push_back('\\');
+    escaped.push_back(c);
+  }
+  return escaped;
+}
+
 }  // namespace vcard

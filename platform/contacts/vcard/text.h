@@ -23,5 +23,7 @@ std::vector<std::string> splitFields(std::string_view escaped, char separator, V
 
 // As version 3.0 escapes a text or one field of a structured value.
 std::string escape(std::string_view text);
+// As most programs write an address of the net: only what would break the line is escaped.
+std::string escapeUri(std::string_view uri);
 
 }  // namespace vcard

@@ -28,6 +28,8 @@ void appendParameterValue(std::string& content, std::string_view value) {
   if (isQuoted) content.push_back('"');
 }
 
+}  // namespace
+
 void appendFolded(std::string& card, std::string_view content) {
   std::size_t room = kLongestLine;
   while (content.size() > room) {
@@ -41,8 +43,6 @@ void appendFolded(std::string& card, std::string_view content) {
   card += content;
   card += "\r\n";
 }
-
-}  // namespace
 
 void appendLine(std::string& card, std::string_view group, std::string_view name,
                 const std::vector<Parameter>& parameters, std::string_view value) {

@@ -13,4 +13,7 @@ namespace vcard {
 void appendLine(std::string& card, std::string_view group, std::string_view name,
                 const std::vector<Parameter>& parameters, std::string_view value);
 
+// Appends a line's content, folded so and with its end.
+void appendFolded(std::string& card, std::string_view content);
+
 }  // namespace vcard

@@ -1,0 +1,127 @@
+#include "platform/contacts/vcard/conversion.h"
+
+#include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/dates.h"
+#include "platform/contacts/vcard/encoding.h"
+#include "platform/contacts/vcard/sections.h"
+#include "platform/contacts/vcard/text.h"
+#include "platform/contacts/vcard/writer.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace vcard {
+namespace {
+
+enum class Form { kText, kFields, kUri, kBinary, kDate };
+
+struct KnownLine {
+  std::string_view name;
+  Form form;
+};
+
+constexpr std::array kKnownLines{
+    KnownLine{"N", Form::kFields},       KnownLine{"ADR", Form::kFields},    KnownLine{"ORG", Form::kFields},
+    KnownLine{"FN", Form::kText},        KnownLine{"NICKNAME", Form::kText}, KnownLine{"TITLE", Form::kText},
+    KnownLine{"ROLE", Form::kText},      KnownLine{"NOTE", Form::kText},     KnownLine{"EMAIL", Form::kText},
+    KnownLine{"TEL", Form::kText},       KnownLine{"LABEL", Form::kText},    KnownLine{"MAILER", Form::kText},
+    KnownLine{"X-ABLABEL", Form::kText}, KnownLine{"URL", Form::kUri},       KnownLine{"IMPP", Form::kUri},
+    KnownLine{"PHOTO", Form::kBinary},   KnownLine{"LOGO", Form::kBinary},   KnownLine{"SOUND", Form::kBinary},
+    KnownLine{"KEY", Form::kBinary},     KnownLine{"BDAY", Form::kDate},     KnownLine{"UID", Form::kText},
+};
+
+// With CR LF for each physical line's break, and for one that is missing.
+void appendWithBreaks(std::string& text, std::string_view raw) {
+  while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
+}
+
+bool isPreferred(const Parameter& parameter) { return parameter.name == "PREF" && parameter.value == "1"; }
+
+// TYPE in the lower case in which version 3.0's programs write it, and PREF=1 as a type.
+std::vector<Parameter> convertedParameters(const Line& line) {
+  std::vector<Parameter> parameters = withoutEncoding(line.parameters());
+  for (Parameter& parameter : parameters) {
+    if (parameter.name == "TYPE") parameter.name = "type";
+    if (isPreferred(parameter)) parameter = {"type", "pref"};
+  }
+  return parameters;
+}
+
+void appendBinary(std::string& text, const Line& line, std::vector<Parameter> parameters) {
+  const std::string bytes = binaryValue(line);
+  if (bytes.empty()) {
+    appendLine(text, line.group(), line.name(), parameters, decodedValue(line));
+    return;
+  }
+  std::erase_if(parameters, [](const Parameter& parameter) { return parameter.name == "VALUE"; });
+  parameters.insert(parameters.begin(), {"ENCODING", "b"});
+  const std::string_view value = trimmed(line.value());
+  constexpr std::string_view kImage = "data:image/";
+  if (equalsIgnoringCase(value.substr(0, kImage.size()), kImage)) {
+    const std::string_view kind = value.substr(kImage.size());
+    parameters.push_back({"TYPE", uppercased(kind.substr(0, kind.find_first_of(";,")))});
+  }
+  appendLine(text, line.group(), line.name(), parameters, encodeBase64(bytes));
+}
+
+void appendDate(std::string& text, const Line& line, std::vector<Parameter> parameters) {
+  const std::string value = decodedValue(line);
+  std::optional<Date> date = parseDate(value);
+  if (!date || date->year) {
+    appendLine(text, line.group(), line.name(), parameters, value);
+    return;
+  }
+  // Version 3.0 has no date without a year; this is how others say it.
+  date->year = kNoYear;
+  std::erase_if(parameters, [](const Parameter& parameter) { return parameter.name == "VALUE"; });
+  parameters.push_back({std::string(kOmittedYear), std::to_string(kNoYear)});
+  appendLine(text, line.group(), line.name(), parameters, formatDate(*date));
+}
+
+void appendKnown(std::string& text, const Line& line, Form form, Version version) {
+  std::vector<Parameter> parameters = convertedParameters(line);
+  if (form == Form::kBinary) return appendBinary(text, line, std::move(parameters));
+  if (form == Form::kDate) return appendDate(text, line, std::move(parameters));
+  const std::string value = decodedValue(line);
+  std::string converted;
+  if (form == Form::kUri) {
+    converted = escapeUri(unescape(value, version));
+  } else if (form == Form::kText) {
+    converted = escape(unescape(value, version));
+  } else {
+    for (const std::string& field : splitFields(value, ';', version)) converted += escape(field) + ";";
+    converted.pop_back();
+  }
+  appendLine(text, line.group(), line.name(), parameters, converted);
+}
+
+}  // namespace
+
+std::vector<Parameter> withoutEncoding(std::vector<Parameter> parameters) {
+  std::erase_if(parameters,
+                [](const Parameter& parameter) { return parameter.name == "ENCODING" || parameter.name == "CHARSET"; });
+  return parameters;
+}
+
+void appendConverted(std::string& text, const Line& line, Version version) {
+  if (line.is("VERSION")) {
+    appendLine(text, "", "VERSION", {}, "3.0");
+  } else if (version == Version::k30 || line.name().empty() || line.is("AGENT")) {
+    appendWithBreaks(text, line.raw());
+  } else if (line.is("KIND") && equalsIgnoringCase(trimmed(line.value()), "group")) {
+    appendLine(text, "", "X-ADDRESSBOOKSERVER-KIND", {}, "group");
+  } else if (line.is("MEMBER")) {
+    appendLine(text, line.group(), "X-ADDRESSBOOKSERVER-MEMBER", {}, line.value());
+  } else {
+    auto known = std::ranges::find_if(kKnownLines, [&](const KnownLine& candidate) { return line.is(candidate.name); });
+    if (known != kKnownLines.end()) {
+      appendKnown(text, line, known->form, version);
+    } else {
+      appendFolded(text, line.content());
+    }
+  }
+}
+
+}  // namespace vcard
