@@ -31,7 +31,7 @@ struct DeclaredType {
 };
 
 // "[byref] name[()] as type[()]"; what stands before " as " is a parameter's or a method's name.
-consteval DeclaredType declaredType(std::string_view text) {
+constexpr DeclaredType declaredType(std::string_view text) {
   DeclaredType type;
   const std::size_t as = text.rfind(" as ");
   if (as == std::string_view::npos) return type;
@@ -51,7 +51,7 @@ struct Declaration {
   std::string_view parameters;  // between the parentheses
   DeclaredType result;
 
-  consteval explicit Declaration(std::string_view text) {
+  constexpr explicit Declaration(std::string_view text) {
     // An array result's "()" comes after " as "; a parameter list never does.
     const std::size_t open = text.find('(');
     if (open == std::string_view::npos || text.substr(0, open).find(" as ") != std::string_view::npos) {
@@ -67,11 +67,11 @@ struct Declaration {
     result = declaredType(text.substr(close + 1));
   }
 
-  [[nodiscard]] consteval std::size_t parameterCount() const {
+  [[nodiscard]] constexpr std::size_t parameterCount() const {
     return trimmed(parameters).empty() ? 0 : 1 + static_cast<std::size_t>(std::ranges::count(parameters, ','));
   }
 
-  [[nodiscard]] consteval DeclaredType parameter(std::size_t index) const {
+  [[nodiscard]] constexpr DeclaredType parameter(std::size_t index) const {
     std::string_view rest = parameters;
     for (; index > 0; --index) rest.remove_prefix(rest.find(',') + 1);
     return declaredType(rest.substr(0, rest.find(',')));
@@ -79,14 +79,14 @@ struct Declaration {
 };
 
 template <class T>
-consteval bool fitsArray(std::string_view element) {
+constexpr bool fitsArray(std::string_view element) {
   if (same(element, "string")) return std::is_same_v<T, REALstringArray>;
   if (same(element, "dictionary")) return std::is_same_v<T, REALdictionaryArray>;
   return std::is_same_v<T, REALobjectArray>;
 }
 
 template <class T>
-consteval bool fitsScalar(std::string_view name) {
+constexpr bool fitsScalar(std::string_view name) {
   if (name.empty()) return std::is_void_v<T>;
   if (same(name, "string")) return std::is_same_v<T, REALstring>;
   if (same(name, "integer")) return std::is_same_v<T, REALinteger>;
@@ -99,7 +99,7 @@ consteval bool fitsScalar(std::string_view name) {
 }
 
 template <class T>
-consteval bool fits(DeclaredType type) {
+constexpr bool fits(DeclaredType type) {
   if (type.isByReference) {
     if constexpr (std::is_pointer_v<T>) {
       return fits<std::remove_pointer_t<T>>(DeclaredType{type.name, type.isArray, false});
@@ -113,7 +113,7 @@ consteval bool fits(DeclaredType type) {
 // The text is copied before it is read, here and below: under its undefined-behaviour sanitizer the compiler takes no
 // address into a template argument for constant.
 template <FixedString Text, class... Parameters>
-consteval bool fitsParameters() {
+constexpr bool fitsParameters() {
   const FixedString text = Text;
   const Declaration declaration(text.view());
   if (declaration.parameterCount() != sizeof...(Parameters)) return false;
@@ -122,7 +122,7 @@ consteval bool fitsParameters() {
 }
 
 template <FixedString Text, class Result>
-consteval bool fitsResult() {
+constexpr bool fitsResult() {
   const FixedString text = Text;
   return fits<Result>(Declaration(text.view()).result);
 }
