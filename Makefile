@@ -19,11 +19,11 @@ test:
 	@scripts/test-presets $$(scripts/widths)
 
 check:
-	@scripts/install-packages build check
+	@scripts/install-packages build check bench
 	@scripts/check
 
 bench:
-	@scripts/install-packages build check
+	@scripts/install-packages build bench
 	@scripts/bench
 
 format:
