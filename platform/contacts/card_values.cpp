@@ -105,9 +105,10 @@ Retained<NSObject> customFromCard(const Property& property, const vcard::Card& c
 
 bool isNamedAsCompany(const vcard::Card& card) {
   if (hasNameFields(card)) return false;
+  if (vcard::equalsIgnoringCase(textFromCard("KIND", kWholeValue, card), "org")) return true;
+  const std::string organization = textFromCard("ORG", 0, card);
   const std::string fullName = textFromCard("FN", kWholeValue, card);
-  const bool isOrganization = vcard::equalsIgnoringCase(textFromCard("KIND", kWholeValue, card), "org");
-  return isOrganization || (!fullName.empty() && fullName == textFromCard("ORG", 0, card));
+  return !organization.empty() && (fullName.empty() || fullName == organization);
 }
 
 std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name) {
