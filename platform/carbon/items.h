@@ -12,9 +12,9 @@
 // Items of the file system, as the file functions see them.
 namespace carbon {
 
-// The items that references were made to, each under a number of its own: a path doesn't fit into a reference, and the
-// numbers of the file system's own can't be turned into an item again by an ordinary user. Grows with the number of
-// different items and is never emptied.
+// The items that references were made to, each under a number of its own: a path doesn't fit into a reference, and an
+// ordinary user can't get from the file system's own numbers back to an item. Grows with the number of different items
+// and is never emptied.
 class ItemTable {
  public:
   static ItemTable& shared();
