@@ -2,6 +2,7 @@
 
 #include "platform/contacts/address_book_object.h"
 #include "platform/contacts/errors.h"
+#include "platform/contacts/group_object.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/exception.h"
@@ -108,11 +109,20 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
+  for (const ABRecord group : groups_) objectOf(group.as<ABGroup>()).forget(removed);
   removed.setBook(nullptr);
   std::erase(listOf(record), record);
   records_.erase(id);
   noteChange();
   return true;
+}
+
+NSArray AddressBookObject::groupsWith(const RecordObject& record) const {
+  NSMutableArray parents = NSMutableArray::array();
+  for (const ABRecord group : groups_) {
+    if (objectOf(group.as<ABGroup>()).has(record)) parents.addObject(group);
+  }
+  return parents;
 }
 
 void AddressBookObject::load(const StoredCardPointer& card) { insert(newRecord(card)); }

@@ -34,6 +34,8 @@ struct AddressBookObject : objc::Object {
 
   void load(const StoredCardPointer& card);
   void noteChange() { hasUnsavedChanges_ = true; }
+  // Those that the record is a direct member of.
+  [[nodiscard]] NSArray groupsWith(const RecordObject& record) const;
   // Nil when there is none.
   [[nodiscard]] ABRecord find(const std::string& uniqueId) const;
 

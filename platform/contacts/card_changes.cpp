@@ -54,6 +54,8 @@ class CardWriter {
     writeTextLine("NOTE");
     for (const CardChanges::Value& change : changes_.values) writeValue(*change.property, change.value.get());
     if (!changes_.isGroup) writeFlags();
+    writeMembers(editor_, changes_.members);
+    writeDistributions(editor_, changes_.distributions);
     writeCardLines();
     return editor_.text();
   }

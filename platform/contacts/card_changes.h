@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/group_lines.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/vcard/card.h"
 #include "platform/foundation/data.h"
@@ -25,6 +26,8 @@ struct CardChanges {
   bool isNew = false;  // no folder has it yet
   double time = 0;     // of the change, in seconds since 1970
   std::vector<Value> values;
+  std::vector<MemberChange> members;        // one a member
+  std::vector<Distribution> distributions;  // one a member and property
 };
 
 // A person's picture, as a property that no schema has.

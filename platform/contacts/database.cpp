@@ -1,5 +1,6 @@
 #include "platform/contacts/database.h"
 
+#include "platform/contacts/group_lines.h"
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/ascii.h"
@@ -18,14 +19,6 @@ namespace {
 void logRefusal(const std::string& fileName, const std::string& reason) {
   const AutoreleasePool pool;
   NSLog("contacts folder: %@: %@; left alone"_ns, makeString(printable(fileName)), makeString(printable(reason)));
-}
-
-std::string uidOf(const vcard::Line& line, vcard::Version version) {
-  constexpr std::string_view kPrefix = "urn:uuid:";
-  const std::string text = vcard::unescape(vcard::decodedValue(line), version);
-  std::string_view uid = vcard::trimmed(text);
-  if (vcard::equalsIgnoringCase(uid.substr(0, kPrefix.size()), kPrefix)) uid.remove_prefix(kPrefix.size());
-  return std::string(uid);
 }
 
 bool saysGroup(const vcard::Line& line) {

@@ -95,6 +95,7 @@ void registerPerson() {
   builder.method<&PersonObject::init>("init")
       .method<&PersonObject::initWithAddressBook>("initWithAddressBook:")
       .method<&PersonObject::initWithVCardRepresentation>("initWithVCardRepresentation:")
+      .method<&RecordObject::parentGroups>("parentGroups")
       .method<&PersonObject::vCardRepresentation>("vCardRepresentation")
       .method<&PersonObject::imageData>("imageData")
       .method<&PersonObject::setImageData>("setImageData:");

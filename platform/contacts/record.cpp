@@ -3,6 +3,7 @@
 #include "platform/contacts/address_book_object.h"
 #include "platform/contacts/card_values.h"
 #include "platform/contacts/errors.h"
+#include "platform/contacts/group_object.h"
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/property_views.h"
@@ -103,15 +104,21 @@ const vcard::Card& RecordObject::lines() const {
   return parsed.card;
 }
 
-bool RecordObject::isChanged() const { return std::ranges::any_of(values_, &HeldValue::isChanged); }
+bool RecordObject::isChanged() const {
+  return std::ranges::any_of(values_, &HeldValue::isChanged) ||
+         (isGroup() && static_cast<const GroupObject*>(this)->hasChangedMembers());
+}
 
 CardChanges RecordObject::changes(double time) const {
-  CardChanges changes{card_->uid, card_->isGroup, card_->database == nullptr, time, {}};
+  CardChanges changes{card_->uid, isGroup(), card_->database == nullptr, time, {}, {}, {}};
   for (const HeldValue& held : values_) {
     if (held.isChanged) changes.values.push_back({held.property, held.value});
   }
+  if (isGroup()) static_cast<const GroupObject*>(this)->addChangesTo(changes);
   return changes;
 }
+
+NSArray RecordObject::parentGroups() const { return book_ == nullptr ? NSArray::array() : book_->groupsWith(*this); }
 
 std::string RecordObject::changedText() const {
   return changedCard(card_->fullText(),

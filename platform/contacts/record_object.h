@@ -5,7 +5,7 @@
 #include "platform/contacts/schema.h"
 #include "platform/contacts/stored_card.h"
 #include "platform/contacts/vcard/card.h"
-#include "platform/foundation/data.h"
+#include "platform/foundation/array.h"
 #include "platform/objc/retained.h"
 
 #include <string>
@@ -25,6 +25,7 @@ struct RecordObject : objc::Object {
   bool setValueOrFail(NSObject value, NSString name, NSError* error);
   bool removeValueForProperty(NSString name) { return setValueOrFail(nullptr, name, nullptr); }
   [[nodiscard]] NSString description();
+  [[nodiscard]] NSArray parentGroups() const;
 
   // Makes an allocated record the record of the card.
   ABRecord initialized(const Schema& schema, StoredCardPointer card);

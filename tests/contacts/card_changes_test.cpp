@@ -73,7 +73,8 @@ TEST(CardChanges, TouchOnlyTheLinesTheyAreAbout) {
   expectWritten({
       {"UID:1\nX-A;Q=1:a\\,b\n  c\nN:a;b\nFN:b a\nitem7.X-B:x\n", set(kABNoteProperty, "n"_ns),
        "UID:1\nX-A;Q=1:a\\,b c\nN:a;b\nFN:b a\nitem7.X-B:x\nNOTE:n\n"},
-      {"N:a;b;c;d;e;f\nFN:x\nUID:2\n", set(kABFirstNameProperty, "B;"_ns), "N:a;B\\;;c;d;e;f\nFN:d B\\; c a e\nUID:2\n"},
+      {"N:a;b;c;d;e;f\nFN:x\nUID:2\n", set(kABFirstNameProperty, "B;"_ns),
+       "N:a;B\\;;c;d;e;f\nFN:d B\\; c a e\nUID:2\n"},
       {"N:a;b\nFN;LANGUAGE=en:x\nUID:3\nX-Z:1\n", set(kABLastNameProperty, nullptr),
        "N:;b;;;\nFN;LANGUAGE=en:b\nUID:3\nX-Z:1\n"},
       {"FN:Full Name\nUID:4\n", set(kABJobTitleProperty, "t"_ns), "FN:Full Name\nN:;Full Name;;;\nTITLE:t\nUID:4\n"},
