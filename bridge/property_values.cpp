@@ -21,6 +21,8 @@ NSObject objectValue(REALvariant variant) {
   if (!object) return nullptr;
   if (IsMemoryBlock(object.get())) return NewNSData(static_cast<REALmemoryBlock>(object.get()));
   if (IsDictionary(object.get())) return NewNSDictionary(static_cast<REALdictionary>(object.get()));
+  // Other classes may hold anything in their first word.
+  if (!REALObjectIsA(object.get(), "ABMultiValueVXR")) return nullptr;
   auto held = wrapped<NSObject>(object.get());
   return held.isKindOfClass("ABMultiValue"_class) ? held : nullptr;
 }
