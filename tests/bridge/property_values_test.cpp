@@ -1,0 +1,123 @@
+#include "bridge/property_values.h"
+
+#include "bridge/instance_registry.h"
+#include "bridge/wrappers.h"
+#include "frame/host_ref.h"
+#include "host/arrays.h"
+#include "host/dictionaries.h"
+#include "host/entries.h"
+#include "platform/contacts/address_book.h"
+#include "platform/contacts/constants.h"
+#include "platform/foundation/date_components.h"
+#include "platform/objc/retained.h"
+#include "tests/bridge/shown_values.h"
+#include "tests/kit/host.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+std::string shownValue(const host::Value& value) {
+  const auto variant = variantOf(value);
+  return shown(NewValue(variant.get(), kABStringProperty));
+}
+
+Retained<ABMutableMultiValue> multiValue() {
+  return Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
+}
+
+}  // namespace
+
+TEST(PropertyValues, ReachTheHostByKind) {
+  const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
+  const NSNumber number = NSNumber::numberWithDouble(2.5);
+  struct Case {
+    NSObject value;
+    std::int32_t type;
+    std::string expected;
+  };
+  for (const Case& given : std::vector<Case>{
+           {nullptr, kABStringProperty, "Nil"},
+           {"Zoë"_ns, kABStringProperty, "'Zoë'"},
+           {""_ns, kABStringProperty, "Nil"},
+           {number, kABRealProperty, "Double 2.5"},
+           {number, kABIntegerProperty, "Integer 2"},
+           {number, kABStringProperty, "Integer 2"},
+           {NSNumber::numberWithBool(true), kABIntegerProperty, "Integer 1"},
+           {NSNumber::numberWithInt(-7), kABRealProperty, "Double -7"},
+           {NSCalendarDate::dateWithYear(2012, 7, 14, 9, 5, 7, nullptr), kABDateProperty, "Date 2012-07-14 09:05:07"},
+           {NSDictionary::dictionaryWithObject("value"_ns, "key"_ns), kABDictionaryProperty, "{'key'='value'}"},
+           {NSData::dataWithBytes("abc", 3), kABDataProperty, "block abc"},
+           {NSData::dataWithBytes("", 0), kABDataProperty, "Nil"},
+           {NSArray::arrayWithObject("x"_ns), kABArrayProperty, "Nil"},
+           {NSURL::URLWithString("http://example.com"_ns), kABStringProperty, "Nil"},
+           {NSNull::null(), kABStringProperty, "Nil"},
+           {ABAddressBook::sharedAddressBook().people().objectAtIndex(0), kABStringProperty, "Nil"},
+       }) {
+    const REALvariant variant = GetValue(given.value, given.type);
+    EXPECT_EQ(variant == nullptr, given.expected == "Nil");
+    EXPECT_EQ(shown(take(variant)), given.expected) << given.type;
+  }
+}
+
+TEST(PropertyValues, OfMultiValuesAreTheirOneWrapper) {
+  const Host host{};
+  CocoaInit();
+  const auto values = multiValue();
+  {
+    const host::Value first = take(GetValue(values.get(), kABMultiStringProperty));
+    const host::Value second = take(GetValue(values.get(), kABMultiStringProperty));
+    EXPECT_EQ(first.typeName(), "ABMultiValueVXR");
+    EXPECT_EQ(first.object(), second.object());
+    EXPECT_EQ(FindInstance(values.get()), first.object());
+    EXPECT_EQ(NewValue(first.object(), kABMultiStringProperty), values.get());
+  }
+  EXPECT_EQ(FindInstance(values.get()), nullptr);
+  host::failNewInstance(1);
+  EXPECT_EQ(GetValue(values.get(), kABMultiStringProperty), nullptr);
+}
+
+TEST(PropertyValues, ReachTheFrameworkByTypeCode) {
+  const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
+  const auto people = host.shared("ABAddressBookVXR", "sharedAddressbook").call("people");
+  struct Case {
+    host::Value value;
+    std::string expected;
+  };
+  for (const Case& given : std::vector<Case>{
+           {5, "l 5"},
+           {std::int64_t{1} << 40, "q 1099511627776"},
+           {2.5F, "f 2.5"},
+           {2.25, "d 2.25"},
+           {true, "l 1"},
+           {host::variantOfType(11, 256), "l 256"},
+           {host::variantOfType(16, 7), "l 7"},
+           {"Zoë", "'Zoë'"},
+           {"", "nil"},
+           {host::date(2012, 7, 14, 9, 5, 7), "date 2012-7-14 9:5:7"},
+           {host::memoryBlock("abc"), "data abc"},
+           {host::memoryBlock(""), "nil"},
+           {host::dictionary({{"key", ""}}), "{'key'=''}"},
+           {people.at(0), "nil"},
+           {host.make("ABPersonVXR"), "nil"},
+           {host.make("ABMutableMultiValueVXR"), "ABMutableMultiValue"},
+           {host::Value::adopt(REALnewInstance("ABMultiValueVXR")), "nil"},  // wraps nothing
+           // Objects that hold no framework object.
+           {host::folderItem("/"), "nil"},
+           {host::Value::adopt(REALnewInstance("RuntimeException")), "nil"},
+           {host::Value::adopt(REALnewInstance("NSRectVXR")), "nil"},
+           {host::stringArray({"a"}), "nil"},
+           {host::variantOfType(6, 1), "nil"},
+           {nullptr, "nil"},
+       }) {
+    EXPECT_EQ(shownValue(given.value), given.expected);
+  }
+  EXPECT_FALSE(NewValue(nullptr, kABStringProperty));
+}
+
+TEST(PropertyValues, OfObjectsNeedTheHostsProperty) {
+  const Host host{.without = {"Variant.ObjectValue"}};
+  EXPECT_EQ(shownValue(host::memoryBlock("abc")), "nil");
+}
