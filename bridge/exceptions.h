@@ -4,8 +4,8 @@
 
 #include <utility>
 
-// Leaves the exception pending in the host, as an object of its class "NSExceptionVXR". Where the host lacks that class,
-// the application ends through MyNSUncaughtExceptionHandler.
+// Leaves the exception pending in the host, as an object of its class "NSExceptionVXR". Where the host lacks that
+// class, the application ends through MyNSUncaughtExceptionHandler.
 void RaiseRBException(NSException exception);
 
 // Logs the exception, shows it in a message box and quits the application.

@@ -4,6 +4,7 @@
 #include "platform/contacts/errors.h"
 #include "platform/contacts/group_object.h"
 #include "platform/contacts/load.h"
+#include "platform/contacts/preferences.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
@@ -138,6 +139,14 @@ void AddressBookObject::insert(Retained<ABRecord> record) {
   records_.emplace(object.card().uniqueId(), std::move(record));
 }
 
+namespace {
+
+NSInteger nameOrdering(ABAddressBook) { return defaultNameOrdering(); }
+
+NSString countryCode(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
+
+}  // namespace
+
 void registerAddressBook() {
   objc::ClassBuilder::define<AddressBookObject>("ABAddressBook", "NSObject")
       .classMethod<&sharedAddressBook>("sharedAddressBook")
@@ -150,7 +159,9 @@ void registerAddressBook() {
       .method<&AddressBookObject::addRecordOrFail>("addRecord:error:")
       .method<&AddressBookObject::removeRecord>("removeRecord:")
       .method<&AddressBookObject::removeRecordOrFail>("removeRecord:error:")
-      .method<&AddressBookObject::hasUnsavedChanges>("hasUnsavedChanges");
+      .method<&AddressBookObject::hasUnsavedChanges>("hasUnsavedChanges")
+      .method<&nameOrdering>("defaultNameOrdering")
+      .method<&countryCode>("defaultCountryCode");
 }
 
 }  // namespace contacts

@@ -1,8 +1,8 @@
 #include "platform/contacts/address_book.h"
-#include "platform/foundation/exception.h"
 #include "host/classes.h"
 #include "host/entries.h"
 #include "host/objects.h"
+#include "platform/foundation/exception.h"
 #include "platform/objc/instrumentation.h"
 #include "tests/kit/host.h"
 
