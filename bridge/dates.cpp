@@ -31,9 +31,9 @@ NSDate NewNSDateFromVariant(REALvariant variant) {
 
 REALobject NSDateRB(NSDate date) {
   if (!date) return nullptr;
+  const NSTimeInterval seconds = date.timeIntervalSinceReferenceDate();
   NSCalendarDate calendarDate =
-      Retained<NSCalendarDate>::adopt(
-          NSCalendarDate::alloc().initWithTimeIntervalSinceReferenceDate(date.timeIntervalSinceReferenceDate()))
+      Retained<NSCalendarDate>::adopt(NSCalendarDate::alloc().initWithTimeIntervalSinceReferenceDate(seconds))
           .autorelease();
   if (!calendarDate) return nullptr;
   auto result = adoptHost(REALnewInstance("Date"));

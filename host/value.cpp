@@ -17,6 +17,8 @@ template <class... Visitors>
 struct Overloaded : Visitors... {
   using Visitors::operator()...;
 };
+template <class... Visitors>
+Overloaded(Visitors...) -> Overloaded<Visitors...>;
 
 template <class T>
 concept HostInteger = std::integral<T> && !std::same_as<T, bool>;
