@@ -15,7 +15,7 @@ namespace host {
 Value folderItem(const std::filesystem::path& path);
 std::filesystem::path pathOf(const Value& folderItem);
 
-// With one reference for the caller; null when the specification or the parent means nothing.
+// With one reference for the caller; null when the FSSpec or the parent means nothing.
 REALfolderItem newFolderItem(const FSSpec* spec);
 REALfolderItem newFolderItem(const FSRef* parent, const HFSUniStr255* name);
 // False for what doesn't exist.
