@@ -66,6 +66,8 @@ void unlockObject(REALobject object) {
   --live;
 }
 
+void lockString(REALstring string) { ++of(string).references; }
+
 void unlockString(REALstring string) {
   if (--of(string).references == 0) delete &of(string);
 }
@@ -112,6 +114,7 @@ void* resolve(const char* name) {
       {"PluginNewInstance", entry(newInstance)},
       {"REALLockObject", entry(lockObject)},
       {"REALUnlockObject", entry(unlockObject)},
+      {"REALLockString", entry(lockString)},
       {"REALUnlockString", entry(unlockString)},
       {"REALBuildString", entry(buildString)},
       {"REALSetStringEncoding", entry(setEncoding)},
@@ -176,5 +179,7 @@ std::string classOf(REALobject object) { return *of(object).className; }
 long liveObjects() { return live; }
 
 void release(REALobject object) { unlockObject(object); }
+
+void release(REALstring string) { unlockString(string); }
 
 }  // namespace independent_host

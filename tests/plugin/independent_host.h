@@ -27,5 +27,6 @@ const std::vector<REALobject>& elements(REALobjectArray array);
 std::string classOf(REALobject object);
 long liveObjects();
 void release(REALobject object);
+void release(REALstring string);
 
 }  // namespace independent_host

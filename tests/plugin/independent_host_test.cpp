@@ -32,13 +32,17 @@ TEST(IndependentHost, ListsPeopleThroughTheTables) {
 
   auto* valueForProperty = reinterpret_cast<REALvariant (*)(REALobject, REALstring)>(
       independent_host::method("ABRecordVXR", "valueForProperty(PropertyName as string) as variant"));
-  REALvariant first = valueForProperty(zoe, independent_host::string("First"));
+  REALstring property = independent_host::string("First");
+  REALvariant first = valueForProperty(zoe, property);
   EXPECT_EQ(independent_host::text(first), "Zoë");
   auto* uniqueId =
       reinterpret_cast<REALstring (*)(REALobject)>(independent_host::method("ABRecordVXR", "uniqueId as string"));
-  EXPECT_EQ(independent_host::text(uniqueId(zoe)), "1:ABPerson");
-  EXPECT_EQ(independent_host::text(shared<REALstring()>("kABFirstNameProperty as string")()), "First");
+  REALstring id = uniqueId(zoe);
+  EXPECT_EQ(independent_host::text(id), "1:ABPerson");
+  REALstring constant = shared<REALstring()>("kABFirstNameProperty as string")();
+  EXPECT_EQ(independent_host::text(constant), "First");
 
+  for (REALstring string : {property, id, constant}) independent_host::release(string);
   independent_host::release(first);
   independent_host::release(all);
   independent_host::release(book);
@@ -57,6 +61,7 @@ void expectNothing() {
   auto* typeOfProperty = reinterpret_cast<REALinteger (*)(REALstring)>(
       independent_host::sharedMethod("ABPersonVXR", "typeOfProperty(propertyName as string) as integer"));
   EXPECT_EQ(typeOfProperty(name), 0);
+  independent_host::release(name);
   EXPECT_EQ(independent_host::liveObjects(), 0);
 }
 
