@@ -175,7 +175,8 @@ TEST_F(Values, ThatAreLackingCannotBeRead) {
 template <class Element>
 std::vector<Element> readDirectly(const Value& array) {
   auto* raw = static_cast<REALarray>(array.object());
-  auto* getter = entry<Element (*(REALarray))(REALarray, REALinteger)>("RuntimeArrayDirectGetGetProc")(raw);
+  auto* getter = reinterpret_cast<Element (*)(REALarray, REALinteger)>(
+      entry<void*(REALarray)>("RuntimeArrayDirectGetGetProc")(raw));
   std::vector<Element> elements;
   for (REALinteger i = 0; i <= entry<REALinteger(REALarray)>("RuntimeUBound")(raw); ++i) {
     elements.push_back(getter(raw, i));
@@ -206,7 +207,8 @@ TEST_F(Values, ArraysOfReferencesAreFilledByInsertion) {
   auto* create = entry<REALarray(std::int32_t, REALinteger)>("RuntimeArrayCreateSingleDimBoundedArray");
   const auto made = ObjectRef::adopt(create(kArrayOfStrings, -1));
   auto* raw = static_cast<REALarray>(made.get());
-  auto* insert = entry<void (*(REALarray))(REALarray, REALinteger, REALstring)>("RuntimeArrayDirectGetInsertProc")(raw);
+  auto* insert = reinterpret_cast<void (*)(REALarray, REALinteger, REALstring)>(
+      entry<void*(REALarray)>("RuntimeArrayDirectGetInsertProc")(raw));
   for (const char* text : {"c", "b", "a"}) insert(raw, 0, Value(text).string());
   insert(raw, 3, nullptr);
   insert(raw, 9, Value("lost").string());
