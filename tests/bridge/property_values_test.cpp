@@ -39,8 +39,8 @@ TEST(PropertyValues, ReachTheHostByKind) {
     std::string expected;
   };
   for (const Case& given : std::vector<Case>{
-           {nullptr, kABStringProperty, "Nil"},
            {"Zoë"_ns, kABStringProperty, "'Zoë'"},
+           {nullptr, kABStringProperty, "Nil"},
            {""_ns, kABStringProperty, "Nil"},
            {number, kABRealProperty, "Double 2.5"},
            {number, kABIntegerProperty, "Integer 2"},

@@ -129,8 +129,8 @@ TEST(FoundationToVariants, GoByKind) {
     std::string expected;
   };
   for (const Case& given : std::vector<Case>{
-           {nullptr, "Nil"},
            {NSNull::null(), "Nil"},
+           {nullptr, "Nil"},
            {"Zoë"_ns, "'Zoë'"},
            {""_ns, "''"},
            {NSData::dataWithBytes("abc", 3), "block abc"},
