@@ -88,10 +88,15 @@ extern "C" {
 PLATFORM_API objc::Object* NSConstantString(const char* text);
 }
 
+// The string of a literal, once it is made. Not a variable of the function's own: clang 14 breaks on those within
+// braces.
+template <FixedString Text>
+inline constinit std::atomic<objc::Object*> madeConstantString{nullptr};
+
 // A constant string; nil while there is no platform.
 template <FixedString Text>
 NSString operator""_ns() {
-  static constinit std::atomic<objc::Object*> made{nullptr};
+  std::atomic<objc::Object*>& made = madeConstantString<Text>;
   objc::Object* string = made.load(std::memory_order_acquire);
   if (string == nullptr && PLATFORM_HAS(NSConstantString)) {
     string = NSConstantString(Text.text);

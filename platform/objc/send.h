@@ -31,10 +31,15 @@ constexpr SelectorLiteral<Text> operator""_sel() {
   return {};
 }
 
+// The class of a literal, once it is found. Not a variable of the function's own: clang 14 breaks on those within
+// braces.
+template <FixedString Text>
+inline constinit std::atomic<objc::ClassRecord*> foundClass{nullptr};
+
 // The class of that name, looked up until it is found and then remembered; nil as long as there is none.
 template <FixedString Text>
 Class operator""_class() {
-  static constinit std::atomic<objc::ClassRecord*> found{nullptr};
+  std::atomic<objc::ClassRecord*>& found = foundClass<Text>;
   objc::ClassRecord* record = found.load(std::memory_order_acquire);
   if (record == nullptr) {
     record = Class(Text.text).record();
