@@ -62,7 +62,7 @@ void plainEvent(REALobject object) {
 }
 
 template <std::size_t Index>
-void changeEvent(REALobject object, bool flag, REALarray first, REALarray second, REALarray third) {
+void changeEvent(REALobject object, bool flag, REALstringArray first, REALstringArray second, REALstringArray third) {
   const std::array<Value, 4> arguments{flag, Value::share(first), Value::share(second), Value::share(third)};
   dispatch(object, Index + 1, arguments);
 }

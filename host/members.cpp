@@ -16,33 +16,47 @@ namespace {
 
 // One way to call a member.
 struct Callable {
-  const HostClass* owner;
-  std::string name;
-  std::vector<Parameter> parameters;
-  Type result;
+  const Method* method;
   void* function;
+  bool isAssignment;  // through a setter, which takes the assigned value behind the declared parameters
+
+  [[nodiscard]] const Declaration& declaration() const { return method->declaration; }
+  [[nodiscard]] std::size_t count() const { return declaration().parameters.size() + (isAssignment ? 1 : 0); }
+  [[nodiscard]] const Type& type(std::size_t index) const {
+    const auto& parameters = declaration().parameters;
+    return index < parameters.size() ? parameters[index].type : declaration().result;
+  }
+  [[nodiscard]] bool isByReference(std::size_t index) const {
+    const auto& parameters = declaration().parameters;
+    return index < parameters.size() && parameters[index].isByReference;
+  }
+  [[nodiscard]] const Type& result() const {
+    static const Type nothing;
+    return isAssignment ? nothing : declaration().result;
+  }
 };
 
 using Callables = std::vector<Callable>;
 
+bool takesAssignment(const Declaration& declaration) {
+  return !declaration.parameters.empty() && declaration.parameters.back().isAssigned;
+}
+
 void addMethods(Callables& callables, const std::vector<Method>& methods, std::string_view name) {
-  for (const auto& [declaration, record, owner] : methods) {
-    if (!sameName(declaration.name, name)) continue;
-    if (!declaration.parameters.empty() && declaration.parameters.back().isAssigned) continue;
-    callables.push_back({owner, declaration.name, declaration.parameters, declaration.result, record->function});
+  for (const Method& method : methods) {
+    if (!sameName(method.declaration.name, name) || takesAssignment(method.declaration)) continue;
+    callables.push_back({&method, method.record->function, false});
   }
 }
 
 // A method is assigned to through its setter, or is declared to take the assigned value.
 void addSetters(Callables& callables, const std::vector<Method>& methods, std::string_view name) {
-  for (const auto& [declaration, record, owner] : methods) {
-    if (!sameName(declaration.name, name)) continue;
-    std::vector<Parameter> parameters = declaration.parameters;
-    if (!parameters.empty() && parameters.back().isAssigned) {
-      callables.push_back({owner, declaration.name, std::move(parameters), {}, record->function});
-    } else if (record->setter != nullptr) {
-      parameters.push_back({.name = "value", .type = declaration.result, .isAssigned = true});
-      callables.push_back({owner, declaration.name, std::move(parameters), {}, record->setter});
+  for (const Method& method : methods) {
+    if (!sameName(method.declaration.name, name)) continue;
+    if (takesAssignment(method.declaration)) {
+      callables.push_back({&method, method.record->function, false});
+    } else if (method.record->setter != nullptr) {
+      callables.push_back({&method, method.record->setter, true});
     }
   }
 }
@@ -57,34 +71,35 @@ Callables instanceCallables(const HostClass& objectClass, std::string_view name,
   return callables;
 }
 
-std::string memberName(const Callable& callable) { return std::string(callable.owner->name()) + "." + callable.name; }
+std::string memberName(const Callable& callable) {
+  return std::string(callable.method->owner->name()) + "." + callable.declaration().name;
+}
 
 [[noreturn]] void failCount(const Callables& callables, std::size_t given) {
   std::set<std::size_t> counts;
-  for (const Callable& callable : callables) counts.insert(callable.parameters.size());
+  for (const Callable& callable : callables) counts.insert(callable.count());
   std::string declared;
   for (const std::size_t count : counts) declared += (declared.empty() ? "" : " or ") + std::to_string(count);
   throw Error(memberName(callables.front()) + ": " + std::to_string(given) + " arguments, declared with " + declared);
 }
 
-std::optional<int> argumentDistance(const Argument& argument, const Parameter& parameter) {
-  if (parameter.isByReference && argument.variable() == nullptr) return std::nullopt;
-  return distance(argument.value(), parameter.type);
+std::optional<int> argumentDistance(const Callable& callable, std::size_t index, const Argument& argument) {
+  if (callable.isByReference(index) && argument.variable() == nullptr) return std::nullopt;
+  return distance(argument.value(), callable.type(index));
 }
 
 [[noreturn]] void failArgument(const Callable& callable, const Arguments& arguments) {
   std::size_t index = 0;
-  while (argumentDistance(arguments[index], callable.parameters[index])) ++index;
-  const Parameter& parameter = callable.parameters[index];
-  const Argument& argument = arguments[index];
-  std::string got = argument.value().typeName();
+  while (argumentDistance(callable, index, arguments[index])) ++index;
+  const Value& value = arguments[index].value();
+  std::string got = value.typeName();
   // A number of the right sort that lies outside the type is told by its value.
-  if (!argument.value().isNil() && distance(argument.value(), namedType("Int64"))) {
-    if (distance(0, parameter.type)) got += " " + std::to_string(argument.value().integer());
+  if (distance(value, namedType("Int64")) && distance(0, callable.type(index))) {
+    got += " " + std::to_string(value.integer());
   }
-  if (parameter.isByReference && argument.variable() == nullptr) got += " by value";
+  if (callable.isByReference(index) && arguments[index].variable() == nullptr) got += " by value";
   throw Error(memberName(callable) + ": argument " + std::to_string(index + 1) + " is " + got + ", declared " +
-              (parameter.isByReference ? "byref " : "") + parameter.type.text());
+              (callable.isByReference(index) ? "byref " : "") + callable.type(index).text());
 }
 
 const Callable& chosen(const Callables& callables, const Arguments& arguments) {
@@ -92,11 +107,11 @@ const Callable& chosen(const Callables& callables, const Arguments& arguments) {
   const Callable* sameCount = nullptr;
   int bestDistance = 0;
   for (const Callable& callable : callables) {
-    if (callable.parameters.size() != arguments.size()) continue;
+    if (callable.count() != arguments.size()) continue;
     if (sameCount == nullptr) sameCount = &callable;
     std::optional<int> total = 0;
     for (std::size_t i = 0; i < arguments.size() && total; ++i) {
-      const auto step = argumentDistance(arguments[i], callable.parameters[i]);
+      const auto step = argumentDistance(callable, i, arguments[i]);
       total = step ? std::optional(*total + *step) : std::nullopt;
     }
     if (total && (best == nullptr || *total < bestDistance)) {
@@ -118,9 +133,8 @@ Value invoke(const Callable& callable, REALobject self, const Arguments& argumen
     std::vector<NativeValue> natives;
     natives.reserve(arguments.size());
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-      const Parameter& parameter = callable.parameters[i];
-      NativeValue& native = natives.emplace_back(parameter.type, arguments[i].value());
-      if (parameter.isByReference) {
+      NativeValue& native = natives.emplace_back(callable.type(i), arguments[i].value());
+      if (callable.isByReference(i)) {
         // The variable's own reference is what the plug-in may drop.
         *arguments[i].variable() = nullptr;
         call.addWord(reinterpret_cast<Word>(native.address()));
@@ -128,9 +142,9 @@ Value invoke(const Callable& callable, REALobject self, const Arguments& argumen
         native.passTo(call);
       }
     }
-    Value result = NativeValue::resultOf(call, callable.function, callable.result).value();
+    Value result = NativeValue::resultOf(call, callable.function, callable.result()).value();
     for (std::size_t i = 0; i < arguments.size(); ++i) {
-      if (callable.parameters[i].isByReference) *arguments[i].variable() = natives[i].value();
+      if (callable.isByReference(i)) *arguments[i].variable() = natives[i].value();
     }
     return result;
   });

@@ -14,6 +14,9 @@ namespace host {
 
 namespace {
 
+// Bytes of a string that a report shows.
+constexpr std::size_t kShownLength = 60;
+
 void destroy(REALobject object) {
   HostClass& objectClass = classOf(object);
   const PluginScope scope;
@@ -63,7 +66,7 @@ std::string liveReport() {
   for (const auto& [name, count] : liveCounts()) {
     report << name << ": " << count;
     if (name == "String") {
-      for (const std::string& text : liveStringTexts()) report << " \"" << text << '"';
+      for (const std::string& text : liveStringTexts()) report << " \"" << text.substr(0, kShownLength) << '"';
     }
     report << '\n';
   }

@@ -201,7 +201,7 @@ TEST_F(Classes, CountWhatIsAliveByName) {
 
 // What a plug-in does to raise an event.
 using PlainHandler = void(REALobject);
-using ChangeHandler = void(REALobject, bool, REALarray, REALarray, REALarray);
+using ChangeHandler = void(REALobject, bool, REALstringArray, REALstringArray, REALstringArray);
 
 template <class Handler>
 Handler* handlerOf(const Value& object, const REALevent& event) {
@@ -234,7 +234,7 @@ TEST_F(Classes, HandArraysToAChangeHandler) {
     }
   });
   const Value ids[] = {host::stringArray({"a", "b"}), host::stringArray({}), host::stringArray({"c"})};
-  const auto array = [&](int index) { return static_cast<REALarray>(ids[index].object()); };
+  const auto array = [&](int index) { return static_cast<REALstringArray>(ids[index].object()); };
   handlerOf<ChangeHandler>(object, baseEvents[1])(object.object(), true, array(0), array(1), array(2));
   EXPECT_EQ(handled, "externally a b c");
 }
