@@ -1,11 +1,13 @@
 #include "platform/contacts/address_book.h"
 
 #include "platform/contacts/address_book_object.h"
+#include "platform/contacts/change_feed.h"
 #include "platform/contacts/errors.h"
 #include "platform/contacts/group_object.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/preferences.h"
 #include "platform/contacts/strings.h"
+#include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
@@ -33,13 +35,22 @@ Books& books() {
   return *instance;
 }
 
-// Under the lock.
-Retained<ABAddressBook> newBook(Books& state) {
+// Brings the database up to date and answers what had changed. Under the lock.
+std::vector<CardChange> readFolder(Books& state, bool isWatched) {
   try {
     if (!state.database) state.database = std::make_unique<Database>(folderPath());
+    if (isWatched) changeFeed().watch(*state.database);
+    return state.database->refresh();
   } catch (const FolderError& error) {
     NSException::raise(NSInvalidArgumentException, error.what());
+  } catch (const FileError& error) {
+    NSException::raise(NSInvalidArgumentException,
+                       "contacts folder " + printable(state.database->path()) + ": " + error.what());
   }
+}
+
+// Under the lock.
+Retained<ABAddressBook> newBook(const Books& state) {
   auto* book = objc::createInstance<AddressBookObject>("ABAddressBook"_class);
   auto owner = Retained<ABAddressBook>::adopt(ABAddressBook(book));
   book->database = state.database.get();
@@ -50,14 +61,25 @@ Retained<ABAddressBook> newBook(Books& state) {
 ABAddressBook sharedAddressBook(Class) {
   Books& state = books();
   const std::scoped_lock guard(state.lock);
-  if (!state.shared) state.shared = newBook(state);
+  if (!state.shared) {
+    readFolder(state, true);
+    state.shared = newBook(state);
+    changeFeed().setShared(*static_cast<AddressBookObject*>(state.shared->get()));
+  }
   return state.shared.get();
 }
 
 ABAddressBook makeAddressBook(Class) {
   Books& state = books();
-  const std::scoped_lock guard(state.lock);
-  return newBook(state).autorelease();
+  std::vector<CardChange> changes;
+  Retained<ABAddressBook> book;
+  {
+    const std::scoped_lock guard(state.lock);
+    changes = readFolder(state, false);
+    book = newBook(state);
+  }
+  changeFeed().add(std::move(changes), ChangeFeed::Origin::kOthers);
+  return book.autorelease();
 }
 
 }  // namespace
@@ -89,6 +111,18 @@ NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
   return text.ends_with(kGroupSuffix) ? "ABGroup"_ns : NSString();
 }
 
+NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) const {
+  if (!search) NSException::raise(NSInvalidArgumentException, "recordsMatchingSearchElement: the element is nil");
+  NSMutableArray found = NSMutableArray::array();
+  for (const auto* records : {&persons_, &groups_}) {
+    for (const ABRecord record : *records) {
+      const AutoreleasePool pool;
+      if (search.matchesRecord(record)) found.addObject(record);
+    }
+  }
+  return found;
+}
+
 bool AddressBookObject::addRecordOrFail(ABRecord record, NSError* error) {
   if (!record) NSException::raise(NSInvalidArgumentException, "addRecord: the record is nil");
   RecordObject& added = objectOf(record);
@@ -99,7 +133,7 @@ bool AddressBookObject::addRecordOrFail(ABRecord record, NSError* error) {
   if (isReadOnly()) return fail(error, ABAddRecordsError, "the folder " + database->path() + " can't be written");
   std::erase_if(removed_, [record](const Retained<ABRecord>& removed) { return removed.get() == record; });
   insert(Retained<ABRecord>::share(record));
-  noteChange();
+  added.noteChange();
   return true;
 }
 
@@ -109,12 +143,11 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   const std::string id = removed.card().uniqueId();
   if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
-  if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
   for (const ABRecord group : groups_) objectOf(group.as<ABGroup>()).forget(removed);
-  removed.setBook(nullptr);
-  std::erase(listOf(record), record);
-  records_.erase(id);
-  noteChange();
+  if (me() == record) setMe(nullptr);
+  if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
+  take(record);
+  hasUnsavedChanges_ = true;
   return true;
 }
 
@@ -147,6 +180,19 @@ NSString countryCode(ABAddressBook) { return NSString::stringWithUTF8(defaultCou
 
 }  // namespace
 
+void AddressBookObject::take(ABRecord record) {
+  RecordObject& object = objectOf(record);
+  Retained<ABRecord>::share(record).autorelease();
+  object.setBook(nullptr);
+  std::erase(listOf(record), record);
+  records_.erase(object.card().uniqueId());
+}
+
+void AddressBookObject::noteChange(ABRecord record) {
+  changed_.push_back(Retained<ABRecord>::share(record));
+  hasUnsavedChanges_ = true;
+}
+
 void registerAddressBook() {
   objc::ClassBuilder::define<AddressBookObject>("ABAddressBook", "NSObject")
       .classMethod<&sharedAddressBook>("sharedAddressBook")
@@ -155,11 +201,16 @@ void registerAddressBook() {
       .method<&AddressBookObject::groups>("groups")
       .method<&AddressBookObject::recordForUniqueId>("recordForUniqueId:")
       .method<&AddressBookObject::recordClassFromUniqueId>("recordClassFromUniqueId:")
+      .method<&AddressBookObject::recordsMatchingSearchElement>("recordsMatchingSearchElement:")
       .method<&AddressBookObject::addRecord>("addRecord:")
       .method<&AddressBookObject::addRecordOrFail>("addRecord:error:")
       .method<&AddressBookObject::removeRecord>("removeRecord:")
       .method<&AddressBookObject::removeRecordOrFail>("removeRecord:error:")
       .method<&AddressBookObject::hasUnsavedChanges>("hasUnsavedChanges")
+      .method<&AddressBookObject::save>("save")
+      .method<&AddressBookObject::saveOrFail>("saveAndReturnError:")
+      .method<&AddressBookObject::me>("me")
+      .method<&AddressBookObject::setMe>("setMe:")
       .method<&nameOrdering>("defaultNameOrdering")
       .method<&countryCode>("defaultCountryCode");
 }

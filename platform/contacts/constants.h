@@ -145,6 +145,40 @@ inline constexpr ABPropertyType kABMultiDateProperty = kABMultiValueMask | kABDa
 inline constexpr ABPropertyType kABMultiDictionaryProperty = kABMultiValueMask | kABDictionaryProperty;
 inline constexpr ABPropertyType kABMultiDateComponentsProperty = kABMultiValueMask | kABDateComponentsProperty;
 
+// How a search element's children are joined.
+using ABSearchConjunction = NSInteger;
+inline constexpr ABSearchConjunction kABSearchAnd = 0;
+inline constexpr ABSearchConjunction kABSearchOr = 1;
+
+// How a search element compares a property with its value. The intervals are numbers of seconds.
+enum ABSearchComparison : NSInteger {
+  kABEqual,
+  kABNotEqual,
+  kABLessThan,
+  kABLessThanOrEqual,
+  kABGreaterThan,
+  kABGreaterThanOrEqual,
+  kABEqualCaseInsensitive,
+  kABContainsSubString,
+  kABContainsSubStringCaseInsensitive,
+  kABPrefixMatch,
+  kABPrefixMatchCaseInsensitive,
+  kABBitsInBitFieldMatch,
+  kABDoesNotContainSubString,
+  kABDoesNotContainSubStringCaseInsensitive,
+  kABNotEqualCaseInsensitive,
+  kABSuffixMatch,
+  kABSuffixMatchCaseInsensitive,
+  kABWithinIntervalAroundToday,
+  kABWithinIntervalAroundTodayYearless,
+  kABNotWithinIntervalAroundToday,
+  kABNotWithinIntervalAroundTodayYearless,
+  kABWithinIntervalFromToday,
+  kABWithinIntervalFromTodayYearless,
+  kABNotWithinIntervalFromToday,
+  kABNotWithinIntervalFromTodayYearless,
+};
+
 // The error codes of ABAddressBookErrorDomain.
 inline constexpr NSInteger ABAddRecordsError = 1001;
 inline constexpr NSInteger ABRemoveRecordsError = 1002;

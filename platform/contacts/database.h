@@ -1,32 +1,100 @@
 #pragma once
 
+#include "platform/contacts/card_changes.h"
+#include "platform/contacts/card_file.h"
 #include "platform/contacts/folder.h"
+#include "platform/contacts/journal.h"
 #include "platform/contacts/stored_card.h"
 
+#include <map>
+#include <mutex>
+#include <optional>
+#include <set>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace contacts {
 
-// The process's view of the folder: what its books are made from. Made on the main thread or under the caller's lock.
+// What became of a card: before is null for a new one, after for one that is gone.
+struct CardChange {
+  StoredCardPointer before;
+  StoredCardPointer after;
+};
+
+// What a book wants done to a card.
+struct CardUpdate {
+  StoredCardPointer card;  // as the book knows it
+  CardChanges changes;
+  bool isRemoval = false;
+};
+
+struct SaveRequest {
+  std::vector<CardUpdate> updates;
+  std::optional<std::string> me;  // the UID of the owner's card, empty for none; nothing when it stays
+};
+
+struct SaveResult {
+  // One for each update, in their order. A removed card has all its text once more.
+  std::vector<CardChange> saved;
+  // What others had changed meanwhile in files that the save touched.
+  std::vector<CardChange> foreign;
+};
+
+// The process's view of the folder: what its books are made from and saved to. Any thread may use it.
 class Database {
  public:
-  // Throws FolderError.
+  // Opens the folder and reads nothing yet. Throws FolderError.
   explicit Database(std::string path);
 
-  // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
-  [[nodiscard]] const std::vector<StoredCardPointer>& cards() const { return cards_; }
-
   [[nodiscard]] const std::string& path() const { return folder_.path(); }
+  [[nodiscard]] bool isWritable() const;
+  // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
+  [[nodiscard]] std::vector<StoredCardPointer> cards() const;
+  // The UID of the owner's card; empty for none.
+  [[nodiscard]] std::string me() const;
   // The card as its file has it now; its text where the file is gone.
   [[nodiscard]] std::string fullText(const StoredCard& card) const;
-  [[nodiscard]] bool isWritable() const { return folder_.isWritable(); }
+
+  // Reads what has changed in the folder since it was last read: in the files of those names, or in all. Throws
+  // FolderError and FileError; what was read before then stays.
+  std::vector<CardChange> refresh(const std::set<std::string>* names = nullptr);
+  // All of the request, or nothing, which throws FileError or FolderError.
+  SaveResult save(const SaveRequest& request);
 
  private:
-  void load();
+  friend class DatabaseSave;
 
+  // A file's present state, or its absence.
+  struct FoundFile {
+    std::string name;
+    bool isGone = false;
+    CardFile file;
+    std::vector<StoredCard> cards;
+  };
+
+  // All but the public functions want the lock held.
+  std::vector<CardChange> readFiles(const std::set<std::string>* names);
+  void recover();
+  void overlay(const std::vector<JournalStep>& steps);
+  [[nodiscard]] std::set<std::string> fileNames() const;
+  [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
+  [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
+  // Nothing when the file is as it was last read.
+  [[nodiscard]] std::optional<FoundFile> look(const std::string& name);
+  FoundFile parse(const std::string& name, FileContents contents);
+  static void log(const std::string& message);
+  std::vector<CardChange> adopt(std::vector<FoundFile> found);
+  void readMe();
+
+  mutable std::mutex lock_;
   Folder folder_;
-  std::vector<StoredCardPointer> cards_;
+  std::map<std::string, CardFile> files_;                    // by name
+  std::unordered_map<std::string, StoredCardPointer> byId_;  // by unique id
+  // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
+  std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
+  std::set<std::string> logged_;
+  std::string me_;
 };
 
 }  // namespace contacts

@@ -13,6 +13,20 @@ constexpr double kNoon = kSecondsInDay / 2;
 using vcard::kNoYear;
 using vcard::kOmittedYear;
 
+// Days of years that no card can have come out as the last before or the first after them.
+vcard::Date dayAt(double secondsSince1970) {
+  constexpr std::int64_t kBefore = -719529;  // of the year 0
+  constexpr std::int64_t kAfter = 2932897;   // the year 9999
+  const double day = std::floor(secondsSince1970 / kSecondsInDay);
+  if (!(day > static_cast<double>(kBefore))) return vcard::dateOfDay(kBefore);
+  return vcard::dateOfDay(day < static_cast<double>(kAfter) ? static_cast<std::int64_t>(day) : kAfter);
+}
+
+vcard::Date localDayOf(NSDate date) {
+  const auto offset = static_cast<double>(NSTimeZone::localTimeZone().secondsFromGMTForDate(date));
+  return dayAt(date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970 + offset);
+}
+
 }  // namespace
 
 std::optional<vcard::Date> dateOnLine(std::string_view text, const std::vector<vcard::Parameter>& parameters) {
@@ -63,13 +77,13 @@ Retained<NSObject> newDate(const vcard::Date& date) {
 }
 
 vcard::Date dayOf(NSDate date) {
-  double seconds = date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
-  if (std::fmod(seconds - kNoon, kSecondsInDay) != 0) {
-    seconds += static_cast<double>(NSTimeZone::localTimeZone().secondsFromGMTForDate(date));
-  }
-  vcard::Date day = vcard::dateOfDay(static_cast<std::int64_t>(std::floor(seconds / kSecondsInDay)));
+  const double seconds = date.timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
+  const bool isNoon = std::fmod(seconds - kNoon, kSecondsInDay) == 0;
+  vcard::Date day = isNoon ? dayAt(seconds) : localDayOf(date);
   if (day.year == kNoYear) day.year.reset();
   return day;
 }
+
+vcard::Date today() { return localDayOf(NSDate::date()); }
 
 }  // namespace contacts

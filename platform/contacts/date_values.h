@@ -21,4 +21,7 @@ Retained<NSObject> newDate(const vcard::Date& date);
 // The day that an instant falls on in the local time zone, except that an instant made by newDate gives its day back.
 vcard::Date dayOf(NSDate date);
 
+// In the local time zone.
+vcard::Date today();
+
 }  // namespace contacts

@@ -3,33 +3,30 @@
 #include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/ascii.h"
 
-#include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
+#include <string_view>
+#include <thread>
 #include <utility>
 
 namespace contacts {
 namespace {
 
-// Of a card file. Photos are the largest thing in a card; a whole address book exported into one file is well below.
-constexpr off_t kLargestFile = off_t{32} << 20;
+constexpr char kData[] = ".addressbook";
+constexpr char kLock[] = "lock";
+constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 std::string_view environment(const char* name) {
   const char* value = std::getenv(name);
   return value == nullptr ? std::string_view() : value;
-}
-
-bool isCardFileName(std::string_view name) {
-  constexpr std::string_view kExtension = ".vcf";
-  return !name.starts_with('.') && name.size() > kExtension.size() &&
-         vcard::equalsIgnoringCase(name.substr(name.size() - kExtension.size()), kExtension);
 }
 
 // mkdir with the folders above; those that are there already stay as they are.
@@ -42,13 +39,17 @@ int createFolders(const std::string& path) {
   }
 }
 
-bool isLackOfMeans(int error) { return error == EMFILE || error == ENFILE || error == ENOMEM; }
-
-struct DirectoryCloser {
-  void operator()(DIR* directory) const { closedir(directory); }
-};
+[[noreturn]] void fail(const std::string& path, std::string_view what, int error) {
+  throw FolderError("contacts folder " + printable(path) + ": " + std::string(what) + ": " + std::strerror(error));
+}
 
 }  // namespace
+
+bool isCardFileName(std::string_view name) {
+  constexpr std::string_view kExtension = ".vcf";
+  return !name.starts_with('.') && name.size() > kExtension.size() &&
+         vcard::equalsIgnoringCase(name.substr(name.size() - kExtension.size()), kExtension);
+}
 
 std::string folderPath() {
   if (const std::string_view folder = environment("ADDRESSBOOK_FOLDER"); !folder.empty()) return std::string(folder);
@@ -61,70 +62,78 @@ std::string folderPath() {
   throw FolderError("contacts folder: none of ADDRESSBOOK_FOLDER, XDG_DATA_HOME and HOME is set");
 }
 
-Folder::Folder(std::string path) : path_(std::move(path)) {
-  constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-  directory_ = FileDescriptor(open(path_.c_str(), kFlags));
-  if (!directory_.isOpen() && errno == ENOENT) {
-    if (const int error = createFolders(path_)) fail("cannot be created", error);
-    directory_ = FileDescriptor(open(path_.c_str(), kFlags));
+Folder::Folder(std::string path) : path_(std::move(path)) { open(); }
+
+void Folder::open() {
+  FileDescriptor opened(::open(path_.c_str(), kFolderFlags));
+  if (!opened.isOpen() && errno == ENOENT) {
+    if (const int error = createFolders(path_)) fail(path_, "cannot be created", error);
+    opened = FileDescriptor(::open(path_.c_str(), kFolderFlags));
   }
-  if (!directory_.isOpen()) fail("cannot be read", errno);
+  if (!opened.isOpen()) fail(path_, "cannot be read", errno);
+  cards_ = std::move(opened);
+  data_ = FileDescriptor();
+  openData();
 }
 
-bool Folder::isWritable() const { return faccessat(directory_.number(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
+// A data folder that is a link, or no folder at all, is none.
+void Folder::openData() { data_ = FileDescriptor(openat(cards(), kData, kFolderFlags | O_NOFOLLOW)); }
+
+bool Folder::isWritable() const { return faccessat(cards(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
+
+void Folder::makeData() {
+  if (data_.isOpen()) return;
+  const bool isMade = mkdirat(cards(), kData, 0700) == 0;
+  if (!isMade && errno != EEXIST) throw FileError("cannot make " + std::string(kData), errno);
+  openData();
+  if (!data_.isOpen()) throw FileError("cannot open " + std::string(kData), errno);
+  if (isMade) syncFolder(cards());
+}
+
+bool Folder::follow(Missing missing) {
+  struct stat named {};
+  struct stat held {};
+  const bool isThere = stat(path_.c_str(), &named) == 0;
+  const bool isSame =
+      isThere && fstat(cards(), &held) == 0 && named.st_dev == held.st_dev && named.st_ino == held.st_ino;
+  if (isSame || (!isThere && missing == Missing::kKeep)) {
+    if (!data_.isOpen()) openData();
+    return false;
+  }
+  open();
+  return true;
+}
 
 std::vector<std::string> Folder::cardFileNames() const {
-  // A descriptor of its own: the position in the folder belongs to it.
-  FileDescriptor listing(openat(directory_.number(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!listing.isOpen()) fail("cannot be read", errno);
-  const std::unique_ptr<DIR, DirectoryCloser> directory(fdopendir(listing.number()));
-  if (!directory) fail("cannot be read", errno);
-  listing.leak();
-
-  std::vector<std::string> names;
-  while (true) {
-    errno = 0;
-    const dirent* entry = readdir(directory.get());
-    if (entry == nullptr) break;
-    if (isCardFileName(entry->d_name)) names.emplace_back(entry->d_name);
-  }
-  if (errno != 0) fail("cannot be read", errno);
+  std::vector<std::string> names = namesIn(cards());
+  std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
   std::ranges::sort(names);
   return names;
 }
 
-std::optional<Folder::Contents> Folder::read(const std::string& name) const {
-  auto refuse = [](std::string reason) { return Contents{{}, 0, std::move(reason)}; };
-  const FileDescriptor file(openat(directory_.number(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+FolderLock::FolderLock(const Folder& folder, Kind kind) {
+  using std::chrono::steady_clock;
+  const bool isWrite = kind == Kind::kWrite;
+  constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  FileDescriptor file;
+  if (folder.data() >= 0) {
+    file = FileDescriptor(isWrite ? openat(folder.data(), kLock, O_RDWR | O_CREAT | kFlags, 0600)
+                                  : openat(folder.data(), kLock, O_RDONLY | kFlags));
+  }
   if (!file.isOpen()) {
-    if (errno == ENOENT) return std::nullopt;
-    if (isLackOfMeans(errno)) fail("cannot be read", errno);
-    return refuse(errno == ELOOP ? "is a symbolic link" : std::strerror(errno));
+    if (isWrite) throw FileError("cannot lock the folder", errno);
+    return;
   }
-  struct stat status {};
-  if (fstat(file.number(), &status) != 0) return refuse(std::strerror(errno));
-  if (!S_ISREG(status.st_mode)) return refuse("is no regular file");
-  if (status.st_size == 0) return refuse("is empty");
-  if (status.st_size > kLargestFile) return refuse("is larger than 32 MB");
-
-  // The file may change meanwhile: what is read is what counts, never more than its size was.
-  std::string bytes(static_cast<std::size_t>(status.st_size), '\0');
-  std::size_t length = 0;
-  while (length < bytes.size()) {
-    const ssize_t count = ::read(file.number(), bytes.data() + length, bytes.size() - length);
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return refuse(std::strerror(errno));
-    if (count == 0) break;
-    length += static_cast<std::size_t>(count);
+  const auto end = steady_clock::now() + std::chrono::seconds(isWrite ? 10 : 1);
+  while (flock(file.number(), (isWrite ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+    const bool isTaken = errno == EWOULDBLOCK || errno == EINTR;
+    if (!isTaken || steady_clock::now() > end) {
+      if (isWrite) throw FileError("cannot lock the folder", errno);
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
-  bytes.resize(length);
-  const double modified =
-      static_cast<double>(status.st_mtim.tv_sec) + 1e-9 * static_cast<double>(status.st_mtim.tv_nsec);
-  return Contents{std::move(bytes), modified, {}};
-}
-
-void Folder::fail(std::string_view what, int error) const {
-  throw FolderError("contacts folder " + printable(path_) + ": " + std::string(what) + ": " + std::strerror(error));
+  file_ = std::move(file);
 }
 
 }  // namespace contacts

@@ -8,6 +8,7 @@ const bool loaded = [] {
   registerPerson();
   registerGroup();
   registerMultiValues();
+  registerSearchElement();
   registerAddressBook();
   return true;
 }();

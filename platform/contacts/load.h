@@ -7,6 +7,7 @@ void registerRecord();
 void registerPerson();
 void registerGroup();
 void registerMultiValues();
+void registerSearchElement();
 void registerAddressBook();
 
 }  // namespace contacts

@@ -126,7 +126,32 @@ std::string RecordObject::changedText() const {
 }
 
 void RecordObject::noteChange() {
-  if (book_ != nullptr) book_->noteChange();
+  if (book_ == nullptr || isNoted_) return;
+  isNoted_ = true;
+  book_->noteChange(ABRecord(this));
+}
+
+void RecordObject::adopt(StoredCardPointer card, bool isSaved) {
+  card_ = std::move(card);
+  if (isSaved) {
+    isNoted_ = false;
+    for (HeldValue& held : values_) held.isChanged = false;
+  }
+  if (isGroup()) static_cast<GroupObject*>(this)->dropMembers(isSaved);
+  std::erase_if(values_, [](const HeldValue& held) {
+    return !held.isChanged && (held.property == &imageProperty() || isSetByTheFramework(*held.property));
+  });
+  // A value that is still the same stays the same object. Views come last: they are read from others, which may be
+  // added to the list on the way.
+  for (const bool areViews : {false, true}) {
+    for (std::size_t i = 0; i < values_.size(); ++i) {
+      const Property& property = *values_[i].property;
+      if (values_[i].isChanged || (findPropertyView(property.name) != nullptr) != areViews) continue;
+      Retained<NSObject> fresh = read(property);
+      NSObject old = values_[i].value.get();
+      if (!old || !fresh || !send<bool>(old, "isEqual:"_sel, fresh.get())) values_[i].value = std::move(fresh);
+    }
+  }
 }
 
 ABRecord RecordObject::initialized(const Schema& schema, StoredCardPointer card) {

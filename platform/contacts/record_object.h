@@ -38,15 +38,23 @@ struct RecordObject : objc::Object {
   // The card as it would be saved now.
   [[nodiscard]] std::string changedText() const;
 
+  // The card was read anew. What was changed in the record stays changed, unless the card has it since a save.
+  void adopt(StoredCardPointer card, bool isSaved);
+
   [[nodiscard]] const StoredCard& card() const { return *card_; }
+  [[nodiscard]] const StoredCardPointer& sharedCard() const { return card_; }
   [[nodiscard]] bool isGroup() const { return card_->isGroup; }
   [[nodiscard]] AddressBookObject* book() const { return book_; }
-  void setBook(AddressBookObject* book) { book_ = book; }
+  void setBook(AddressBookObject* book) {
+    book_ = book;
+    isNoted_ = false;
+  }
+  // Tells the book, once until the next save.
+  void noteChange();
 
  protected:
   // The card's lines, until another card's are asked for on this thread.
   [[nodiscard]] const vcard::Card& lines() const;
-  void noteChange();
   // Drops what views showed of the old value.
   void store(const Property& property, Retained<NSObject> value);
 
@@ -67,6 +75,7 @@ struct RecordObject : objc::Object {
   const Schema* schema_ = nullptr;
   StoredCardPointer card_;
   AddressBookObject* book_ = nullptr;  // the book goes first: it takes itself out of its records
+  bool isNoted_ = false;
   std::vector<HeldValue> values_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/contacts/schema.h"
+#include "platform/contacts/search_element_object.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/array.h"
 #include "platform/objc/class_builder.h"
@@ -21,8 +22,16 @@ struct SchemaMethods {
     return names;
   }
 
+  static ABSearchElement searchElement(Class, NSString property, NSString label, NSString key, NSObject value,
+                                       NSInteger comparison) {
+    constexpr bool kIsForGroups = schema == groupSchema;
+    return searchElementFor(kIsForGroups, schema(), property, label, key, value, comparison);
+  }
+
   static void addTo(objc::ClassBuilder& builder) {
-    builder.template classMethod<&typeOfProperty>("typeOfProperty:").template classMethod<&properties>("properties");
+    builder.template classMethod<&typeOfProperty>("typeOfProperty:")
+        .template classMethod<&properties>("properties")
+        .template classMethod<&searchElement>("searchElementForProperty:label:key:value:comparison:");
   }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,9 +17,10 @@ struct StoredCard {
   std::string fileName;
   std::size_t position = 0;        // among the file's cards
   std::optional<double> fileTime;  // when the file was last changed, in seconds since 1970
-  std::string uid;  // without urn:uuid:; of a card that has none, or another card's, derived from its place
+  std::string uid;         // without urn:uuid:; of a card that has none, or another card's, derived from its place
+  std::uint64_t hash = 0;  // of all of its text
   bool isGroup = false;
-  // The card in UTF-8. Pictures and the like have lost their values: they stay in the file until somebody asks.
+  // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks.
   std::string text;
 
   // As text, with all that was left out of it.

@@ -2,6 +2,7 @@
 
 #include "platform/contacts/vcard/ascii.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
@@ -131,6 +132,23 @@ int daysInMonth(int year, int month) {
   const std::chrono::year_month_day_last last{
       std::chrono::year(year), std::chrono::month_day_last(std::chrono::month(static_cast<unsigned>(month)))};
   return static_cast<int>(static_cast<unsigned>(last.day()));
+}
+
+bool isWithin(const DaySpan& span, const Date& date) {
+  if (!date.year || !span.middle.year) return false;
+  const auto distance = static_cast<double>(daysSince1970(*date.year, date.month, date.day) -
+                                            daysSince1970(*span.middle.year, span.middle.month, span.middle.day));
+  return distance <= span.days && distance >= (span.alsoBefore ? -span.days : 0);
+}
+
+bool isWithinInAnyYear(const DaySpan& span, const Date& date) {
+  if (!span.middle.year) return false;
+  // The day of the year before, of this one or of the next is the one that is nearest to the middle on either side.
+  for (int year = *span.middle.year - 1; year <= *span.middle.year + 1; ++year) {
+    const int day = std::min(date.day, daysInMonth(year, date.month));
+    if (isWithin(span, {year, date.month, day})) return true;
+  }
+  return false;
 }
 
 }  // namespace vcard

@@ -36,4 +36,17 @@ std::int64_t daysSince1970(int year, int month, int day);
 Date dateOfDay(std::int64_t daysSince1970);
 int daysInMonth(int year, int month);
 
+// A span of days after a day, or on both its sides.
+struct DaySpan {
+  Date middle;
+  double days;
+  bool alsoBefore;
+};
+
+// Whether the date lies in the span; without a year it never does.
+bool isWithin(const DaySpan& span, const Date& date);
+// Whether the date's day of some year lies in the span. The 29th of February is the 28th in a year that doesn't have
+// it.
+bool isWithinInAnyYear(const DaySpan& span, const Date& date);
+
 }  // namespace vcard

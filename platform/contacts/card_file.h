@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/contacts/files.h"
+#include "platform/contacts/stored_card.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace contacts {
+
+// A card file as it was last read.
+struct CardFile {
+  FileStamp stamp;
+  std::uint64_t hash = 0;  // of its bytes
+  std::string refusal;     // why it has no cards; empty when it has
+  std::vector<StoredCardPointer> cards;
+};
+
+// The cards of a file's text in order. Cards without a UID have an empty one. Pictures and the like are left out.
+std::vector<StoredCard> cardsIn(std::string_view text);
+
+// A file name that a card of that UID can have: the UID where all of it is harmless, else a name of its own.
+std::string fileNameFor(const std::string& uid);
+
+}  // namespace contacts

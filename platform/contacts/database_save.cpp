@@ -1,0 +1,254 @@
+#include "platform/contacts/database_save.h"
+
+#include "platform/contacts/identifier.h"
+#include "platform/contacts/strings.h"
+#include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/charset.h"
+#include "platform/contacts/vcard/sections.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <set>
+#include <utility>
+
+namespace contacts {
+namespace {
+
+constexpr char kMe[] = "me";
+
+// The sections of a text that are cards, by their position among the cards.
+std::vector<std::string_view> cardSections(std::string_view text) {
+  std::vector<std::string_view> cards;
+  for (const vcard::Section& section : vcard::splitSections(text)) {
+    if (section.isCard) cards.push_back(section.text);
+  }
+  return cards;
+}
+
+}  // namespace
+
+SaveResult Database::save(const SaveRequest& request) {
+  const std::scoped_lock guard(lock_);
+  return DatabaseSave(*this, request).run();
+}
+
+SaveResult DatabaseSave::run() {
+  Folder& folder = database_.folder_;
+  const bool isReplaced = folder.follow(Folder::Missing::kCreate);
+  folder.makeData();
+  const FolderLock writing(folder, FolderLock::Kind::kWrite);
+  prepare();
+  if (isReplaced) lookEverywhere();
+  // Programs that don't know of the lock may change a file while it is being written anew.
+  constexpr int kTries = 5;
+  for (int i = 0;; ++i) {
+    try {
+      for (const CardUpdate& update : request_.updates) place(update);
+      write();
+      if (isUndisturbed()) break;
+      if (i == kTries) throw FileError("the files keep changing", EBUSY);
+    } catch (...) {
+      dropTemporaries();
+      throw;
+    }
+    dropTemporaries();
+    plans_.clear();
+  }
+  if (steps_.empty()) return finish();
+  try {
+    commitJournal(folder, steps_);
+  } catch (...) {
+    dropTemporaries();
+    throw;
+  }
+  return finish();
+}
+
+// Finishes what a save that ended in the middle left, and removes what one left that never came to its end.
+void DatabaseSave::prepare() {
+  Folder& folder = database_.folder_;
+  if (const auto pending = pendingJournal(folder)) applyJournal(folder, *pending);
+  if (!database_.overlay_.empty()) {
+    database_.overlay_.clear();
+    lookEverywhere();
+  }
+  for (const std::string& name : namesIn(folder.data())) {
+    if (isTemporaryName(name)) removeFileQuietly(folder.data(), name);
+  }
+}
+
+void DatabaseSave::lookEverywhere() {
+  hasLookedEverywhere_ = true;
+  const std::vector<CardChange> changes = database_.readFiles(nullptr);
+  foreign_.insert(foreign_.end(), changes.begin(), changes.end());
+}
+
+// Where others have moved the card, it is changed there; where they have removed it, a change makes it anew.
+void DatabaseSave::place(const CardUpdate& update) {
+  if (update.card->database != nullptr) {
+    if (placeIn(update.card->fileName, update)) return;
+    if (!hasLookedEverywhere_) lookEverywhere();
+    auto found = database_.byId_.find(update.card->uniqueId());
+    if (found != database_.byId_.end() && placeIn(found->second->fileName, update)) return;
+  }
+  if (!update.isRemoval) plans_[freeName(update.card->uid)].added.push_back(&update);
+}
+
+bool DatabaseSave::placeIn(const std::string& name, const CardUpdate& update) {
+  Plan* plan = planFor(name);
+  if (plan == nullptr) return false;
+  const StoredCard& wanted = *update.card;
+  auto known = plan->positions.find(wanted.uniqueId());
+  std::size_t position = known == plan->positions.end() ? plan->cards.size() : known->second;
+  // A card whose id is derived from its place has none that could be found.
+  const bool isInPlace = name == wanted.fileName && wanted.position < plan->cards.size() &&
+                         (plan->cards[wanted.position].uid.empty() || plan->cards[wanted.position].hash == wanted.hash);
+  if (isInPlace) position = wanted.position;
+  if (position == plan->cards.size()) return false;
+  plan->byPosition[position] = &update;
+  return true;
+}
+
+// Null for a file that is gone, or that is no card file any more.
+DatabaseSave::Plan* DatabaseSave::planFor(const std::string& name) {
+  auto known = plans_.find(name);
+  if (known != plans_.end()) return &known->second;
+  std::optional<FileContents> contents = database_.read(JournalStep::Target::kCard, name);
+  if (!contents || !contents->refusal.empty()) return nullptr;
+  Plan& plan = plans_[name];
+  plan.text = vcard::decodeFile(std::move(contents->bytes));
+  plan.cards = cardsIn(plan.text);
+  for (const StoredCard& card : plan.cards) plan.positions.emplace(card.uniqueId(), card.position);
+  plan.expected = contents->stamp;
+  plan.mode = contents->mode & 0777;
+  return &plan;
+}
+
+std::string DatabaseSave::freeName(const std::string& uid) const {
+  std::string name = fileNameFor(uid);
+  if (plans_.contains(name) || stampIn(database_.folder_.cards(), name)) name = newIdentifier() + ".vcf";
+  return name;
+}
+
+std::string DatabaseSave::compose(const Plan& plan) {
+  std::string text;
+  std::size_t position = 0;
+  for (const vcard::Section& section : vcard::splitSections(plan.text)) {
+    auto update = plan.byPosition.end();
+    if (section.isCard) update = plan.byPosition.find(position++);
+    if (update == plan.byPosition.end()) {
+      text += section.text;
+    } else if (!update->second->isRemoval) {
+      text += changedCard(section.text, update->second->changes);
+    }
+  }
+  for (const CardUpdate* update : plan.added) text += changedCard(update->card->text, update->changes);
+  return text;
+}
+
+// All new contents are durable before the journal is: a full disk shows here.
+void DatabaseSave::write() {
+  for (auto& [name, plan] : plans_) {
+    if (plan.byPosition.empty() && plan.added.empty()) continue;
+    plan.composed = compose(plan);
+    addStep(JournalStep::Target::kCard, name, plan);
+  }
+  if (request_.me && *request_.me != database_.me_) {
+    Plan plan;
+    if (!request_.me->empty()) plan.composed = *request_.me + "\n";
+    addStep(JournalStep::Target::kData, kMe, plan);
+  }
+}
+
+void DatabaseSave::addStep(JournalStep::Target target, const std::string& name, Plan& plan) {
+  const bool isRemoval = vcard::trimmed(plan.composed).empty();
+  if (plan.composed.size() > static_cast<std::size_t>(kLargestFile)) {
+    throw FileError("cannot write " + printable(name), EFBIG);
+  }
+  steps_.push_back({target, name, isRemoval ? std::string() : newTemporaryName(), plan.expected});
+  if (isRemoval) return;
+  const std::string& temporary = steps_.back().temporary;
+  writeNewFile(database_.folder_.data(), temporary, plan.composed, plan.mode);
+  if (const auto stamp = stampIn(database_.folder_.data(), temporary)) plan.inode = stamp->inode;
+}
+
+bool DatabaseSave::isUndisturbed() const {
+  return std::ranges::all_of(steps_, [this](const JournalStep& step) {
+    return step.target == JournalStep::Target::kData || stampIn(database_.folder_.cards(), step.name) == step.expected;
+  });
+}
+
+void DatabaseSave::dropTemporaries() {
+  for (const JournalStep& step : steps_) {
+    if (!step.temporary.empty()) removeFileQuietly(database_.folder_.data(), step.temporary);
+  }
+  steps_.clear();
+}
+
+// The save has happened, whatever comes now.
+SaveResult DatabaseSave::finish() {
+  SaveResult result;
+  try {
+    if (!steps_.empty()) applyJournal(database_.folder_, steps_);
+  } catch (const FileError& error) {
+    Database::log(std::string("a save can't be finished yet: ") + error.what());
+    database_.overlay(steps_);
+  }
+  for (const CardUpdate& update : request_.updates) result.saved.push_back({update.card, nullptr});
+  keepRemoved(result);
+  const std::vector<CardChange> changes = adoptWritten();
+  if (request_.me) database_.me_ = *request_.me;
+
+  std::set<std::string> own;
+  for (std::size_t i = 0; i < request_.updates.size(); ++i) {
+    const CardUpdate& update = request_.updates[i];
+    own.insert(update.card->uniqueId());
+    auto saved = database_.byId_.find(update.card->uniqueId());
+    if (saved != database_.byId_.end() && !update.isRemoval) result.saved[i].after = saved->second;
+  }
+  foreign_.insert(foreign_.end(), changes.begin(), changes.end());
+  for (CardChange& change : foreign_) {
+    const StoredCard& card = change.after ? *change.after : *change.before;
+    if (!own.contains(card.uniqueId())) result.foreign.push_back(std::move(change));
+  }
+  return result;
+}
+
+// Takes over what was written, without reading it again.
+std::vector<CardChange> DatabaseSave::adoptWritten() {
+  std::vector<Database::FoundFile> found;
+  for (const JournalStep& step : steps_) {
+    if (step.target != JournalStep::Target::kCard) continue;
+    const Plan& plan = plans_[step.name];
+    FileContents contents;
+    contents.bytes = plan.composed;
+    try {
+      // Where it isn't that file, or can't be told, it will be looked at once more.
+      const auto stamp = database_.stamp(step.name);
+      if (stamp && stamp->inode == plan.inode) contents.stamp = *stamp;
+    } catch (const FileError&) {
+    }
+    if (step.temporary.empty()) {
+      found.push_back({step.name, true, {}, {}});
+    } else {
+      found.push_back(database_.parse(step.name, std::move(contents)));
+    }
+  }
+  return database_.adopt(std::move(found));
+}
+
+// A record that is removed lives on, and may be added again: with all that its card had.
+void DatabaseSave::keepRemoved(SaveResult& result) const {
+  for (const auto& [name, plan] : plans_) {
+    const std::vector<std::string_view> sections = cardSections(plan.text);
+    for (const auto& [position, update] : plan.byPosition) {
+      if (!update->isRemoval) continue;
+      auto whole = std::make_shared<StoredCard>(*update->card);
+      whole->database = nullptr;
+      whole->text = sections[position];
+      result.saved[static_cast<std::size_t>(update - request_.updates.data())].before = std::move(whole);
+    }
+  }
+}
+
+}  // namespace contacts

@@ -1,0 +1,168 @@
+#include "platform/contacts/files.h"
+
+#include "platform/contacts/strings.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace contacts {
+namespace {
+
+[[noreturn]] void fail(std::string_view doing, const std::string& name) {
+  const int code = errno;
+  throw FileError("cannot " + std::string(doing) + " " + printable(name), code);
+}
+
+// Makes the call again as long as a signal interrupts it.
+template <class Call>
+auto again(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+std::int64_t nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
+
+struct DirectoryCloser {
+  void operator()(DIR* directory) const { closedir(directory); }
+};
+
+void writeAll(int file, std::string_view bytes, const std::string& name) {
+  while (!bytes.empty()) {
+    const ssize_t count = again([&] { return write(file, bytes.data(), bytes.size()); });
+    if (count < 0) fail("write", name);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+}  // namespace
+
+FileError::FileError(const std::string& what, int code)
+    : std::runtime_error(what + ": " + std::strerror(code)), code_(code) {}
+
+FileStamp stampOf(const struct stat& status) {
+  return {status.st_dev, status.st_ino, status.st_size, nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
+}
+
+std::optional<FileStamp> stampIn(int folder, const std::string& name) {
+  struct stat status {};
+  if (fstatat(folder, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (errno == ENOENT) return std::nullopt;
+    fail("look at", name);
+  }
+  return stampOf(status);
+}
+
+std::optional<FileContents> readFile(int folder, const std::string& name) {
+  auto refuse = [](std::string reason) { return FileContents{{}, {}, 0, std::move(reason)}; };
+  const FileDescriptor file(
+      again([&] { return openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
+  if (!file.isOpen()) {
+    if (errno == ENOENT) return std::nullopt;
+    if (errno == EMFILE || errno == ENFILE || errno == ENOMEM) fail("read", name);
+    return refuse(errno == ELOOP ? "is a symbolic link" : std::strerror(errno));
+  }
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) return refuse(std::strerror(errno));
+  if (!S_ISREG(status.st_mode)) return refuse("is no regular file");
+  if (status.st_size == 0) return refuse("is empty");
+  if (status.st_size > kLargestFile) return refuse("is larger than 32 MB");
+
+  // The file may change meanwhile: what is read is what counts, never more than its size was.
+  FileContents contents{
+      std::string(static_cast<std::size_t>(status.st_size), '\0'), stampOf(status), status.st_mode, {}};
+  std::size_t length = 0;
+  while (length < contents.bytes.size()) {
+    const ssize_t count =
+        again([&] { return read(file.number(), contents.bytes.data() + length, contents.bytes.size() - length); });
+    if (count < 0) return refuse(std::strerror(errno));
+    if (count == 0) break;
+    length += static_cast<std::size_t>(count);
+  }
+  contents.bytes.resize(length);
+  return contents;
+}
+
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode) {
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  const FileDescriptor file(again([&] { return openat(folder, name.c_str(), kFlags, 0600); }));
+  if (!file.isOpen()) fail("write", name);
+  try {
+    if (mode != 0600 && fchmod(file.number(), mode) != 0) fail("write", name);
+    writeAll(file.number(), bytes, name);
+    if (again([&] { return fsync(file.number()); }) != 0) fail("write", name);
+  } catch (const FileError&) {
+    unlinkat(folder, name.c_str(), 0);
+    throw;
+  }
+}
+
+void removeFile(int folder, const std::string& name) {
+  if (unlinkat(folder, name.c_str(), 0) != 0 && errno != ENOENT) fail("remove", name);
+}
+
+bool removeFileQuietly(int folder, const std::string& name) {
+  return unlinkat(folder, name.c_str(), 0) == 0 || errno == ENOENT;
+}
+
+void renameFile(int fromFolder, const std::string& from, int toFolder, const std::string& to) {
+  if (renameat(fromFolder, from.c_str(), toFolder, to.c_str()) != 0) fail("write", to);
+}
+
+bool renameToFreeName(int fromFolder, const std::string& from, int toFolder, const std::string& to) {
+  if (renameat2(fromFolder, from.c_str(), toFolder, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  if (errno == EEXIST) return false;
+  // Not every file system can do it at once.
+  if (errno != EINVAL && errno != ENOSYS) fail("write", to);
+  if (stampIn(toFolder, to)) return false;
+  renameFile(fromFolder, from, toFolder, to);
+  return true;
+}
+
+void syncFolder(int folder) {
+  if (again([&] { return fsync(folder); }) != 0) fail("write", "the folder");
+}
+
+std::vector<std::string> namesIn(int folder) {
+  // A descriptor of its own: the position in the folder belongs to it.
+  FileDescriptor listing(again([&] { return openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+  if (!listing.isOpen()) fail("read", "the folder");
+  const std::unique_ptr<DIR, DirectoryCloser> directory(fdopendir(listing.number()));
+  if (!directory) fail("read", "the folder");
+  listing.leak();
+
+  std::vector<std::string> names;
+  while (true) {
+    errno = 0;
+    const dirent* entry = readdir(directory.get());
+    if (entry == nullptr) break;
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..") names.emplace_back(name);
+  }
+  if (errno != 0) fail("read", "the folder");
+  return names;
+}
+
+std::uint64_t contentHash(std::string_view bytes) {
+  // Eight bytes at a step; the length goes in, so that trailing zeros count.
+  constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
+  std::uint64_t hash = bytes.size() * kPrime;
+  while (!bytes.empty()) {
+    std::uint64_t word = 0;
+    const std::size_t length = std::min(bytes.size(), sizeof word);
+    std::memcpy(&word, bytes.data(), length);
+    hash = (hash ^ word) * kPrime;
+    hash ^= hash >> 29;
+    bytes.remove_prefix(length);
+  }
+  return hash;
+}
+
+}  // namespace contacts

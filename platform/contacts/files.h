@@ -1,0 +1,73 @@
+#pragma once
+
+#include "platform/contacts/file_descriptor.h"
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Files in an open folder. Nothing here follows a symbolic link, or blocks on what is no regular file. Calls that are
+// interrupted are made again.
+namespace contacts {
+
+class FileError : public std::runtime_error {
+ public:
+  // "save: cannot write x: No space left on device"
+  FileError(const std::string& what, int code);
+
+  [[nodiscard]] int code() const { return code_; }
+
+ private:
+  int code_;
+};
+
+// What tells whether a file is still the one that was read: a change in place, or another file under its name, shows.
+struct FileStamp {
+  std::uint64_t device = 0;
+  std::uint64_t inode = 0;
+  std::int64_t size = 0;
+  std::int64_t modified = 0;  // nanoseconds since 1970, as the next
+  std::int64_t changed = 0;
+
+  friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+FileStamp stampOf(const struct stat& status);
+// Nothing when there is no such file.
+std::optional<FileStamp> stampIn(int folder, const std::string& name);
+
+struct FileContents {
+  std::string bytes;
+  FileStamp stamp;
+  mode_t mode = 0;
+  std::string refusal;  // why it is not read; empty when it was
+};
+
+// Of a card file. Photos are the largest thing in a card; a whole address book exported into one file is well below.
+inline constexpr std::int64_t kLargestFile = std::int64_t{32} << 20;
+
+// Nothing when there is no such file. Throws FileError when the process lacks the means to read on.
+std::optional<FileContents> readFile(int folder, const std::string& name);
+
+// Makes a file that must not be there yet, and is durable when the call returns. Throws FileError, and leaves nothing.
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode);
+void removeFile(int folder, const std::string& name);
+// Whether there is no such file any more.
+bool removeFileQuietly(int folder, const std::string& name);
+void renameFile(int fromFolder, const std::string& from, int toFolder, const std::string& to);
+// As renameFile; false, and nothing done, when the new name is taken.
+bool renameToFreeName(int fromFolder, const std::string& from, int toFolder, const std::string& to);
+void syncFolder(int folder);
+
+// Without "." and ".."; in no order.
+std::vector<std::string> namesIn(int folder);
+
+// Of a file's bytes; not against malice.
+std::uint64_t contentHash(std::string_view bytes);
+
+}  // namespace contacts

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/contacts/comparison.h"
+#include "platform/contacts/record.h"
+#include "platform/contacts/schema.h"
+#include "platform/contacts/search_element.h"
+#include "platform/foundation/array.h"
+#include "platform/objc/retained.h"
+
+#include <string>
+#include <vector>
+
+namespace contacts {
+
+// A condition on one property, or a conjunction of other elements.
+struct SearchElementObject : objc::Object {
+  [[nodiscard]] bool matchesRecord(ABRecord record) const;
+  [[nodiscard]] NSString description() const;
+
+  bool isConjunction = false;
+  ABSearchConjunction conjunction = kABSearchAnd;
+  std::vector<Retained<ABSearchElement>> children;
+
+  bool isForGroups = false;
+  Retained<NSString> property;
+  ABPropertyType type = kABErrorInProperty;
+  Retained<NSString> label;  // nil for any
+  Retained<NSString> key;    // nil for any
+  Retained<NSObject> value;  // nil: whether there is one at all
+  ABSearchComparison comparison = kABEqual;
+
+ private:
+  [[nodiscard]] bool matches(ABRecord record) const;
+  [[nodiscard]] bool matchesValue(NSObject found) const;
+};
+
+// What searchElementForProperty:label:key:value:comparison: answers, autoreleased.
+ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSString property, NSString label,
+                                 NSString key, NSObject value, NSInteger comparison);
+
+}  // namespace contacts

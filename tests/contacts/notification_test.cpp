@@ -1,0 +1,134 @@
+#include "platform/foundation/notification.h"
+
+#include "platform/contacts/address_book.h"
+#include "platform/contacts/constants.h"
+#include "platform/foundation/autorelease_pool.h"
+#include "platform/foundation/run_loop.h"
+#include "platform/objc/class_builder.h"
+#include "platform/objc/retained.h"
+#include "tests/contacts/contacts_folder.h"
+#include "tests/contacts/in_child.h"
+#include "tests/contacts/shown.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// One text a notification: "own" or "external", and the ids.
+std::vector<std::string> told;
+
+void tell(const char* kind, NSNotification notification) {
+  std::string text = kind;
+  const std::pair<const char*, NSString> keys[] = {
+      {" +", kABInsertedRecords}, {" *", kABUpdatedRecords}, {" -", kABDeletedRecords}};
+  for (const auto& [mark, key] : keys) {
+    const NSObject ids = notification.userInfo().objectForKey(key);
+    if (ids) text += mark + shown(ids);
+  }
+  EXPECT_EQ(notification.object(), ABAddressBook::sharedAddressBook());
+  told.push_back(text);
+}
+
+void tellOwn(NSObject, NSNotification notification) { tell("own", notification); }
+void tellExternal(NSObject, NSNotification notification) { tell("external", notification); }
+
+class Notifications : public ::testing::Test {
+ protected:
+  Notifications() {
+    folder_.writeCard("a.vcf", "UID:a\nN:Adams\n");
+    folder_.writeCard("b.vcf", "UID:b\nN:Berg\n");
+    auto builder = objc::ClassBuilder::define<objc::Object>("ChangeObserver", "NSObject");
+    builder.method<&tellOwn>("own:").method<&tellExternal>("external:");
+    observer_ = Retained<NSObject>::adopt(send<NSObject>(Class("ChangeObserver"), "new"_sel));
+    book_ = ABAddressBook::sharedAddressBook();
+    const NSNotificationCenter center = NSNotificationCenter::defaultCenter();
+    center.addObserver(observer_.get(), "own:"_sel, kABDatabaseChangedNotification, book_);
+    center.addObserver(observer_.get(), "external:"_sel, kABDatabaseChangedExternallyNotification, book_);
+  }
+
+  [[nodiscard]] ABRecord record(const char* id) const { return book_.recordForUniqueId(NSString::stringWithUTF8(id)); }
+
+  // Lets the run loop see what happened, until something was told.
+  static std::vector<std::string> toldNow() {
+    for (int i = 0; i < 100 && told.empty(); ++i) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
+    for (int i = 0; i < 4; ++i) CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.02, true);
+    return std::exchange(told, {});
+  }
+
+  AutoreleasePool pool_;
+  ContactsFolder folder_;
+  Retained<NSObject> observer_;
+  ABAddressBook book_;
+};
+
+TEST_F(Notifications, TellWhatASaveChanged) {
+  EXPECT_TRUE(book_.save());
+  EXPECT_TRUE(told.empty());
+  const auto added = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book_));
+  EXPECT_TRUE(record("a:ABPerson").setValue("x"_ns, kABNoteProperty));
+  EXPECT_TRUE(book_.removeRecord(record("b:ABPerson")));
+  EXPECT_TRUE(book_.save());
+  EXPECT_EQ(told, (std::vector<std::string>{"own +(" + shown(added->uniqueId()) + ") *(a:ABPerson) -(b:ABPerson)"}));
+  told.clear();
+  // The folder's own echo is none.
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.1, false);
+  EXPECT_TRUE(told.empty());
+
+  const ABAddressBook other = ABAddressBook::addressBook();
+  EXPECT_TRUE(other.recordForUniqueId("a:ABPerson"_ns).setValue("y"_ns, kABNoteProperty));
+  EXPECT_TRUE(other.save());
+  EXPECT_EQ(told, (std::vector<std::string>{"own *(a:ABPerson)"}));
+  EXPECT_EQ(shown(record("a:ABPerson"), "Note"), "y");
+}
+
+TEST_F(Notifications, TellWhatOthersChanged) {
+  const ABRecord a = record("a:ABPerson");
+  folder_.writeCard("a.vcf", "UID:a\nN:Aalto\n");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external *(a:ABPerson)"}));
+  EXPECT_EQ(shown(a, "Last"), "Aalto");
+
+  // A new card may appear by a hard link alone, and a card may move to another file.
+  folder_.write("c.tmp", "BEGIN:VCARD\nUID:c\nN:Cruz\nEND:VCARD\n");
+  fs::create_hard_link(folder_.path() / "c.tmp", folder_.path() / "c.vcf");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external +(c:ABPerson)"}));
+  fs::rename(folder_.path() / "c.vcf", folder_.path() / "d.vcf");
+  CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.2, false);
+  EXPECT_TRUE(told.empty());
+  EXPECT_TRUE(record("c:ABPerson").setValue("x"_ns, kABNoteProperty));
+  fs::remove(folder_.path() / "b.vcf");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external -(b:ABPerson)"}));
+  EXPECT_FALSE(record("b:ABPerson"));
+  EXPECT_TRUE(book_.save());
+  EXPECT_NE(bytesOf(folder_.path() / "d.vcf").find("NOTE:x"), std::string::npos);
+}
+
+TEST_F(Notifications, FollowAFolderThatIsReplaced) {
+  const fs::path old = folder_.path().string() + ".old";
+  fs::rename(folder_.path(), old);
+  fs::create_directory(folder_.path());
+  folder_.writeCard("a.vcf", "UID:a\nN:Adams\n");
+  folder_.writeCard("z.vcf", "UID:z\nN:Zola\n");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external +(z:ABPerson) -(b:ABPerson)"}));
+  folder_.writeCard("y.vcf", "UID:y\nN:Yun\n");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external +(y:ABPerson)"}));
+  fs::remove_all(old);
+}
+
+TEST_F(Notifications, KeepWhatIsChangedHere) {
+  EXPECT_TRUE(record("a:ABPerson").setValue("mine"_ns, kABNoteProperty));
+  folder_.writeCard("a.vcf", "UID:a\nN:Aalto\nNOTE:theirs\n");
+  fs::remove(folder_.path() / "b.vcf");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external *(a:ABPerson) -(b:ABPerson)"}));
+  EXPECT_EQ(shown(record("a:ABPerson"), "Note"), "mine");
+  EXPECT_EQ(shown(record("a:ABPerson"), "Last"), "Aalto");
+  EXPECT_TRUE(book_.hasUnsavedChanges());
+}
+
+}  // namespace
