@@ -24,8 +24,8 @@ struct SchemaMethods {
 
   static ABSearchElement searchElement(Class, NSString property, NSString label, NSString key, NSObject value,
                                        NSInteger comparison) {
-    constexpr bool kIsForGroups = schema == groupSchema;
-    return searchElementFor(kIsForGroups, schema(), property, label, key, value, comparison);
+    const bool isForGroups = &schema() == &groupSchema();
+    return searchElementFor(isForGroups, schema(), property, label, key, value, comparison);
   }
 
   static void addTo(objc::ClassBuilder& builder) {
