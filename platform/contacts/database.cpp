@@ -17,6 +17,7 @@ namespace contacts {
 namespace {
 
 constexpr char kMe[] = "me";
+constexpr char kProperties[] = "properties";
 
 }  // namespace
 
@@ -76,7 +77,14 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     if (std::optional<FoundFile> file = look(name)) found.push_back(*std::move(file));
   }
   readMe();
+  adoptPropertyFile(propertyText());
   return adopt(std::move(found));
+}
+
+void Database::refreshProperties() {
+  const std::scoped_lock guard(lock_);
+  recover();
+  adoptPropertyFile(propertyText());
 }
 
 // Finishes a save that ended in the middle. Where that can't be done, what it asks for is read beside the files.
@@ -214,6 +222,11 @@ void Database::log(const std::string& message) {
 void Database::readMe() {
   const std::optional<FileContents> contents = read(JournalStep::Target::kData, kMe);
   me_ = contents ? std::string(vcard::trimmed(contents->bytes)) : std::string();
+}
+
+std::string Database::propertyText() const {
+  const std::optional<FileContents> contents = read(JournalStep::Target::kData, kProperties);
+  return contents ? contents->bytes : std::string();
 }
 
 }  // namespace contacts

@@ -4,6 +4,7 @@
 #include "platform/contacts/card_file.h"
 #include "platform/contacts/folder.h"
 #include "platform/contacts/journal.h"
+#include "platform/contacts/property_file.h"
 #include "platform/contacts/stored_card.h"
 
 #include <map>
@@ -32,6 +33,7 @@ struct CardUpdate {
 struct SaveRequest {
   std::vector<CardUpdate> updates;
   std::optional<std::string> me;  // the UID of the owner's card, empty for none; nothing when it stays
+  std::vector<PropertyChange> properties;
 };
 
 struct SaveResult {
@@ -39,6 +41,7 @@ struct SaveResult {
   std::vector<CardChange> saved;
   // What others had changed meanwhile in files that the save touched.
   std::vector<CardChange> foreign;
+  int changedProperties = 0;
 };
 
 // The process's view of the folder: what its books are made from and saved to. Any thread may use it.
@@ -59,6 +62,8 @@ class Database {
   // Reads what has changed in the folder since it was last read: in the files of those names, or in all. Throws
   // FolderError and FileError; what was read before then stays.
   std::vector<CardChange> refresh(const std::set<std::string>* names = nullptr);
+  // Reads nothing but the custom properties into the schemas; refresh does too.
+  void refreshProperties();
   // All of the request, or nothing, which throws FileError or FolderError.
   SaveResult save(const SaveRequest& request);
 
@@ -86,6 +91,7 @@ class Database {
   static void log(const std::string& message);
   std::vector<CardChange> adopt(std::vector<FoundFile> found);
   void readMe();
+  [[nodiscard]] std::string propertyText() const;
 
   mutable std::mutex lock_;
   Folder folder_;

@@ -15,6 +15,7 @@ namespace contacts {
 namespace {
 
 constexpr char kMe[] = "me";
+constexpr char kProperties[] = "properties";
 
 // The sections of a text that are cards, by their position among the cards.
 std::vector<std::string_view> cardSections(std::string_view text) {
@@ -158,6 +159,13 @@ void DatabaseSave::write() {
     if (!request_.me->empty()) plan.composed = *request_.me + "\n";
     addStep(JournalStep::Target::kData, kMe, plan);
   }
+  if (request_.properties.empty()) return;
+  properties_ = editedPropertyFile(database_.propertyText(), request_.properties);
+  if (properties_.count > 0) {
+    Plan plan;
+    plan.composed = properties_.text;
+    addStep(JournalStep::Target::kData, kProperties, plan);
+  }
 }
 
 void DatabaseSave::addStep(JournalStep::Target target, const std::string& name, Plan& plan) {
@@ -198,6 +206,8 @@ SaveResult DatabaseSave::finish() {
   keepRemoved(result);
   const std::vector<CardChange> changes = adoptWritten();
   if (request_.me) database_.me_ = *request_.me;
+  if (properties_.count > 0) adoptPropertyFile(properties_.text);
+  result.changedProperties = properties_.count;
 
   std::set<std::string> own;
   for (std::size_t i = 0; i < request_.updates.size(); ++i) {

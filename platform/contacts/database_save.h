@@ -54,6 +54,7 @@ class DatabaseSave {
   std::vector<JournalStep> steps_;
   std::vector<CardChange> foreign_;  // found on the way
   bool hasLookedEverywhere_ = false;
+  PropertyFileEdit properties_;
 };
 
 }  // namespace contacts

@@ -89,7 +89,8 @@ void applyWrite(const Folder& folder, const JournalStep& step) {
 
 void applyRemoval(const Folder& folder, const JournalStep& step) {
   const int target = targetFolder(folder, step);
-  if (stampIn(target, step.name) == step.expected) removeFile(target, step.name);
+  if (step.target == JournalStep::Target::kData || stampIn(target, step.name) == step.expected)
+    removeFile(target, step.name);
 }
 
 }  // namespace

@@ -11,9 +11,9 @@ namespace contacts {
 // One line a property that has a value, sorted by name.
 NSString RecordObject::description() {
   std::vector<std::pair<std::string, std::string>> lines;
-  for (const Property& property : schema_->properties()) {
-    const NSObject shown = value(property);
-    if (shown) lines.emplace_back(property.name == "UID" ? "Unique ID" : property.name, utf8Of(shown.description()));
+  for (const Property* property : schema_->properties()) {
+    const NSObject shown = value(*property);
+    if (shown) lines.emplace_back(property->name == "UID" ? "Unique ID" : property->name, utf8Of(shown.description()));
   }
   std::ranges::sort(lines);
   std::size_t width = 0;

@@ -1,14 +1,43 @@
 #include "platform/contacts/schema.h"
 
+#include <mutex>
+
 namespace contacts {
 
-Schema::Schema(std::initializer_list<Property> builtIn) : properties_(builtIn) {
-  for (const Property& property : properties_) byName_.emplace(property.name, &property);
+Schema::Schema(std::initializer_list<Property> builtIn) : known_(builtIn) {
+  for (const Property& property : known_) {
+    properties_.push_back(&property);
+    byName_.emplace(property.name, &property);
+  }
 }
 
 const Property* Schema::find(std::string_view name) const {
+  const std::shared_lock guard(lock_);
   auto found = byName_.find(name);
   return found == byName_.end() ? nullptr : found->second;
+}
+
+std::vector<const Property*> Schema::properties() const {
+  const std::shared_lock guard(lock_);
+  return properties_;
+}
+
+void Schema::setCustom(const std::vector<Property>& custom) {
+  const std::scoped_lock guard(lock_);
+  std::unordered_map<std::string_view, const Property*> old;
+  std::erase_if(properties_, [&](const Property* property) {
+    if (property->isCustom) old.emplace(property->name, property);
+    return property->isCustom;
+  });
+  for (const auto& [name, property] : old) byName_.erase(name);
+  for (const Property& property : custom) {
+    if (byName_.contains(property.name)) continue;
+    auto same = old.find(property.name);
+    const bool isOld = same != old.end() && same->second->type == property.type;
+    const Property* kept = isOld ? same->second : &known_.emplace_back(Property{property.name, property.type, true});
+    properties_.push_back(kept);
+    byName_.emplace(kept->name, kept);
+  }
 }
 
 Schema& personSchema() {

@@ -18,7 +18,7 @@ struct SchemaMethods {
 
   static NSArray properties(Class) {
     NSMutableArray names = NSMutableArray::array();
-    for (const Property& property : schema().properties()) names.addObject(makeString(property.name));
+    for (const Property* property : schema().properties()) names.addObject(makeString(property->name));
     return names;
   }
 
