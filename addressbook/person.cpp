@@ -42,8 +42,9 @@ void assignImageData(REALobject self, REALmemoryBlock data) { setImageData(self,
 REALobject image(REALobject self) {
   REALobject result = nullptr;
   CocoaInit();
-  const AutoreleasePool pool;
   guard([&] {
+    // Gone again before an exception is reported.
+    const AutoreleasePool pool;
     NSData data = wrapped<ABPerson>(self).imageData();
     if (!data) return;
     const auto decoded = Retained<NSImage>::adopt(NSImage::alloc().initWithData(data));

@@ -1,163 +1,272 @@
 #include "platform/contacts/address_book.h"
-#include "host/classes.h"
-#include "host/entries.h"
-#include "host/objects.h"
-#include "platform/foundation/exception.h"
-#include "platform/objc/instrumentation.h"
-#include "tests/kit/host.h"
+#include "host/arrays.h"
+#include "host/memory_blocks.h"
+#include "platform/objc/class_builder.h"
+#include "tests/addressbook/member_rows.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
 
 namespace {
 
-const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1"), person("Grace", "Hopper", "p2"),
-                                  group("Work", "g1")};
+using host::Ref;
+using host::Value;
+
+const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1", {"EMAIL;TYPE=HOME:Ada@Example.org"}),
+                                  person("Grace", "Hopper", "p2", {"EMAIL:grace@example.org", "EMAIL:ADA@example.ORG"}),
+                                  group("work", "g1"),
+                                  group("Work", "g2"),
+                                  group("Work", "g3"),
+                                  Card{"g4", "UID:g4\nX-ADDRESSBOOKSERVER-KIND:group\n"}};
 
 constexpr const char* kBook = "ABAddressBookVXR";
 
-// The next send of the selector raises.
-std::string raisingSelector;
+Value search(const Host& host) {
+  return host.shared(kBook, "searchElementForPersonProperty", "Last", "", "", "Hopper",
+                     host::constant(kBook, "kABEqual"));
+}
 
-void raiseOn(const char* selector) {
-  raisingSelector = selector;
-  objc_setSendHook([](objc::Object*, objc::Selector sent) {
-    if (sel_getName(sent) != raisingSelector) return;
-    raisingSelector.clear();
-    NSException::raise("Refused"_ns, "because"_ns);
-  });
+// In an order in which each row finds what it needs.
+MemberRows rows(const Host& host, const Value& book) {
+  const Value ada = book.call("personForUniqueId", "p1:ABPerson");
+  return {
+      {"recordsMatchingSearchElement", {search(host)}, "recordsMatchingSearchElement:", "[p2:ABPerson]", "[]"},
+      {"groups", {}, "groups", "[g1:ABGroup g2:ABGroup g3:ABGroup g4:ABGroup]", "[]"},
+      {"people", {}, "people", "[p1:ABPerson p2:ABPerson]", "[]"},
+      {"setMe", {ada}, "setMe:", "Nil", "Nil", false},
+      {"owner", {}, "me", "p1:ABPerson", "Nil"},
+      {"hasUnsavedChanges", {}, "hasUnsavedChanges", "Boolean True", "Boolean False"},
+      {"save", {}, "save", "Boolean True", "Boolean False"},
+      {"defaultCountryCode", {}, "defaultCountryCode", "'us'", "''"},
+      {"defaultNameOrdering", {}, "defaultNameOrdering", "Integer 32", "Integer 0"},
+      {"recordClassFromUniqueId", {"g1:ABGroup"}, "recordClassFromUniqueId:", "'ABGroup'", "''"},
+      {"recordForUniqueId", {"g1:ABGroup"}, "recordForUniqueId:", "g1:ABGroup", "Nil"},
+      {"personForUniqueId", {"p2:ABPerson"}, "recordForUniqueId:", "p2:ABPerson", "Nil"},
+      {"groupForUniqueId", {"g2:ABGroup"}, "recordForUniqueId:", "g2:ABGroup", "Nil"},
+      {"groupForName", {"Work"}, "groups", "g2:ABGroup", "Nil", false},
+      {"peopleForEmail",
+       {"aDA@example.org"},
+       "recordsMatchingSearchElement:",
+       "[p1:ABPerson p2:ABPerson]",
+       "[]",
+       false},
+      {"removeRecord", {ada}, "removeRecord:", "Boolean True", "Boolean False"},
+      {"addRecord", {ada}, "addRecord:", "Boolean True", "Boolean False"},
+  };
 }
 
 }  // namespace
 
-TEST(SharedAddressbook, IsOneObject) {
+TEST(AddressBook, SendsAndConverts) {
   const Host host{.contacts = kContacts};
-  EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), false);
-  const host::Value first = host.shared(kBook, "sharedAddressbook");
-  EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), true);
-  EXPECT_EQ(first.typeName(), kBook);
-  EXPECT_EQ(host.shared(kBook, "sharedAddressbook"), first);
-  EXPECT_EQ(host.shared(kBook, "sharedAddressbookMT"), first);
-  EXPECT_EQ(host::liveCounts()[kBook], 1);
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  expectResults(book, rows(host, book));
 }
 
-TEST(SharedAddressbook, IsOpenedOnAWorkerWhileTheHostGoesOn) {
-  static int yields = 0;
-  const Host host{.contacts = kContacts, .yield = [] { ++yields; }};
-  const host::Value book = host.shared(kBook, "sharedAddressbookMT");
-  EXPECT_GE(yields, 1);
+TEST(AddressBook, AnswersNeutrallyWhereSomethingIsMissing) {
+  const Host host{.contacts = kContacts};
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  expectNeutralWithoutArguments(book, rows(host, book));
+  expectNeutralWhenEmpty(emptyInstance(kBook), rows(host, book));
+}
+
+TEST(AddressBook, AnswersNeutrallyWhenTheFrameworkRaises) {
+  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  expectNeutralWhenRaising(book, rows(host, book));
+  // Halfway, what was there stays.
+  for (const char* list : {"people", "groups"}) {
+    const MemberRow row{list, {}, "nextObject", "", ""};
+    EXPECT_EQ(row.outcome(book, {}, 2).first, list == std::string("people") ? "[p1:ABPerson]" : "[g1:ABGroup]");
+  }
+  EXPECT_EQ((MemberRow{"peopleForEmail", {}, "nextObject", "", ""}.outcome(book, {"ada@example.org"}, 2).first),
+            "[p1:ABPerson]");
+}
+
+TEST(AddressBook, LeavesTheExceptionToHostCode) {
+  const Host host{.contacts = kContacts};
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  for (const char* selector : {"people", "nextObject"}) {
+    const Sends sends(selector, 1);
+    EXPECT_EQ(thrownBy([&] { book.call("people"); }), kRefused);
+  }
   EXPECT_EQ(book.call("people").size(), 2U);
 }
 
-TEST(SharedAddressbook, MadeWhileTheWorkerRunsIsTheOnlyOne) {
-  static host::Value made;
-  const Host host{.contacts = kContacts, .yield = [] {
-                    if (made.isNil()) made = host::callShared(kBook, "sharedAddressbook");
-                  }};
-  const host::Value book = host.shared(kBook, "sharedAddressbookMT");
-  EXPECT_EQ(book, made);
-  made = nullptr;
+TEST(AddressBook, AnswersNeutrallyWhatAnOldFrameworkLacks) {
+  const std::vector<std::string> later{"defaultCountryCode", "defaultNameOrdering", "recordClassFromUniqueId:"};
+  const Host host{.contacts = kContacts, .withoutSelectors = later};
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  for (const MemberRow& row : rows(host, book)) {
+    if (std::ranges::find(later, row.selector) == later.end()) continue;
+    EXPECT_EQ(row.outcome(book, row.arguments), std::pair(row.neutral, 0)) << row.member;
+  }
 }
 
-TEST(SharedAddressbook, IsNilAndAskedForAgainWhenItCannotBeHad) {
+TEST(AddressBook, FindsRecordsOfTheirKindAlone) {
   const Host host{.contacts = kContacts};
-  host::failNewInstance(1);
-  EXPECT_TRUE(host.shared(kBook, "sharedAddressbook").isNil());
-  raiseOn("sharedAddressBook");
-  EXPECT_EQ(thrownBy([&] { host.shared(kBook, "sharedAddressbook"); }),
-            "NSExceptionVXR: A Cocoa Refused was not handled: because");
-  EXPECT_EQ(host::liveCounts()[kBook], 0);
-  EXPECT_FALSE(host.shared(kBook, "sharedAddressbook").isNil());
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  EXPECT_TRUE(book.call("personForUniqueId", "g1:ABGroup").isNil());
+  EXPECT_TRUE(book.call("groupForUniqueId", "p1:ABPerson").isNil());
+  EXPECT_TRUE(book.call("recordForUniqueId", "nobody").isNil());
+  EXPECT_TRUE(book.call("groupForName", "WORK").isNil());
+  EXPECT_TRUE(book.call("groupForName", "").isNil());  // one has no name
+  EXPECT_EQ(book.call("recordForUniqueId", "p1:ABPerson"), book.call("people").at(0));
+  EXPECT_EQ(book.call("peopleForEmail", "nobody@example.org").size(), 0U);
 }
 
-TEST(SharedAddressbook, IsOpenedHereWhenTheWorkerCouldNot) {
+TEST(AddressBook, MakesPeopleOfVCardsWithoutABook) {
   const Host host{.contacts = kContacts};
-  raiseOn("sharedAddressBook");  // on the worker; here it answers
-  EXPECT_EQ(thrownBy([&] { host.shared(kBook, "sharedAddressbookMT"); }),
-            "NSExceptionVXR: A Cocoa Refused was not handled: because");
-  EXPECT_EQ(host::liveCounts()[kBook], 1);
-  EXPECT_EQ(host.shared(kBook, "sharedAddressbook").call("people").size(), 2U);
+  const Value card = host::memoryBlock("BEGIN:VCARD\nVERSION:3.0\nN:Turing;Alan\nEND:VCARD\n");
+  for (const Value& book : {host.shared(kBook, "sharedAddressbook"), emptyInstance(kBook)}) {
+    const Value alan = book.call("NewPersonWithVCardRepresentation", card);
+    EXPECT_EQ(alan.call("DisplayName"), "Alan Turing");
+    EXPECT_TRUE(book.call("recordForUniqueId", alan.call("uniqueId")).isNil());
+    EXPECT_TRUE(book.call("NewPersonWithVCardRepresentation", nullptr).isNil());
+    EXPECT_TRUE(book.call("NewPersonWithVCardRepresentation", host::memoryBlock("no card")).isNil());
+    EXPECT_EQ(thrownBy([&] {
+                const Sends sends("dataWithBytes:length:", 1);
+                book.call("NewPersonWithVCardRepresentation", card);
+              }),
+              kRefused);
+  }
 }
 
-TEST(AddressBook, SaysWhyItsFolderCannotBeRead) {
+TEST(AddressBook, TranslatesLabelsWithoutABook) {
   const Host host{};
-  setenv("ADDRESSBOOK_FOLDER", "/dev/null", 1);
-  const std::string thrown = thrownBy([&] { host.shared(kBook, "sharedAddressbook"); });
-  EXPECT_NE(thrown.find("contacts folder /dev/null: "), std::string::npos) << thrown;
-  EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), false);
+  const Value book = emptyInstance(kBook);
+  EXPECT_EQ(book.call("LocalizedPropertyOrLabel", "_$!<HomeFAX>!$_"), "home fax");
+  EXPECT_EQ(book.call("LocalizedPropertyOrLabel", "boat"), "boat");
+  EXPECT_EQ(book.call("LocalizedPropertyOrLabel", ""), "");
 }
 
-TEST(AddressBook, MadeByHostCodeSharesTheBook) {
+TEST(AddressBook, ForgetsItsOwnerWhenToldNobody) {
   const Host host{.contacts = kContacts};
-  const host::Value first = host.make(kBook);
-  const host::Value second = host.make(kBook);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(first.get("Handle"), second.get("Handle"));
-  EXPECT_EQ(first.call("people").at(0), second.call("people").at(0));
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  for (const Value& nobody : {Value(), emptyInstance("ABPersonVXR")}) {
+    book.call("setMe", book.call("people").at(1));
+    EXPECT_EQ(told(book.call("owner")), "p2:ABPerson");
+    book.call("setMe", nobody);
+    EXPECT_TRUE(book.call("owner").isNil());
+  }
 }
 
-TEST(AddressBook, OfItsOwnIsNewAtEachCall) {
+namespace {
+
+// One way to a by-reference error: a call that fails with an error object, or not.
+struct Reporting {
+  const char* member;
+  const char* selector;
+  const char* fallback;
+};
+
+constexpr Reporting kReporting[] = {{"addRecord", "addRecord:error:", "addRecord:"},
+                                    {"removeRecord", "removeRecord:error:", "removeRecord:"},
+                                    {"save", "saveAndReturnError:", "save"}};
+
+bool takesRecord(const Reporting& reporting) { return reporting.member != std::string("save"); }
+
+Value callReporting(const Value& book, const Reporting& reporting, const Value& record, Value& error) {
+  return takesRecord(reporting) ? book.call(reporting.member, record, Ref(error))
+                                : book.call(reporting.member, Ref(error));
+}
+
+// An error left from an earlier call.
+Value someError(const Value& book) {
+  Value error;
+  book.call("removeRecord", host::newObject("ABPersonVXR"), Ref(error));
+  EXPECT_EQ(error.get("Code"), host::constant(kBook, "ABRemoveRecordsError"));
+  return error;
+}
+
+}  // namespace
+
+TEST(ByReferenceErrors, AreDroppedOnEachPathWithoutOne) {
   const Host host{.contacts = kContacts};
-  const host::Value first = host.shared(kBook, "addressBook");
-  const host::Value second = host.shared(kBook, "addressBook");
-  EXPECT_NE(first, second);
-  EXPECT_NE(first.get("Handle"), second.get("Handle"));
-  EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), false);
-  EXPECT_EQ(first.call("people").size(), 2U);
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  const Value ada = book.call("people").at(0);
+  for (const Reporting& reporting : kReporting) {
+    SCOPED_TRACE(reporting.member);
+    Value error = someError(book);
+    EXPECT_EQ(callReporting(book, reporting, ada, error), true);
+    EXPECT_TRUE(error.isNil());
+    error = someError(book);
+    EXPECT_EQ(callReporting(emptyInstance(kBook), reporting, ada, error), false);
+    EXPECT_TRUE(error.isNil());
+    for (const Value& missing : {Value(), emptyInstance("ABRecordVXR")}) {
+      if (!takesRecord(reporting)) break;
+      error = someError(book);
+      EXPECT_EQ(callReporting(book, reporting, missing, error), false);
+      EXPECT_TRUE(error.isNil());
+    }
+    if (takesRecord(reporting)) book.call("addRecord", ada);
+    error = someError(book);
+    EXPECT_EQ(thrownBy([&] {
+                const Sends sends(reporting.selector, 1);
+                callReporting(book, reporting, ada, error);
+              }),
+              kRefused);
+  }
 }
 
-TEST(AddressBook, CannotBeConstructedTwice) {
+TEST(ByReferenceErrors, TakeTheFallbackWhereTheFrameworkIsOld) {
+  const Host host{.contacts = kContacts,
+                  .withoutSelectors = {
+                      "addRecord:error:", "removeRecord:error:", "saveAndReturnError:", "setValue:forProperty:error:"}};
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  const Value ada = book.call("people").at(0);
+  Value error = host.make("NSErrorVXR");
+  EXPECT_EQ(ada.call("setValue", "Augusta", "First", Ref(error)), true);
+  EXPECT_TRUE(error.isNil());
+  for (const Reporting& reporting : kReporting) {
+    const Sends sends(reporting.fallback);
+    error = host.make("NSErrorVXR");
+    EXPECT_EQ(callReporting(book, reporting, ada, error), true) << reporting.member;
+    EXPECT_TRUE(error.isNil());
+    EXPECT_EQ(sends.count(), 1);
+  }
+  error = host.make("NSErrorVXR");
+  EXPECT_EQ(book.call("removeRecord", host.make("ABPersonVXR"), Ref(error)), false);
+  EXPECT_TRUE(error.isNil());
+}
+
+TEST(ByReferenceErrors, SayWhatFailed) {
   const Host host{.contacts = kContacts};
-  const host::Value book = host.make(kBook);
-  const host::Value handle = book.get("Handle");
-  host::requireClass(kBook).definition->constructor(book.object());
-  EXPECT_STREQ(host::takePendingException()->what(),
-               "UnsupportedOperationException: Constructor called too often. Object is already initialized.");
-  EXPECT_EQ(book.get("Handle"), handle);
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  const Value other = host.shared(kBook, "addressBook");
+  Value error;
+  EXPECT_EQ(book.call("addRecord", other.call("people").at(0), Ref(error)), false);
+  EXPECT_EQ(error.get("Code"), host::constant(kBook, "ABAddRecordsError"));
+  EXPECT_EQ(error.get("Domain"), host.shared(kBook, "ABAddressBookErrorDomain"));
+  EXPECT_NE(error.get("LocalizedDescription"), "");
+
+  Value second;
+  EXPECT_EQ(book.call("people").at(0).call("setValue", 7, "NoSuchProperty", Ref(second)), false);
+  EXPECT_EQ(second.get("Code"), host::constant(kBook, "ABPropertyUnsupportedBySourceError"));
+  EXPECT_NE(second, error);
 }
 
-TEST(AddressBook, ListsEachPersonAsOneObject) {
+namespace {
+
+// A framework that reports the same error each time.
+NSError sameError;
+
+bool failAgain(ABRecord, NSObject, NSString, NSError* error) {
+  *error = sameError;
+  return false;
+}
+
+}  // namespace
+
+TEST(ByReferenceErrors, SeenTwiceAreOneHostObject) {
+  objc::ClassBuilder(Class("ABRecord")).method<&failAgain>("setValue:forProperty:error:");
   const Host host{.contacts = kContacts};
-  const host::Value book = host.shared(kBook, "sharedAddressbook");
-  const host::Value people = book.call("people");
-  ASSERT_EQ(people.size(), 2U);
-  EXPECT_EQ(people.at(0).call("uniqueId"), "p1:ABPerson");
-  EXPECT_EQ(people.at(0).call("valueForProperty", "First"), "Ada");
-  EXPECT_EQ(book.call("people").at(0), people.at(0));
-  EXPECT_EQ(book.call("groups").at(0).typeName(), "ABGroupVXR");
-}
-
-TEST(AddressBook, AnswersWhatItHadWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts};
-  const host::Value book = host.shared(kBook, "sharedAddressbook");
-  raiseOn("people");
-  EXPECT_EQ(thrownBy([&] { book.call("people"); }), "NSExceptionVXR: A Cocoa Refused was not handled: because");
-  raiseOn("nextObject");
-  EXPECT_EQ(thrownBy([&] { book.call("people"); }), "NSExceptionVXR: A Cocoa Refused was not handled: because");
-  EXPECT_EQ(book.call("people").size(), 2U);
-}
-
-TEST(Records, AnswerNeutrallyWhenEmptyOrUnasked) {
-  const Host host{.contacts = kContacts};
-  const host::Value empty = host.make("ABRecordVXR");
-  EXPECT_TRUE(empty.call("valueForProperty", "First").isNil());
-  EXPECT_EQ(empty.call("uniqueId"), "");
-  EXPECT_EQ(empty.call("isReadOnly"), false);
-  EXPECT_EQ(empty.call("DisplayName"), "");
-
-  const host::Value ada = host.shared(kBook, "sharedAddressbook").call("people").at(0);
-  EXPECT_TRUE(ada.call("valueForProperty", "").isNil());
-  EXPECT_TRUE(ada.call("valueForProperty", "Nickname").isNil());
-  EXPECT_EQ(thrownBy([&] { ada.call("valueForProperty", 7); }),
-            "host: ABRecordVXR.valueForProperty: argument 1 is Integer, declared string");
-}
-
-TEST(Records, ShowTheirNamesInTheUsersOrder) {
-  const Host host{.contacts = {person("Ada", "Lovelace", "p1"), Card{"p2", "UID:p2\nFN:x\nN:Tolen;Mira;;Dr.;\n"},
-                               Card{"p3", "UID:p3\nFN:\nN:;;;;\n"}, group("Work", "g1")}};
-  const host::Value book = host.shared(kBook, "sharedAddressbook");
-  const host::Value people = book.call("people");
-  EXPECT_EQ(people.at(0).call("DisplayName"), "Ada Lovelace");
-  EXPECT_EQ(people.at(1).call("DisplayName"), "Dr. Mira Tolen");
-  EXPECT_EQ(people.at(2).call("DisplayName"), "?");
-  EXPECT_EQ(book.call("groups").at(0).call("DisplayName"), "Work");
+  const Value ada = host.shared(kBook, "sharedAddressbook").call("people").at(0);
+  sameError = NSError::errorWithDomain("Domain"_ns, 7, nullptr);
+  Value first;
+  Value second;
+  EXPECT_EQ(ada.call("setValue", "x", "First", Ref(first)), false);
+  EXPECT_EQ(ada.call("setValue", "x", "First", Ref(second)), false);
+  EXPECT_EQ(first, second);
+  EXPECT_EQ(first.get("Code"), 7);
+  EXPECT_EQ(host::liveCounts()["NSErrorVXR"], 1);
 }

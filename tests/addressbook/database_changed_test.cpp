@@ -1,0 +1,224 @@
+#include "host/entries.h"
+#include "host/events.h"
+#include "host/memory_blocks.h"
+#include "platform/contacts/address_book.h"
+#include "platform/foundation/notification.h"
+#include "tests/addressbook/member_rows.h"
+
+#include <chrono>
+#include <thread>
+
+namespace {
+
+using host::Value;
+
+const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1"), person("Grace", "Hopper", "p2")};
+
+constexpr const char* kBook = "ABAddressBookVXR";
+constexpr const char* kEvent = "DatabaseChanged";
+
+// What handlers were told since the test looked last.
+std::vector<std::string> heard;
+
+std::vector<std::string> heardNow() { return std::exchange(heard, {}); }
+
+void listen(const Value&, std::span<const Value> arguments) {
+  std::string text = static_cast<bool>(arguments[0]) ? "external" : "own";
+  for (const Value& ids : arguments.subspan(1)) text += " " + shown(ids);
+  heard.push_back(text);
+}
+
+// Changes the person's note, by another object over the shared book.
+void change(const Host& host, const char* id) {
+  const Value book = host.make(kBook);
+  static int times = 0;
+  book.call("recordForUniqueId", id).call("setValue", std::to_string(++times), "Note");
+  book.call("save");
+}
+
+void writeCard(const Host& host, const std::string& uid, const std::string& name) {
+  std::ofstream(host.folder() / (uid + ".vcf"))
+      << "BEGIN:VCARD\nVERSION:3.0\nUID:" << uid << "\nN:" << name << "\nEND:VCARD\n";
+}
+
+// Idles as a host does, until a handler was called.
+std::vector<std::string> heardWhileIdle() {
+  for (int i = 0; i < 500 && heard.empty(); ++i) {
+    host::idle();
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return heardNow();
+}
+
+const std::vector<std::string> kFirstUpdated{"own [] ['p1:ABPerson'] []"};
+const std::vector<std::string> kNothing;
+
+}  // namespace
+
+TEST(DatabaseChanged, IsToldOnceInEachOrderOfPreparations) {
+  struct Case {
+    const char* name;
+    std::string order;  // C: the class's handler, N: construction, O: the object's handler, E: EnableEvent
+    std::vector<std::string> expected;
+  };
+  const Case cases[] = {
+      {"constructed with a handler", "CN", kFirstUpdated},
+      {"enabled beside", "CNE", kFirstUpdated},
+      {"enabled twice", "CNEE", kFirstUpdated},
+      {"enabled with a handler", "NOE", kFirstUpdated},
+      {"enabled twice without a handler of the class", "NEOE", kFirstUpdated},
+      {"enabled before there is a handler", "NEO", kFirstUpdated},
+      {"both handlers", "CNO", kFirstUpdated},
+      {"not enabled", "NO", kNothing},
+      {"class's handler too late", "NC", kNothing},
+      {"no handler", "NE", kNothing},
+  };
+  for (const Case& given : cases) {
+    // Handlers of a class stay: each in a process of its own.
+    const auto check = [&] {
+      {
+        const Host host{.contacts = kContacts};
+        Value book;
+        for (const char step : given.order) {
+          if (step == 'C') host::handleClassEvent(kBook, kEvent, listen);
+          if (step == 'N') book = host.make(kBook);
+          if (step == 'O') host::handleEvent(book, kEvent, listen);
+          if (step == 'E') book.call("EnableEvent");
+        }
+        book.call("people").at(0).call("setValue", "x", "Note");
+        book.call("save");
+        EXPECT_EQ(heardNow(), given.expected);
+      }
+      std::exit(testing::Test::HasFailure() ? 1 : 0);
+    };
+    EXPECT_EXIT(check(), testing::ExitedWithCode(0), "") << given.name;
+  }
+}
+
+TEST(DatabaseChanged, SaysWhatThisProcessSaved) {
+  const Host host{.contacts = kContacts};
+  // Of the shared book's changes, whatever book the object wraps.
+  const Value other = host.shared(kBook, "addressBook");
+  host::handleEvent(other, kEvent, listen);
+  other.call("EnableEvent");
+  const Value book = host.shared(kBook, "sharedAddressbook");
+  const Value alan = host.make("ABPersonVXR", book);
+  book.call("removeRecord", book.call("people").at(0));
+  book.call("people").at(0).call("setValue", "x", "Note");
+  book.call("save");
+  EXPECT_EQ(heardNow(),
+            std::vector<std::string>{"own ['" + alan.call("uniqueId").text() + "'] ['p2:ABPerson'] ['p1:ABPerson']"});
+  book.call("save");
+  EXPECT_EQ(heardNow(), kNothing);
+}
+
+TEST(DatabaseChanged, SaysWhatAnotherProcessSaved) {
+  const Host host{.contacts = kContacts};
+  host::handleClassEvent(kBook, kEvent, listen);
+  const Value book = host.make(kBook);
+  writeCard(host, "p3", "Turing;Alan");
+  EXPECT_EQ(heardWhileIdle(), std::vector<std::string>{"external ['p3:ABPerson'] [] []"});
+  EXPECT_EQ(book.call("personForUniqueId", "p3:ABPerson").call("DisplayName"), "Alan Turing");
+  writeCard(host, "p3", "Turing;A. M.");
+  EXPECT_EQ(heardWhileIdle(), std::vector<std::string>{"external [] ['p3:ABPerson'] []"});
+  std::filesystem::remove(host.folder() / "p3.vcf");
+  EXPECT_EQ(heardWhileIdle(), std::vector<std::string>{"external [] [] ['p3:ABPerson']"});
+
+  // A plug-in that yields lets it through as well.
+  writeCard(host, "p4", "Noether;Emmy");
+  const Value shared = host.shared(kBook, "sharedAddressbookMT");
+  EXPECT_EQ(heardNow(), (std::vector<std::string>{"external ['p4:ABPerson'] [] []"}));
+}
+
+TEST(DatabaseChanged, HasEmptyListsForWhatTheFrameworkLeavesOut) {
+  const Host host{.contacts = kContacts};
+  host::handleClassEvent(kBook, kEvent, listen);
+  const Value book = host.make(kBook);
+  const auto post = [](NSString name, NSObject sender) {
+    NSNotificationCenter::defaultCenter().postNotification(name, sender, nullptr);
+  };
+  post(kABDatabaseChangedExternallyNotification, ABAddressBook::sharedAddressBook());
+  EXPECT_EQ(heardNow(), std::vector<std::string>{"external [] [] []"});
+  post(kABDatabaseChangedNotification, ABAddressBook::addressBook());
+  EXPECT_EQ(heardNow(), kNothing);
+}
+
+TEST(DatabaseChanged, IsNotToldOnceTheObjectIsGone) {
+  const Host host{.contacts = kContacts};
+  host::handleClassEvent(kBook, kEvent, listen);
+  Value book = host.make(kBook);
+  const Value shared = host.shared(kBook, "sharedAddressbook");  // tells as well
+  change(host, "p1:ABPerson");
+  EXPECT_EQ(heardNow().size(), 3U);  // change's own object is the third
+  book = nullptr;
+  change(host, "p1:ABPerson");
+  EXPECT_EQ(heardNow().size(), 2U);
+}
+
+TEST(DatabaseChanged, MayDestroyTheObjectsThatAreTold) {
+  static Value first;
+  static Value second;
+  const Host host{.contacts = kContacts};
+  first = host.make(kBook);
+  second = host.make(kBook);
+  for (const Value& book : {first, second}) {
+    host::handleEvent(book, kEvent, [](const Value&, std::span<const Value>) {
+      heard.emplace_back("told");
+      first = second = nullptr;
+    });
+    book.call("EnableEvent");
+  }
+  change(host, "p1:ABPerson");
+  EXPECT_EQ(heardNow().size(), 1U);
+  EXPECT_EQ(host::liveCounts()[kBook], 0);
+  change(host, "p1:ABPerson");
+  EXPECT_EQ(heardNow(), kNothing);
+}
+
+TEST(DatabaseChanged, MayUseAndChangeTheBook) {
+  const Host host{.contacts = kContacts};
+  const Value book = host.make(kBook);
+  host::handleEvent(book, kEvent, [](const Value& self, std::span<const Value> arguments) {
+    listen(self, arguments);
+    self.call("EnableEvent");
+    if (heard.size() == 3) return;
+    self.call("people").at(1).call("setValue", static_cast<int>(heard.size()) == 1 ? "a" : "b", "Note");
+    self.call("save");
+  });
+  book.call("EnableEvent");
+  change(host, "p1:ABPerson");
+  const std::string again = "own [] ['p2:ABPerson'] []";
+  EXPECT_EQ(heardNow(), (std::vector<std::string>{kFirstUpdated[0], again, again}));
+  EXPECT_EQ(book.call("hasUnsavedChanges"), false);
+}
+
+TEST(DatabaseChanged, LeavesWhatTheHandlerRaisesToTheSaver) {
+  const Host host{.contacts = kContacts};
+  const Value book = host.make(kBook);
+  const Value other = host.make(kBook);
+  host::handleEvent(book, kEvent, [](const Value&, std::span<const Value>) {
+    host::raise("OutOfBoundsException", "the handler's");
+    throw *host::takePendingException();
+  });
+  host::handleEvent(other, kEvent, listen);
+  for (const Value& told : {book, other}) told.call("EnableEvent");
+  book.call("people").at(0).call("setValue", "x", "Note");
+  EXPECT_EQ(thrownBy([&] { book.call("save"); }), "OutOfBoundsException: the handler's");
+  EXPECT_EQ(heardNow(), kFirstUpdated);
+  EXPECT_EQ(book.call("hasUnsavedChanges"), false);
+}
+
+TEST(DatabaseChanged, TurnsWhatTheFrameworkRaisesIntoAHostException) {
+  const Host host{.contacts = kContacts};
+  const Value book = host.make(kBook);
+  host::handleEvent(book, kEvent, listen);
+  {
+    const Sends sends("addObserver:selector:name:object:", 2);
+    EXPECT_EQ(thrownBy([&] { book.call("EnableEvent"); }), kRefused);
+  }
+  book.call("people").at(0).call("setValue", "x", "Note");
+  const Sends sends("userInfo", 1);
+  EXPECT_EQ(thrownBy([&] { book.call("save"); }), kRefused);
+  EXPECT_EQ(heardNow(), kNothing);
+  EXPECT_EQ(book.call("hasUnsavedChanges"), false);
+}
