@@ -1,7 +1,7 @@
 #include "platform/contacts/address_book.h"
 
 #include "platform/contacts/address_book_object.h"
-#include "platform/contacts/change_feed.h"
+#include "platform/contacts/books.h"
 #include "platform/contacts/errors.h"
 #include "platform/contacts/group_object.h"
 #include "platform/contacts/load.h"
@@ -12,8 +12,6 @@
 #include "platform/objc/class_builder.h"
 
 #include <algorithm>
-#include <memory>
-#include <mutex>
 #include <utility>
 
 namespace contacts {
@@ -22,65 +20,9 @@ namespace {
 constexpr char kPersonSuffix[] = ":ABPerson";
 constexpr char kGroupSuffix[] = ":ABGroup";
 
-// The books of a process: the lock is for the shared one, which may first be asked for on any thread.
-struct Books {
-  std::mutex lock;
-  std::unique_ptr<Database> database;
-  Retained<ABAddressBook> shared;
-};
+NSInteger nameOrdering(ABAddressBook) { return defaultNameOrdering(); }
 
-// Never destroyed: the shared book lives as long as the process.
-Books& books() {
-  static auto* instance = new Books;
-  return *instance;
-}
-
-// Brings the database up to date and answers what had changed. Under the lock.
-std::vector<CardChange> readFolder(Books& state, bool isWatched) {
-  try {
-    if (!state.database) state.database = std::make_unique<Database>(folderPath());
-    if (isWatched) changeFeed().watch(*state.database);
-    return state.database->refresh();
-  } catch (const FolderError& error) {
-    NSException::raise(NSInvalidArgumentException, error.what());
-  } catch (const FileError& error) {
-    NSException::raise(NSInvalidArgumentException,
-                       "contacts folder " + printable(state.database->path()) + ": " + error.what());
-  }
-}
-
-// Under the lock.
-Retained<ABAddressBook> newBook(const Books& state) {
-  auto* book = objc::createInstance<AddressBookObject>("ABAddressBook"_class);
-  auto owner = Retained<ABAddressBook>::adopt(ABAddressBook(book));
-  book->database = state.database.get();
-  for (const StoredCardPointer& card : state.database->cards()) book->load(card);
-  return owner;
-}
-
-ABAddressBook sharedAddressBook(Class) {
-  Books& state = books();
-  const std::scoped_lock guard(state.lock);
-  if (!state.shared) {
-    readFolder(state, true);
-    state.shared = newBook(state);
-    changeFeed().setShared(*static_cast<AddressBookObject*>(state.shared->get()));
-  }
-  return state.shared.get();
-}
-
-ABAddressBook makeAddressBook(Class) {
-  Books& state = books();
-  std::vector<CardChange> changes;
-  Retained<ABAddressBook> book;
-  {
-    const std::scoped_lock guard(state.lock);
-    changes = readFolder(state, false);
-    book = newBook(state);
-  }
-  changeFeed().add(std::move(changes), ChangeFeed::Origin::kOthers);
-  return book.autorelease();
-}
+NSString countryCode(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
 
 }  // namespace
 
@@ -171,14 +113,6 @@ void AddressBookObject::insert(Retained<ABRecord> record) {
   listOf(record.get()).push_back(record.get());
   records_.emplace(object.card().uniqueId(), std::move(record));
 }
-
-namespace {
-
-NSInteger nameOrdering(ABAddressBook) { return defaultNameOrdering(); }
-
-NSString countryCode(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
-
-}  // namespace
 
 void AddressBookObject::take(ABRecord record) {
   RecordObject& object = objectOf(record);

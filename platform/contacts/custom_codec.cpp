@@ -2,7 +2,9 @@
 
 #include "platform/contacts/entry_labels.h"
 #include "platform/contacts/typed_text.h"
+#include "platform/contacts/vcard/card.h"
 #include "platform/contacts/vcard/text.h"
+#include "platform/contacts/vcard/writer.h"
 
 namespace contacts {
 namespace {
@@ -11,6 +13,13 @@ constexpr std::string_view kLine = "X-ABPROPERTY";
 constexpr std::string_view kName = "X-NAME";
 
 }  // namespace
+
+bool canNameLines(const Property& custom) {
+  std::string text;
+  vcard::appendLine(text, "", kLine, {{std::string(kName), custom.name}}, "");
+  const vcard::Card card = vcard::parseCard(text);
+  return !custom.name.empty() && card.lines.size() == 1 && isLineOf(custom, card.lines.front());
+}
 
 bool isLineOf(const Property& custom, const vcard::Line& line) {
   return line.is(kLine) && vcard::firstParameter(line.parameters(), kName) == custom.name;

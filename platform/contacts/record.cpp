@@ -2,6 +2,7 @@
 
 #include "platform/contacts/address_book_object.h"
 #include "platform/contacts/card_values.h"
+#include "platform/contacts/custom_properties.h"
 #include "platform/contacts/errors.h"
 #include "platform/contacts/group_object.h"
 #include "platform/contacts/identifier.h"
@@ -31,7 +32,7 @@ NSString RecordObject::uniqueId() const { return makeString(card_->uniqueId()); 
 
 NSObject RecordObject::valueForProperty(NSString name) {
   if (!name) NSException::raise(NSInvalidArgumentException, "valueForProperty: the property is nil");
-  const Property* property = schema_->find(utf8Of(name));
+  const Property* property = findProperty(*schema_, utf8Of(name));
   if (property == nullptr) return nullptr;
   // The caller may still look at it after the property was given another.
   return Retained<NSObject>::share(value(*property)).autorelease();
@@ -42,7 +43,7 @@ bool RecordObject::isReadOnly() const { return book_ != nullptr && book_->isRead
 bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error) {
   if (!name) NSException::raise(NSInvalidArgumentException, "setValue:forProperty: the property is nil");
   const std::string text = utf8Of(name);
-  const Property* property = schema_->find(text);
+  const Property* property = findProperty(*schema_, text);
   if (property == nullptr) {
     return fail(error, ABPropertyUnsupportedBySourceError, text + ": there is no such property");
   }
@@ -104,15 +105,20 @@ const vcard::Card& RecordObject::lines() const {
   return parsed.card;
 }
 
+// A custom property may have gone since.
+bool RecordObject::isToBeSaved(const HeldValue& held) const {
+  return held.isChanged && (!held.property->isCustom || schema_->find(held.property->name) == held.property);
+}
+
 bool RecordObject::isChanged() const {
-  return std::ranges::any_of(values_, &HeldValue::isChanged) ||
+  return std::ranges::any_of(values_, [this](const HeldValue& held) { return isToBeSaved(held); }) ||
          (isGroup() && static_cast<const GroupObject*>(this)->hasChangedMembers());
 }
 
 CardChanges RecordObject::changes(double time) const {
   CardChanges changes{card_->uid, isGroup(), card_->database == nullptr, time, {}, {}, {}};
   for (const HeldValue& held : values_) {
-    if (held.isChanged) changes.values.push_back({held.property, held.value});
+    if (isToBeSaved(held)) changes.values.push_back({held.property, held.value});
   }
   if (isGroup()) static_cast<const GroupObject*>(this)->addChangesTo(changes);
   return changes;

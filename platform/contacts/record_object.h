@@ -69,6 +69,7 @@ struct RecordObject : objc::Object {
  private:
   // A value is read once: whoever asks again gets the same object.
   NSObject value(const Property& property);
+  [[nodiscard]] bool isToBeSaved(const HeldValue& held) const;
   NSObject valueFor(std::string_view property) { return value(*schema_->find(property)); }
   [[nodiscard]] Retained<NSObject> read(const Property& property);
 

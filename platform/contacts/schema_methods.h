@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/custom_properties.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/search_element_object.h"
 #include "platform/contacts/strings.h"
@@ -12,15 +13,21 @@ namespace contacts {
 template <Schema& (*schema)()>
 struct SchemaMethods {
   static ABPropertyType typeOfProperty(Class, NSString name) {
-    const Property* property = schema().find(utf8Of(name));
+    const Property* property = findProperty(schema(), utf8Of(name));
     return property == nullptr ? kABErrorInProperty : property->type;
   }
 
   static NSArray properties(Class) {
     NSMutableArray names = NSMutableArray::array();
-    for (const Property* property : schema().properties()) names.addObject(makeString(property->name));
+    for (const Property* property : presentProperties(schema())) names.addObject(makeString(property->name));
     return names;
   }
+
+  static NSInteger addPropertiesAndTypes(Class, NSDictionary properties) {
+    return addCustomProperties(schema(), properties);
+  }
+
+  static NSInteger removeProperties(Class, NSArray names) { return removeCustomProperties(schema(), names); }
 
   static ABSearchElement searchElement(Class, NSString property, NSString label, NSString key, NSObject value,
                                        NSInteger comparison) {
@@ -31,6 +38,8 @@ struct SchemaMethods {
   static void addTo(objc::ClassBuilder& builder) {
     builder.template classMethod<&typeOfProperty>("typeOfProperty:")
         .template classMethod<&properties>("properties")
+        .template classMethod<&addPropertiesAndTypes>("addPropertiesAndTypes:")
+        .template classMethod<&removeProperties>("removeProperties:")
         .template classMethod<&searchElement>("searchElementForProperty:label:key:value:comparison:");
   }
 };

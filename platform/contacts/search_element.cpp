@@ -1,5 +1,6 @@
 #include "platform/contacts/search_element.h"
 
+#include "platform/contacts/custom_properties.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/multi_value_object.h"
 #include "platform/contacts/record_object.h"
@@ -46,7 +47,7 @@ ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSStrin
   }
   auto* element = objc::createInstance<SearchElementObject>("ABSearchElement"_class);
   auto owner = Retained<ABSearchElement>::adopt(ABSearchElement(element));
-  const Property* known = schema.find(utf8Of(property));
+  const Property* known = findProperty(schema, utf8Of(property));
   element->isForGroups = isForGroups;
   element->property = Retained<NSString>::adopt(property.copy());
   element->type = known == nullptr ? kABErrorInProperty : known->type;
