@@ -167,13 +167,13 @@ void messageBox(REALstring string) {
   }
 }
 
-void runWhatIsDue() { CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, false); }
+void runWhatIsDue(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, seconds > 0); }
 
 void yieldToHost() {
   if (options().yield) {
     options().yield();
   } else {
-    runWhatIsDue();
+    runWhatIsDue(0);
   }
 }
 
@@ -289,6 +289,8 @@ void failNewInstance(int nth) { state().instancesToFailure = nth; }
 
 const std::vector<std::string>& messageBoxes() { return state().messageBoxes; }
 
-void idle() { callPlugin(runWhatIsDue); }
+void idle(double seconds) {
+  callPlugin([seconds] { runWhatIsDue(seconds); });
+}
 
 }  // namespace host

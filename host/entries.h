@@ -31,7 +31,7 @@ void failNewInstance(int nth);
 // The texts of all message boxes so far.
 const std::vector<std::string>& messageBoxes();
 
-// Runs what is due in the run loop, and then throws what a plug-in left pending.
-void idle();
+// Runs what is due in the run loop, for which it waits that long, and then throws what a plug-in left pending.
+void idle(double seconds = 0);
 
 }  // namespace host

@@ -10,6 +10,9 @@ namespace contacts {
 // Every person, one display name a line, in the order of the address book.
 void listPeople();
 
+// Every change to the contacts, as another process makes it, a line each; goes on until the program is ended.
+void watchChanges();
+
 // Every member of the class as the host sees it.
 void describeClass(const std::string& className);
 

@@ -37,6 +37,7 @@ int main(int argc, char** argv) {
   std::string folder;
   app.add_option("--folder", folder, "The folder of vCards (else ADDRESSBOOK_FOLDER, else the user's own)");
   const CLI::App* list = app.add_subcommand("list", "List all people");
+  const CLI::App* watch = app.add_subcommand("watch", "Print each change to the contacts as it happens");
   CLI::App* classes = app.add_subcommand("classes", "Show the classes that the plug-in offers to host code");
   std::string className;
   classes->add_option("CLASS", className, "Show this class's members");
@@ -50,6 +51,7 @@ int main(int argc, char** argv) {
     if (!folder.empty()) setenv("ADDRESSBOOK_FOLDER", folder.c_str(), 1);
     const std::vector<std::string> registered = contacts::startHost();
     if (*list) contacts::listPeople();
+    if (*watch) contacts::watchChanges();
     if (*classes && className.empty()) {
       for (const std::string& name : registered) std::cout << name << '\n';
     } else if (*classes) {
