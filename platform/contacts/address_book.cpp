@@ -1,6 +1,7 @@
 #include "platform/contacts/address_book.h"
 
 #include "platform/contacts/address_book_object.h"
+#include "platform/contacts/address_format.h"
 #include "platform/contacts/books.h"
 #include "platform/contacts/errors.h"
 #include "platform/contacts/group_object.h"
@@ -23,6 +24,10 @@ constexpr char kGroupSuffix[] = ":ABGroup";
 NSInteger nameOrdering(ABAddressBook) { return defaultNameOrdering(); }
 
 NSString countryCode(ABAddressBook) { return NSString::stringWithUTF8(defaultCountryCode()); }
+
+NSAttributedString formattedAddressFromDictionary(ABAddressBook, NSDictionary address) {
+  return formattedAddress(address, defaultCountryCode());
+}
 
 }  // namespace
 
@@ -101,6 +106,19 @@ NSArray AddressBookObject::groupsWith(const RecordObject& record) const {
   return parents;
 }
 
+NSArray AddressBookObject::linkedWith(ABRecord person) const {
+  if (!links_) {
+    links_.emplace();
+    for (const ABRecord other : persons_) links_->add(objectOf(other).card());
+  }
+  NSMutableArray people = NSMutableArray::array();
+  for (const std::string& uid : links_->linkedWith(objectOf(person).card().uid)) {
+    const ABRecord linked = find(uid + kPersonSuffix);
+    if (linked) people.addObject(linked);
+  }
+  return people;
+}
+
 void AddressBookObject::load(const StoredCardPointer& card) { insert(newRecord(card)); }
 
 std::vector<ABRecord>& AddressBookObject::listOf(ABRecord record) {
@@ -112,6 +130,7 @@ void AddressBookObject::insert(Retained<ABRecord> record) {
   object.setBook(this);
   listOf(record.get()).push_back(record.get());
   records_.emplace(object.card().uniqueId(), std::move(record));
+  links_.reset();
 }
 
 void AddressBookObject::take(ABRecord record) {
@@ -120,6 +139,7 @@ void AddressBookObject::take(ABRecord record) {
   object.setBook(nullptr);
   std::erase(listOf(record), record);
   records_.erase(object.card().uniqueId());
+  links_.reset();
 }
 
 void AddressBookObject::noteChange(ABRecord record) {
@@ -146,7 +166,8 @@ void registerAddressBook() {
       .method<&AddressBookObject::me>("me")
       .method<&AddressBookObject::setMe>("setMe:")
       .method<&nameOrdering>("defaultNameOrdering")
-      .method<&countryCode>("defaultCountryCode");
+      .method<&countryCode>("defaultCountryCode")
+      .method<&formattedAddressFromDictionary>("formattedAddressFromDictionary:");
 }
 
 }  // namespace contacts

@@ -2,6 +2,7 @@
 
 #include "platform/contacts/address_book.h"
 #include "platform/contacts/database.h"
+#include "platform/contacts/links.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/stored_card.h"
 
@@ -44,6 +45,8 @@ struct AddressBookObject : objc::Object {
   void absorb(const std::vector<CardChange>& changes);
   // Those that the record is a direct member of.
   [[nodiscard]] NSArray groupsWith(const RecordObject& record) const;
+  // The person, which is in the book, and all that are linked with it.
+  [[nodiscard]] NSArray linkedWith(ABRecord person) const;
   // Nil when there is none.
   [[nodiscard]] ABRecord find(const std::string& uniqueId) const;
 
@@ -65,6 +68,7 @@ struct AddressBookObject : objc::Object {
   std::vector<Retained<ABRecord>> removed_;  // of those that the folder has
   std::optional<std::string> changedMe_;     // the UID; empty for none
   bool hasUnsavedChanges_ = false;
+  mutable std::optional<Links> links_;  // from the people's cards, once somebody has asked
 };
 
 }  // namespace contacts

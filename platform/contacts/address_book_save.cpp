@@ -68,6 +68,7 @@ void AddressBookObject::finishSave(const SaveRequest& request, const SaveResult&
     const std::size_t place = request.updates.size() - removed.size() + i;
     objectOf(removed[i].get()).adopt(result.saved[place].before, false);
   }
+  links_.reset();
   changed_.clear();
   changedMe_.reset();
   hasUnsavedChanges_ = false;
@@ -78,6 +79,7 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
 }
 
 void AddressBookObject::absorb(const CardChange& change) {
+  links_.reset();
   const ABRecord record = find((change.after ? change.after : change.before)->uniqueId());
   if (change.after && record) {
     if (objectOf(record).sharedCard() != change.after) objectOf(record).adopt(change.after, false);

@@ -4,6 +4,7 @@
 #include "platform/contacts/card_entries.h"
 #include "platform/contacts/errors.h"
 #include "platform/contacts/identifier.h"
+#include "platform/contacts/links.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/schema_methods.h"
@@ -22,8 +23,15 @@ namespace contacts {
 namespace {
 
 // What belongs to the card that was, not to the person: a new one is made of it.
-constexpr std::string_view kOwnLines[] = {
-    "UID", "X-ABUID", "REV", "CREATED", "KIND", "X-ADDRESSBOOKSERVER-KIND", "MEMBER", "X-ADDRESSBOOKSERVER-MEMBER"};
+constexpr std::string_view kOwnLines[] = {kLinkLine,
+                                          "UID",
+                                          "X-ABUID",
+                                          "REV",
+                                          "CREATED",
+                                          "KIND",
+                                          "X-ADDRESSBOOKSERVER-KIND",
+                                          "MEMBER",
+                                          "X-ADDRESSBOOKSERVER-MEMBER"};
 
 std::string withoutIdentity(std::string_view section) {
   vcard::Editor editor(section);
@@ -66,6 +74,11 @@ struct PersonObject : RecordObject {
     return initialized(personSchema(), std::move(card));
   }
 
+  [[nodiscard]] NSArray linkedPeople() {
+    if (book() == nullptr) return NSArray::arrayWithObjects({ABRecord(this)});
+    return book()->linkedWith(ABRecord(this));
+  }
+
   [[nodiscard]] NSData vCardRepresentation() const {
     const std::string text = changedText();
     return NSData::dataWithBytes(text.data(), text.size());
@@ -96,6 +109,7 @@ void registerPerson() {
       .method<&PersonObject::initWithAddressBook>("initWithAddressBook:")
       .method<&PersonObject::initWithVCardRepresentation>("initWithVCardRepresentation:")
       .method<&RecordObject::parentGroups>("parentGroups")
+      .method<&PersonObject::linkedPeople>("linkedPeople")
       .method<&PersonObject::vCardRepresentation>("vCardRepresentation")
       .method<&PersonObject::imageData>("imageData")
       .method<&PersonObject::setImageData>("setImageData:");

@@ -1,0 +1,54 @@
+#include "platform/contacts/address_book.h"
+#include "platform/foundation/autorelease_pool.h"
+#include "tests/contacts/shown.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+std::string localized(NSString text) { return shown(NSString(ABLocalizedPropertyOrLabel(text.get()))); }
+
+TEST(Localization, NamesEveryBuiltInPropertyLabelAndAddressKey) {
+  const AutoreleasePool pool;
+  const struct {
+    const char* constant;
+    NSString text;
+  } constants[] = {
+#define AB_ROW(name, text) {#name, name},
+      AB_STRING_CONSTANTS(AB_ROW, AB_ROW)
+#undef AB_ROW
+  };
+  for (const auto& row : constants) {
+    const std::string text = localized(row.text);
+    EXPECT_EQ(text.find("_$!<"), std::string::npos) << row.constant;
+    // All but one word in the framework's own spelling: a person reads blanks between words.
+    const std::string name = row.constant;
+    if (name.ends_with("Property") || name.starts_with("kABAddress")) {
+      EXPECT_NE(text, "") << name;
+      EXPECT_EQ(text.find("AB"), std::string::npos) << name;
+    }
+  }
+  EXPECT_EQ(localized(kABHomePageLabel), "home page");
+  EXPECT_EQ(localized(kABPhoneWorkFAXLabel), "work fax");
+  EXPECT_EQ(localized(kABPhoneiPhoneLabel), "iPhone");
+  EXPECT_EQ(localized(kABMobileMeLabel), "MobileMe");
+  EXPECT_EQ(localized(kABTitleProperty), "Prefix");
+  EXPECT_EQ(localized(kABOrganizationProperty), "Company");
+  EXPECT_EQ(localized(kABMiddleNamePhoneticProperty), "Phonetic Middle");
+  EXPECT_EQ(localized(kABAddressZIPKey), "ZIP");
+  EXPECT_EQ(localized(kABInstantMessageServiceGoogleTalk), "Google Talk");
+}
+
+TEST(Localization, LeavesOtherTextsAlone) {
+  const AutoreleasePool pool;
+  const NSString boat = "boat"_ns;
+  EXPECT_EQ(ABLocalizedPropertyOrLabel(boat.get()), boat.get());
+  EXPECT_EQ(localized("home"_ns), "home");
+  EXPECT_EQ(localized("_$!<Boat>!$_"_ns), "_$!<Boat>!$_");
+  EXPECT_EQ(localized(""_ns), "");
+  EXPECT_EQ(ABLocalizedPropertyOrLabel(nullptr), nullptr);
+}
+
+}  // namespace
