@@ -10,6 +10,7 @@ const bool loaded = [] {
   registerMultiValues();
   registerSearchElement();
   registerAddressBook();
+  registerPeoplePicker();
   return true;
 }();
 

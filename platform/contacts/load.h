@@ -9,5 +9,6 @@ void registerGroup();
 void registerMultiValues();
 void registerSearchElement();
 void registerAddressBook();
+void registerPeoplePicker();
 
 }  // namespace contacts
