@@ -13,6 +13,7 @@ namespace contacts {
 // A card file as it was last read.
 struct CardFile {
   FileStamp stamp;
+  bool isSettled = false;  // whether a file of that stamp has those bytes
   std::uint64_t hash = 0;  // of its bytes
   std::string refusal;     // why it has no cards; empty when it has
   std::vector<StoredCardPointer> cards;

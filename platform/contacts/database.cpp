@@ -8,18 +8,10 @@
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/log.h"
 
-#include <fcntl.h>
-
-#include <cerrno>
+#include <chrono>
 #include <utility>
 
 namespace contacts {
-namespace {
-
-constexpr char kMe[] = "me";
-constexpr char kProperties[] = "properties";
-
-}  // namespace
 
 std::string StoredCard::fullText() const { return database == nullptr ? text : database->fullText(*this); }
 
@@ -43,25 +35,37 @@ std::string Database::me() const {
   return me_;
 }
 
-std::string Database::fullText(const StoredCard& card) const {
+// The card itself, or what others have made of it meanwhile, but never another that has come to its place.
+std::string Database::fullText(const StoredCard& card) const try {
   const std::scoped_lock guard(lock_);
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, card.fileName);
   if (!contents) return card.text;
   const std::string text = vcard::decodeFile(std::move(contents->bytes));
-  std::size_t position = 0;
+  std::vector<std::string_view> sections;
   for (const vcard::Section& section : vcard::splitSections(text)) {
-    if (section.isCard && position++ == card.position) return std::string(section.text);
+    if (section.isCard) sections.push_back(section.text);
   }
+  if (card.position < sections.size() && contentHash(sections[card.position]) == card.hash) {
+    return std::string(sections[card.position]);
+  }
+  for (const StoredCard& found : cardsIn(text)) {
+    if (found.uniqueId() == card.uniqueId()) return std::string(sections[found.position]);
+  }
+  return card.text;
+} catch (const FileError&) {
   return card.text;
 }
 
 std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
   const std::scoped_lock guard(lock_);
-  if (folder_.follow(Folder::Missing::kKeep)) names = nullptr;
-  recover();
-  // Another process's save is seen as a whole.
-  const FolderLock reading(folder_, FolderLock::Kind::kRead);
-  return readFiles(names);
+  const bool wasOverlaid = !overlay_.empty();
+  if (folder_.follow()) names = nullptr;
+  const FolderLock reading = settle();
+  if (wasOverlaid || !overlay_.empty()) names = nullptr;
+  std::vector<CardChange> changes = readFiles(names);
+  changes.insert(changes.begin(), untold_.begin(), untold_.end());
+  untold_.clear();
+  return changes;
 }
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
@@ -76,40 +80,52 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     if (!isCardFileName(name)) continue;
     if (std::optional<FoundFile> file = look(name)) found.push_back(*std::move(file));
   }
-  readMe();
-  adoptPropertyFile(propertyText());
+  readData();
   return adopt(std::move(found));
 }
 
 void Database::refreshProperties() {
   const std::scoped_lock guard(lock_);
-  recover();
-  adoptPropertyFile(propertyText());
+  folder_.follow();
+  const FolderLock reading = settle();
+  readData();
 }
 
-// Finishes a save that ended in the middle. Where that can't be done, what it asks for is read beside the files.
-void Database::recover() {
+// Finishes a save that ended in the middle, and keeps others from making one. Where it can't be finished, what it asks
+// for is read beside the files.
+FolderLock Database::settle() {
+  constexpr std::chrono::seconds kPatience{1};
   overlay_.clear();
-  std::optional<std::vector<JournalStep>> steps;
   try {
-    steps = pendingJournal(folder_);
-    if (!steps) return;
-    const FolderLock writing(folder_, FolderLock::Kind::kWrite);
-    steps = pendingJournal(folder_);
-    if (steps) applyJournal(folder_, *steps);
+    if (pendingJournal(folder_)) {
+      const FolderLock writing(folder_, FolderLock::Kind::kWrite, kPatience);
+      finishPending();
+    }
   } catch (const FileError& error) {
-    if (logged_.insert(error.what()).second) log(std::string("a save can't be finished: ") + error.what());
-    if (steps) overlay(*steps);
+    logOnce(std::string("a save can't be finished: ") + error.what());
   }
+  FolderLock reading(folder_, FolderLock::Kind::kRead, kPatience);
+  try {
+    if (const auto steps = pendingJournal(folder_)) overlay(*steps);
+  } catch (const FileError& error) {
+    logOnce(std::string("a save can't be finished: ") + error.what());
+  }
+  return reading;
+}
+
+void Database::finishPending() {
+  if (const auto steps = pendingJournal(folder_)) applyJournal(folder_, *steps);
 }
 
 void Database::overlay(const std::vector<JournalStep>& steps) {
   for (const JournalStep& step : steps) {
-    struct stat status {};
-    const bool isDone = !step.temporary.empty() &&
-                        fstatat(folder_.data(), step.temporary.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0 &&
-                        errno == ENOENT;
-    if (!isDone) overlay_[{step.target, step.name}] = step.temporary;
+    std::optional<JournalStep> left = step;
+    try {
+      left = remainder(folder_, step);
+    } catch (const FileError&) {
+      // What was asked for is the better guess.
+    }
+    if (left) overlay_[{left->target, left->name}] = left->temporary;
   }
 }
 
@@ -130,41 +146,50 @@ std::set<std::string> Database::fileNames() const {
 std::optional<FileContents> Database::read(JournalStep::Target target, const std::string& name) const {
   if (auto over = overlay_.find({target, name}); over != overlay_.end()) {
     if (over->second.empty()) return std::nullopt;
-    return readFile(folder_.data(), over->second);
+    std::optional<FileContents> contents = readFile(folder_.data(), over->second);
+    // It isn't there any more when another process was able to put it in its place.
+    if (contents) return contents;
   }
   const int folder = target == JournalStep::Target::kCard ? folder_.cards() : folder_.data();
   return folder < 0 ? std::nullopt : readFile(folder, name);
 }
 
 std::optional<FileStamp> Database::stamp(const std::string& name) const {
-  auto over = overlay_.find({JournalStep::Target::kCard, name});
-  if (over == overlay_.end()) return stampIn(folder_.cards(), name);
-  return over->second.empty() ? std::nullopt : stampIn(folder_.data(), over->second);
+  if (auto over = overlay_.find({JournalStep::Target::kCard, name}); over != overlay_.end()) {
+    if (over->second.empty()) return std::nullopt;
+    if (const auto stamp = stampIn(folder_.data(), over->second)) return stamp;
+  }
+  return folder_.cards() < 0 ? std::nullopt : stampIn(folder_.cards(), name);
 }
 
 std::optional<Database::FoundFile> Database::look(const std::string& name) {
   auto known = files_.find(name);
-  if (known != files_.end() && stamp(name) == known->second.stamp) return std::nullopt;
+  const bool isKnown = known != files_.end();
+  if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return std::nullopt;
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, name);
-  if (!contents) return FoundFile{name, true, {}, {}};
-  if (known != files_.end() && contents->refusal.empty() && known->second.refusal.empty() &&
-      contentHash(contents->bytes) == known->second.hash) {
-    known->second.stamp = contents->stamp;
-    return std::nullopt;
+  if (!contents) return isKnown ? std::optional(FoundFile{name, true, {}, {}}) : std::nullopt;
+  if (isKnown && known->second.refusal.empty()) {
+    if (contents->error != 0) {
+      logOnce(name + ": " + contents->refusal + "; what it had before is kept");
+      return std::nullopt;
+    }
+    if (contents->refusal.empty() && contentHash(contents->bytes) == known->second.hash) {
+      known->second.stamp = contents->stamp;
+      known->second.isSettled = contents->isSettled;
+      return std::nullopt;
+    }
   }
   return parse(name, *std::move(contents));
 }
 
 Database::FoundFile Database::parse(const std::string& name, FileContents contents) {
-  FoundFile found{name, false, {contents.stamp, contentHash(contents.bytes), std::move(contents.refusal), {}}, {}};
+  FoundFile found{name, false, {}, {}};
+  found.file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
   if (found.file.refusal.empty()) {
     found.cards = cardsIn(vcard::decodeFile(std::move(contents.bytes)));
     if (found.cards.empty()) found.file.refusal = "is not a vCard";
   }
-  const std::string& refusal = found.file.refusal;
-  if (!refusal.empty() && logged_.insert(name + "\n" + refusal).second) {
-    log(printable(name) + ": " + refusal + "; left alone");
-  }
+  if (!found.file.refusal.empty()) logOnce(name + ": " + found.file.refusal + "; left alone");
   return found;
 }
 
@@ -219,14 +244,18 @@ void Database::log(const std::string& message) {
   NSLog("contacts folder: %@"_ns, makeString(printable(message)));
 }
 
-void Database::readMe() {
-  const std::optional<FileContents> contents = read(JournalStep::Target::kData, kMe);
-  me_ = contents ? std::string(vcard::trimmed(contents->bytes)) : std::string();
+void Database::logOnce(const std::string& message) {
+  if (logged_.insert(message).second) log(message);
 }
 
-std::string Database::propertyText() const {
-  const std::optional<FileContents> contents = read(JournalStep::Target::kData, kProperties);
-  return contents ? contents->bytes : std::string();
+// What can't be read now stays as it was.
+void Database::readData() {
+  if (const auto me = read(JournalStep::Target::kData, kOwnerFile); !me || me->error == 0) {
+    me_ = me ? std::string(vcard::trimmed(me->bytes)) : std::string();
+  }
+  if (const auto file = read(JournalStep::Target::kData, kPropertyFile); !file || file->error == 0) {
+    adoptPropertyFile(file ? file->bytes : std::string());
+  }
 }
 
 }  // namespace contacts

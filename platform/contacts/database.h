@@ -80,7 +80,8 @@ class Database {
 
   // All but the public functions want the lock held.
   std::vector<CardChange> readFiles(const std::set<std::string>* names);
-  void recover();
+  FolderLock settle();
+  void finishPending();
   void overlay(const std::vector<JournalStep>& steps);
   [[nodiscard]] std::set<std::string> fileNames() const;
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
@@ -89,9 +90,9 @@ class Database {
   [[nodiscard]] std::optional<FoundFile> look(const std::string& name);
   FoundFile parse(const std::string& name, FileContents contents);
   static void log(const std::string& message);
+  void logOnce(const std::string& message);
   std::vector<CardChange> adopt(std::vector<FoundFile> found);
-  void readMe();
-  [[nodiscard]] std::string propertyText() const;
+  void readData();
 
   mutable std::mutex lock_;
   Folder folder_;
@@ -99,6 +100,7 @@ class Database {
   std::unordered_map<std::string, StoredCardPointer> byId_;  // by unique id
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
+  std::vector<CardChange> untold_;  // found by saves that failed
   std::set<std::string> logged_;
   std::string me_;
 };

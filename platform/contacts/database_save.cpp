@@ -8,14 +8,12 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <set>
 #include <utility>
 
 namespace contacts {
 namespace {
-
-constexpr char kMe[] = "me";
-constexpr char kProperties[] = "properties";
 
 // The sections of a text that are cards, by their position among the cards.
 std::vector<std::string_view> cardSections(std::string_view text) {
@@ -34,45 +32,47 @@ SaveResult Database::save(const SaveRequest& request) {
 }
 
 SaveResult DatabaseSave::run() {
-  Folder& folder = database_.folder_;
-  const bool isReplaced = folder.follow(Folder::Missing::kCreate);
-  folder.makeData();
-  const FolderLock writing(folder, FolderLock::Kind::kWrite);
-  prepare();
-  if (isReplaced) lookEverywhere();
-  // Programs that don't know of the lock may change a file while it is being written anew.
+  constexpr std::chrono::seconds kPatience{10};
   constexpr int kTries = 5;
-  for (int i = 0;; ++i) {
+  Folder& folder = database_.folder_;
+  for (int i = 0; i < kTries; ++i) {
+    const bool isOther = folder.followOrMake();
+    const FolderLock writing(folder, FolderLock::Kind::kWrite, kPatience);
     try {
+      prepare(isOther);
       for (const CardUpdate& update : request_.updates) place(update);
       write();
-      if (isUndisturbed()) break;
-      if (i == kTries) throw FileError("the files keep changing", EBUSY);
+      // Programs that don't know of the lock may have changed a file since it was read.
+      if (isUndisturbed()) {
+        if (!steps_.empty()) commitJournal(folder, steps_);
+        return finish();
+      }
     } catch (...) {
       dropTemporaries();
+      keepForeign();
       throw;
     }
     dropTemporaries();
-    plans_.clear();
   }
-  if (steps_.empty()) return finish();
-  try {
-    commitJournal(folder, steps_);
-  } catch (...) {
-    dropTemporaries();
-    throw;
-  }
-  return finish();
+  keepForeign();
+  throw FileError("the files keep changing", EBUSY);
+}
+
+// For the next who asks what has changed.
+void DatabaseSave::keepForeign() {
+  std::vector<CardChange>& untold = database_.untold_;
+  untold.insert(untold.end(), foreign_.begin(), foreign_.end());
 }
 
 // Finishes what a save that ended in the middle left, and removes what one left that never came to its end.
-void DatabaseSave::prepare() {
+void DatabaseSave::prepare(bool isOtherFolder) {
+  plans_.clear();
+  hasLookedEverywhere_ = false;
   Folder& folder = database_.folder_;
-  if (const auto pending = pendingJournal(folder)) applyJournal(folder, *pending);
-  if (!database_.overlay_.empty()) {
-    database_.overlay_.clear();
-    lookEverywhere();
-  }
+  database_.finishPending();
+  const bool wasOverlaid = !database_.overlay_.empty();
+  database_.overlay_.clear();
+  if (isOtherFolder || wasOverlaid) lookEverywhere();
   for (const std::string& name : namesIn(folder.data())) {
     if (isTemporaryName(name)) removeFileQuietly(folder.data(), name);
   }
@@ -87,24 +87,24 @@ void DatabaseSave::lookEverywhere() {
 // Where others have moved the card, it is changed there; where they have removed it, a change makes it anew.
 void DatabaseSave::place(const CardUpdate& update) {
   if (update.card->database != nullptr) {
-    if (placeIn(update.card->fileName, update)) return;
+    if (placeIn(*update.card, update)) return;
     if (!hasLookedEverywhere_) lookEverywhere();
     auto found = database_.byId_.find(update.card->uniqueId());
-    if (found != database_.byId_.end() && placeIn(found->second->fileName, update)) return;
+    if (found != database_.byId_.end() && placeIn(*found->second, update)) return;
   }
   if (!update.isRemoval) plans_[freeName(update.card->uid)].added.push_back(&update);
 }
 
-bool DatabaseSave::placeIn(const std::string& name, const CardUpdate& update) {
-  Plan* plan = planFor(name);
+// The update is of the card that was last read as known.
+bool DatabaseSave::placeIn(const StoredCard& known, const CardUpdate& update) {
+  Plan* plan = planFor(known.fileName);
   if (plan == nullptr) return false;
-  const StoredCard& wanted = *update.card;
-  auto known = plan->positions.find(wanted.uniqueId());
-  std::size_t position = known == plan->positions.end() ? plan->cards.size() : known->second;
+  auto found = plan->positions.find(known.uniqueId());
+  std::size_t position = found == plan->positions.end() ? plan->cards.size() : found->second;
   // A card whose id is derived from its place has none that could be found.
-  const bool isInPlace = name == wanted.fileName && wanted.position < plan->cards.size() &&
-                         (plan->cards[wanted.position].uid.empty() || plan->cards[wanted.position].hash == wanted.hash);
-  if (isInPlace) position = wanted.position;
+  const bool isInPlace = known.position < plan->cards.size() &&
+                         (plan->cards[known.position].uid.empty() || plan->cards[known.position].hash == known.hash);
+  if (isInPlace) position = known.position;
   if (position == plan->cards.size()) return false;
   plan->byPosition[position] = &update;
   return true;
@@ -115,13 +115,14 @@ DatabaseSave::Plan* DatabaseSave::planFor(const std::string& name) {
   auto known = plans_.find(name);
   if (known != plans_.end()) return &known->second;
   std::optional<FileContents> contents = database_.read(JournalStep::Target::kCard, name);
+  if (contents && contents->error != 0) throw FileError("cannot read " + printable(name), contents->error);
   if (!contents || !contents->refusal.empty()) return nullptr;
   Plan& plan = plans_[name];
+  plan.expected = FoundState{contents->stamp, contentHash(contents->bytes)};
+  plan.mode = contents->mode & 0777;
   plan.text = vcard::decodeFile(std::move(contents->bytes));
   plan.cards = cardsIn(plan.text);
   for (const StoredCard& card : plan.cards) plan.positions.emplace(card.uniqueId(), card.position);
-  plan.expected = contents->stamp;
-  plan.mode = contents->mode & 0777;
   return &plan;
 }
 
@@ -154,18 +155,29 @@ void DatabaseSave::write() {
     plan.composed = compose(plan);
     addStep(JournalStep::Target::kCard, name, plan);
   }
-  if (request_.me && *request_.me != database_.me_) {
+  if (request_.me && *request_.me != vcard::trimmed(dataText(kOwnerFile))) {
     Plan plan;
     if (!request_.me->empty()) plan.composed = *request_.me + "\n";
-    addStep(JournalStep::Target::kData, kMe, plan);
+    addStep(JournalStep::Target::kData, kOwnerFile, plan);
   }
   if (request_.properties.empty()) return;
-  properties_ = editedPropertyFile(database_.propertyText(), request_.properties);
+  properties_ = editedPropertyFile(dataText(kPropertyFile), request_.properties);
   if (properties_.count > 0) {
     Plan plan;
     plan.composed = properties_.text;
-    addStep(JournalStep::Target::kData, kProperties, plan);
+    addStep(JournalStep::Target::kData, kPropertyFile, plan);
   }
+}
+
+// Of a file of the data folder. One that is no file to write over is a reason not to save.
+std::string DatabaseSave::dataText(const std::string& name) const {
+  std::optional<FileContents> contents = database_.read(JournalStep::Target::kData, name);
+  if (!contents) return {};
+  if (contents->error != 0) throw FileError("cannot read " + name, contents->error);
+  if (!contents->refusal.empty() && contents->refusal != kEmptyFile) {
+    throw FileError("cannot write .addressbook/" + name + ", as it " + contents->refusal, EINVAL);
+  }
+  return std::move(contents->bytes);
 }
 
 void DatabaseSave::addStep(JournalStep::Target target, const std::string& name, Plan& plan) {
@@ -181,9 +193,12 @@ void DatabaseSave::addStep(JournalStep::Target target, const std::string& name, 
 }
 
 bool DatabaseSave::isUndisturbed() const {
-  return std::ranges::all_of(steps_, [this](const JournalStep& step) {
-    return step.target == JournalStep::Target::kData || stampIn(database_.folder_.cards(), step.name) == step.expected;
-  });
+  return database_.folder_.isCurrent() && std::ranges::all_of(steps_, [this](const JournalStep& step) {
+           if (step.target == JournalStep::Target::kData) return true;
+           const std::optional<FileContents> contents = readFile(database_.folder_.cards(), step.name);
+           if (!contents || !step.expected) return !contents && !step.expected;
+           return contents->stamp == step.expected->stamp && contentHash(contents->bytes) == step.expected->hash;
+         });
 }
 
 void DatabaseSave::dropTemporaries() {

@@ -27,23 +27,25 @@ class DatabaseSave {
     std::unordered_map<std::string, std::size_t> positions;  // by unique id
     std::string composed;                                    // as it will be
     std::uint64_t inode = 0;                                 // of the file that has that
-    std::optional<FileStamp> expected;
+    std::optional<FoundState> expected;
     mode_t mode = 0600;
     std::map<std::size_t, const CardUpdate*> byPosition;
     std::vector<const CardUpdate*> added;
   };
 
-  void prepare();
+  void prepare(bool isOtherFolder);
   void lookEverywhere();
   void place(const CardUpdate& update);
-  bool placeIn(const std::string& name, const CardUpdate& update);
+  bool placeIn(const StoredCard& known, const CardUpdate& update);
   Plan* planFor(const std::string& name);
   std::string freeName(const std::string& uid) const;
   [[nodiscard]] static std::string compose(const Plan& plan);
   void write();
+  [[nodiscard]] std::string dataText(const std::string& name) const;
   void addStep(JournalStep::Target target, const std::string& name, Plan& plan);
   [[nodiscard]] bool isUndisturbed() const;
   void dropTemporaries();
+  void keepForeign();
   SaveResult finish();
   std::vector<CardChange> adoptWritten();
   void keepRemoved(SaveResult& result) const;

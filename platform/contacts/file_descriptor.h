@@ -2,9 +2,18 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace contacts {
+
+// Makes the system call again as long as a signal interrupts it.
+template <class Call>
+auto again(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
 
 // Owns an open file, or nothing.
 class FileDescriptor {

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 #include <memory>
 
 namespace contacts {
@@ -20,15 +21,14 @@ namespace {
   throw FileError("cannot " + std::string(doing) + " " + printable(name), code);
 }
 
-// Makes the call again as long as a signal interrupts it.
-template <class Call>
-auto again(Call call) {
-  auto result = call();
-  while (result < 0 && errno == EINTR) result = call();
-  return result;
-}
-
 std::int64_t nanoseconds(const timespec& time) { return std::int64_t{time.tv_sec} * 1'000'000'000 + time.tv_nsec; }
+
+// FAT counts in steps of two seconds.
+bool isSettled(const FileStamp& stamp) {
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  return nanoseconds(now) - std::max(stamp.modified, stamp.changed) > 2'000'000'000;
+}
 
 struct DirectoryCloser {
   void operator()(DIR* directory) const { closedir(directory); }
@@ -38,6 +38,7 @@ void writeAll(int file, std::string_view bytes, const std::string& name) {
   while (!bytes.empty()) {
     const ssize_t count = again([&] { return write(file, bytes.data(), bytes.size()); });
     if (count < 0) fail("write", name);
+    if (count == 0) throw FileError("cannot write " + printable(name), EIO);
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
 }
@@ -61,28 +62,31 @@ std::optional<FileStamp> stampIn(int folder, const std::string& name) {
 }
 
 std::optional<FileContents> readFile(int folder, const std::string& name) {
-  auto refuse = [](std::string reason) { return FileContents{{}, {}, 0, std::move(reason)}; };
+  auto refuse = [](std::string reason) { return FileContents{{}, {}, false, 0, std::move(reason)}; };
+  auto refuseForNow = [](int error) { return FileContents{{}, {}, false, 0, std::strerror(error), error}; };
   const FileDescriptor file(
       again([&] { return openat(folder, name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC); }));
   if (!file.isOpen()) {
     if (errno == ENOENT) return std::nullopt;
     if (errno == EMFILE || errno == ENFILE || errno == ENOMEM) fail("read", name);
-    return refuse(errno == ELOOP ? "is a symbolic link" : std::strerror(errno));
+    if (errno == ELOOP) return refuse("is a symbolic link");
+    return errno == ENXIO ? refuse("is no regular file") : refuseForNow(errno);
   }
   struct stat status {};
-  if (fstat(file.number(), &status) != 0) return refuse(std::strerror(errno));
+  if (fstat(file.number(), &status) != 0) return refuseForNow(errno);
   if (!S_ISREG(status.st_mode)) return refuse("is no regular file");
-  if (status.st_size == 0) return refuse("is empty");
+  if (status.st_size == 0) return refuse(kEmptyFile);
   if (status.st_size > kLargestFile) return refuse("is larger than 32 MB");
 
   // The file may change meanwhile: what is read is what counts, never more than its size was.
+  const FileStamp stamp = stampOf(status);
   FileContents contents{
-      std::string(static_cast<std::size_t>(status.st_size), '\0'), stampOf(status), status.st_mode, {}};
+      std::string(static_cast<std::size_t>(status.st_size), '\0'), stamp, isSettled(stamp), status.st_mode, {}, 0};
   std::size_t length = 0;
   while (length < contents.bytes.size()) {
     const ssize_t count =
         again([&] { return read(file.number(), contents.bytes.data() + length, contents.bytes.size() - length); });
-    if (count < 0) return refuse(std::strerror(errno));
+    if (count < 0) return refuseForNow(errno);
     if (count == 0) break;
     length += static_cast<std::size_t>(count);
   }
@@ -129,6 +133,8 @@ bool renameToFreeName(int fromFolder, const std::string& from, int toFolder, con
 void syncFolder(int folder) {
   if (again([&] { return fsync(folder); }) != 0) fail("write", "the folder");
 }
+
+bool isWritableFolder(int folder) { return faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0; }
 
 std::vector<std::string> namesIn(int folder) {
   // A descriptor of its own: the position in the folder belongs to it.

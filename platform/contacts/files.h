@@ -44,12 +44,17 @@ std::optional<FileStamp> stampIn(int folder, const std::string& name);
 struct FileContents {
   std::string bytes;
   FileStamp stamp;
+  bool isSettled = false;  // whether any later change shows in the stamp, which has the system's clock's steps
   mode_t mode = 0;
   std::string refusal;  // why it is not read; empty when it was
+  int error = 0;        // of the system, which may be gone the next time; 0 when the file itself is refused
 };
 
 // Of a card file. Photos are the largest thing in a card; a whole address book exported into one file is well below.
 inline constexpr std::int64_t kLargestFile = std::int64_t{32} << 20;
+
+// The refusal of one without contents.
+inline constexpr char kEmptyFile[] = "is empty";
 
 // Nothing when there is no such file. Throws FileError when the process lacks the means to read on.
 std::optional<FileContents> readFile(int folder, const std::string& name);
@@ -63,6 +68,9 @@ void renameFile(int fromFolder, const std::string& from, int toFolder, const std
 // As renameFile; false, and nothing done, when the new name is taken.
 bool renameToFreeName(int fromFolder, const std::string& from, int toFolder, const std::string& to);
 void syncFolder(int folder);
+
+// Whether a file can be made in the folder, and taken out of it.
+bool isWritableFolder(int folder);
 
 // Without "." and ".."; in no order.
 std::vector<std::string> namesIn(int folder);

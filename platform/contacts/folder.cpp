@@ -20,6 +20,8 @@
 namespace contacts {
 namespace {
 
+using std::chrono::steady_clock;
+
 constexpr char kData[] = ".addressbook";
 constexpr char kLock[] = "lock";
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
@@ -29,18 +31,63 @@ std::string_view environment(const char* name) {
   return value == nullptr ? std::string_view() : value;
 }
 
-// mkdir with the folders above; those that are there already stay as they are.
+// Of a path without a slash at its end.
+std::string folderAbove(const std::string& path) {
+  const std::size_t slash = path.find_last_of('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// mkdir with the folders above; those that are there already stay as they are. A folder that may not be read can't be
+// made durable.
 int createFolders(const std::string& path) {
   for (std::size_t slash = path.find('/', 1);; slash = path.find('/', slash + 1)) {
     const bool isLast = slash == std::string::npos;
     const std::string part = path.substr(0, slash);
-    if (mkdir(part.c_str(), 0700) != 0 && errno != EEXIST) return errno;
+    if (mkdir(part.c_str(), 0700) == 0) {
+      const FileDescriptor above(::open(folderAbove(part).c_str(), kFolderFlags));
+      if (above.isOpen() && again([&] { return fsync(above.number()); }) != 0) return errno;
+    } else if (errno != EEXIST) {
+      return errno;
+    }
     if (isLast) return 0;
   }
 }
 
 [[noreturn]] void fail(const std::string& path, std::string_view what, int error) {
   throw FolderError("contacts folder " + printable(path) + ": " + std::string(what) + ": " + std::strerror(error));
+}
+
+// Whether the name is that of the file held open.
+bool isNamed(int folder, const std::string& name, int flags, int held) {
+  struct stat named {};
+  struct stat status {};
+  return fstatat(folder, name.c_str(), &named, flags) == 0 && fstat(held, &status) == 0 &&
+         status.st_dev == named.st_dev && status.st_ino == named.st_ino;
+}
+
+// A writer makes the file; where it can't be written, one that is there will do.
+FileDescriptor openLock(const Folder& folder, FolderLock::Kind kind) {
+  constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  auto open = [&](int flags) {
+    return FileDescriptor(again([&] { return openat(folder.data(), kLock, flags | kFlags, 0600); }));
+  };
+  FileDescriptor file = kind == FolderLock::Kind::kWrite ? open(O_RDWR | O_CREAT) : FileDescriptor();
+  const bool mayRead = kind == FolderLock::Kind::kRead || errno == EACCES || errno == EPERM || errno == EROFS;
+  if (!file.isOpen() && mayRead) file = open(O_RDONLY);
+  if (!file.isOpen()) throw FileError("cannot lock the folder", errno);
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0) throw FileError("cannot lock the folder", errno);
+  if (!S_ISREG(status.st_mode)) throw FileError("cannot lock the folder, as its lock is no regular file", EINVAL);
+  return file;
+}
+
+void lockFile(const FileDescriptor& file, FolderLock::Kind kind, steady_clock::time_point end) {
+  while (flock(file.number(), (kind == FolderLock::Kind::kWrite ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
+    if (errno != EWOULDBLOCK && errno != EINTR) throw FileError("cannot lock the folder", errno);
+    if (steady_clock::now() > end) throw FileError("cannot lock the folder, as another program keeps it locked", errno);
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
 }
 
 }  // namespace
@@ -62,24 +109,58 @@ std::string folderPath() {
   throw FolderError("contacts folder: none of ADDRESSBOOK_FOLDER, XDG_DATA_HOME and HOME is set");
 }
 
-Folder::Folder(std::string path) : path_(std::move(path)) { open(); }
+Folder::Folder(std::string path) : path_(std::move(path)) {
+  while (path_.size() > 1 && path_.ends_with('/')) path_.pop_back();
+  open();
+}
 
 void Folder::open() {
-  FileDescriptor opened(::open(path_.c_str(), kFolderFlags));
-  if (!opened.isOpen() && errno == ENOENT) {
-    if (const int error = createFolders(path_)) fail(path_, "cannot be created", error);
-    opened = FileDescriptor(::open(path_.c_str(), kFolderFlags));
-  }
-  if (!opened.isOpen()) fail(path_, "cannot be read", errno);
+  FileDescriptor opened(again([&] { return ::open(path_.c_str(), kFolderFlags); }));
+  if (!opened.isOpen() && errno != ENOENT) fail(path_, "cannot be read", errno);
   cards_ = std::move(opened);
-  data_ = FileDescriptor();
   openData();
 }
 
 // A data folder that is a link, or no folder at all, is none.
-void Folder::openData() { data_ = FileDescriptor(openat(cards(), kData, kFolderFlags | O_NOFOLLOW)); }
+void Folder::openData() {
+  data_ = FileDescriptor();
+  if (cards_.isOpen()) data_ = FileDescriptor(again([&] { return openat(cards(), kData, kFolderFlags | O_NOFOLLOW); }));
+}
 
-bool Folder::isWritable() const { return faccessat(cards(), ".", W_OK | X_OK, AT_EACCESS) == 0; }
+bool Folder::isWritable() const {
+  if (cards_.isOpen()) return isWritableFolder(cards()) && (!data_.isOpen() || isWritableFolder(data()));
+  // Whether it can be made.
+  std::string above = path_;
+  do {
+    above = folderAbove(above);
+  } while (access(above.c_str(), F_OK) != 0 && above != "." && above != "/");
+  return faccessat(AT_FDCWD, above.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+bool Folder::isCurrent() const { return isNamed(AT_FDCWD, path_, 0, cards()) && isDataCurrent(); }
+
+bool Folder::isDataCurrent() const { return isNamed(cards(), kData, AT_SYMLINK_NOFOLLOW, data()); }
+
+bool Folder::follow() {
+  if (access(path_.c_str(), F_OK) == 0 && !isNamed(AT_FDCWD, path_, 0, cards())) {
+    open();
+    return true;
+  }
+  if (!isDataCurrent()) openData();
+  return false;
+}
+
+bool Folder::followOrMake() {
+  bool isOther = follow();
+  if (access(path_.c_str(), F_OK) != 0) {
+    if (const int error = createFolders(path_)) fail(path_, "cannot be made", error);
+    open();
+    isOther = true;
+  }
+  if (!cards_.isOpen()) fail(path_, "cannot be read", ENOENT);
+  makeData();
+  return isOther;
+}
 
 void Folder::makeData() {
   if (data_.isOpen()) return;
@@ -90,50 +171,30 @@ void Folder::makeData() {
   if (isMade) syncFolder(cards());
 }
 
-bool Folder::follow(Missing missing) {
-  struct stat named {};
-  struct stat held {};
-  const bool isThere = stat(path_.c_str(), &named) == 0;
-  const bool isSame =
-      isThere && fstat(cards(), &held) == 0 && named.st_dev == held.st_dev && named.st_ino == held.st_ino;
-  if (isSame || (!isThere && missing == Missing::kKeep)) {
-    if (!data_.isOpen()) openData();
-    return false;
-  }
-  open();
-  return true;
-}
-
 std::vector<std::string> Folder::cardFileNames() const {
+  if (!cards_.isOpen()) return {};
   std::vector<std::string> names = namesIn(cards());
   std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
   std::ranges::sort(names);
   return names;
 }
 
-FolderLock::FolderLock(const Folder& folder, Kind kind) {
-  using std::chrono::steady_clock;
-  const bool isWrite = kind == Kind::kWrite;
-  constexpr int kFlags = O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-  FileDescriptor file;
-  if (folder.data() >= 0) {
-    file = FileDescriptor(isWrite ? openat(folder.data(), kLock, O_RDWR | O_CREAT | kFlags, 0600)
-                                  : openat(folder.data(), kLock, O_RDONLY | kFlags));
-  }
-  if (!file.isOpen()) {
-    if (isWrite) throw FileError("cannot lock the folder", errno);
-    return;
-  }
-  const auto end = steady_clock::now() + std::chrono::seconds(isWrite ? 10 : 1);
-  while (flock(file.number(), (isWrite ? LOCK_EX : LOCK_SH) | LOCK_NB) != 0) {
-    const bool isTaken = errno == EWOULDBLOCK || errno == EINTR;
-    if (!isTaken || steady_clock::now() > end) {
-      if (isWrite) throw FileError("cannot lock the folder", errno);
-      return;
+FolderLock::FolderLock(const Folder& folder, Kind kind, std::chrono::milliseconds patience) {
+  const auto end = steady_clock::now() + patience;
+  try {
+    // Who waits for a file that its holder takes away gets the lock of a file that nobody else sees.
+    while (!file_.isOpen()) {
+      FileDescriptor file = openLock(folder, kind);
+      lockFile(file, kind, end);
+      if (isNamed(folder.data(), kLock, AT_SYMLINK_NOFOLLOW, file.number())) {
+        file_ = std::move(file);
+      } else if (steady_clock::now() > end) {
+        throw FileError("cannot lock the folder", ENOENT);
+      }
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  } catch (const FileError&) {
+    if (kind == Kind::kWrite) throw;
   }
-  file_ = std::move(file);
 }
 
 }  // namespace contacts

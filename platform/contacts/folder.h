@@ -3,6 +3,7 @@
 #include "platform/contacts/file_descriptor.h"
 #include "platform/contacts/files.h"
 
+#include <chrono>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -23,10 +24,11 @@ std::string folderPath();
 // *.vcf without a leading dot.
 bool isCardFileName(std::string_view name);
 
-// The folder of card files, held open, and within it the data folder .addressbook, which has what isn't in cards.
+// The folder of card files, held open, and within it the data folder .addressbook, which has what isn't in cards. One
+// that is missing is empty, until something is saved to it.
 class Folder {
  public:
-  // A missing folder is created, with those above it. Throws FolderError.
+  // Throws FolderError.
   explicit Folder(std::string path);
 
   [[nodiscard]] const std::string& path() const { return path_; }
@@ -36,12 +38,14 @@ class Folder {
 
   // Whether files can be made in it and taken out of it.
   [[nodiscard]] bool isWritable() const;
-  // Makes the data folder where it is missing. Throws FileError.
-  void makeData();
-  enum class Missing { kKeep, kCreate };
-  // Opens the folder anew when its path has come to name another. Answers whether it did. One that is missing is
-  // created anew on request, else the one that was is kept. Throws FolderError.
-  bool follow(Missing missing);
+  // Whether the paths still name the folders.
+  [[nodiscard]] bool isCurrent() const;
+  // Opens the folders anew when their paths have come to name others. Answers whether that of the cards has; where none
+  // is there now, the one that was is kept. Throws FolderError.
+  bool follow();
+  // As follow, and then makes what is missing of both folders, and of those above, durably. Throws FolderError and
+  // FileError.
+  bool followOrMake();
 
   // The names of what may be card files, sorted by their bytes. Throws FileError.
   [[nodiscard]] std::vector<std::string> cardFileNames() const;
@@ -49,6 +53,8 @@ class Folder {
  private:
   void open();
   void openData();
+  void makeData();
+  [[nodiscard]] bool isDataCurrent() const;
 
   std::string path_;
   FileDescriptor cards_;
@@ -61,9 +67,9 @@ class FolderLock {
  public:
   enum class Kind { kRead, kWrite };
 
-  // For kRead no lock is taken where there is no lock file, or no right to it; nor when it isn't free within a second.
-  // For kWrite the data folder must be there; throws FileError when the lock can't be had within ten seconds.
-  FolderLock(const Folder& folder, Kind kind);
+  // For kRead no lock is taken where there is no lock file, or no right to it; nor when it isn't free in time. For
+  // kWrite the data folder must be there; throws FileError when the lock can't be had in time.
+  FolderLock(const Folder& folder, Kind kind, std::chrono::milliseconds patience);
 
   [[nodiscard]] bool isHeld() const { return file_.isOpen(); }
 

@@ -2,6 +2,7 @@
 
 #include "platform/contacts/files.h"
 #include "platform/contacts/folder.h"
+#include "platform/contacts/journal.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/log.h"
@@ -20,6 +21,8 @@ namespace {
 // A new hard link shows as IN_CREATE alone.
 constexpr std::uint32_t kFileEvents = IN_CREATE | IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE;
 constexpr std::uint32_t kFolderEvents = IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+// A folder that somebody holds open says nothing when it is removed: the one above does.
+constexpr std::uint32_t kNameEvents = IN_CREATE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ONLYDIR;
 constexpr long kSecondsBetweenLooks = 2;
 
 void log(const std::exception& error) {
@@ -44,9 +47,13 @@ FolderWatch::FolderWatch(std::string path, Changed changed)
 // Where the system refuses, or there is no folder now, the timer looks.
 void FolderWatch::watch() {
   if (events_.isOpen()) {
-    cardsWatch_ = inotify_add_watch(events_.number(), path_.c_str(), kFileEvents | kFolderEvents);
-    dataWatch_ =
-        inotify_add_watch(events_.number(), (path_ + "/.addressbook").c_str(), IN_MOVED_TO | IN_DELETE | IN_ONLYDIR);
+    auto watchOne = [this](const std::string& path, std::uint32_t events) {
+      return inotify_add_watch(events_.number(), path.c_str(), events);
+    };
+    const std::size_t slash = path_.find_last_of('/');
+    aboveWatch_ = watchOne(slash == std::string::npos ? "." : path_.substr(0, slash + 1), kNameEvents);
+    cardsWatch_ = watchOne(path_, kFileEvents | kFolderEvents);
+    dataWatch_ = watchOne(path_ + "/.addressbook", IN_MOVED_TO | IN_DELETE | IN_ONLYDIR);
   }
   setTimer(cardsWatch_ < 0);
 }
@@ -59,34 +66,34 @@ void FolderWatch::setTimer(bool isOn) {
 
 void FolderWatch::readEvents() {
   std::set<std::string> names;
-  bool isAnything = false;
   bool isData = false;
   bool isReplaced = false;
+  const std::string ownName = path_.substr(path_.find_last_of('/') + 1);
   alignas(inotify_event) char buffer[16384];
   ssize_t length = 0;
   while ((length = read(events_.number(), buffer, sizeof buffer)) > 0) {
     for (ssize_t at = 0; at < length;) {
       inotify_event event{};
       std::memcpy(&event, buffer + at, sizeof event);
-      const char* name = event.len > 0 ? buffer + at + sizeof event : "";
+      const std::string name = event.len > 0 ? buffer + at + sizeof event : "";
       at += static_cast<ssize_t>(sizeof event + event.len);
       if ((event.mask & IN_Q_OVERFLOW) != 0) {
-        isAnything = true;
-      } else if (event.wd == dataWatch_) {
-        isData = isData || std::strcmp(name, "me") == 0 || std::strcmp(name, "properties") == 0;
+        isReplaced = true;  // for all that is known
       } else if (event.wd == cardsWatch_) {
         isReplaced = isReplaced || (event.mask & (IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED)) != 0;
-        if (std::strcmp(name, ".addressbook") == 0) isReplaced = true;
-        if (*name != '\0') names.insert(name);
+        if (name == ".addressbook") isReplaced = true;
+        if (!name.empty()) names.insert(name);
+      } else if (event.wd == dataWatch_) {
+        // A journal that stays is of a save that somebody else has to finish.
+        isData = isData || name == kOwnerFile || name == kPropertyFile || name == kJournalFile;
+      } else if (event.wd == aboveWatch_) {
+        isReplaced = isReplaced || name == ownName;
       }
     }
   }
   if (isReplaced) {
-    inotify_rm_watch(events_.number(), cardsWatch_);
-    inotify_rm_watch(events_.number(), dataWatch_);
+    for (const int watch : {cardsWatch_, dataWatch_, aboveWatch_}) inotify_rm_watch(events_.number(), watch);
     watch();
-    tell(nullptr);
-  } else if (isAnything) {
     tell(nullptr);
   } else if (isData || !names.empty()) {
     tell(&names);

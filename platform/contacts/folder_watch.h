@@ -31,6 +31,7 @@ class FolderWatch {
   FileDescriptor timer_;
   int cardsWatch_ = -1;  // -1 while nothing is watched, and the timer looks from time to time
   int dataWatch_ = -1;
+  int aboveWatch_ = -1;
   std::unique_ptr<RunLoopSource> eventSource_;
   std::unique_ptr<RunLoopSource> timerSource_;
 };

@@ -4,49 +4,85 @@
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/vcard/encoding.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <sstream>
 #include <utility>
 
 namespace contacts {
 namespace {
 
-constexpr char kJournal[] = "journal";
 constexpr std::string_view kTemporaryPrefix = "new-";
 constexpr std::string_view kTemporarySuffix = ".tmp";
-constexpr std::string_view kHead = "addressbook-journal 1\n";
+constexpr std::string_view kHead = "addressbook-journal 2\n";
 
 // Names may hold any byte but a slash.
 std::string nameText(std::string_view name) { return name.empty() ? "-" : vcard::encodeBase64(name); }
 std::string nameFromText(std::string_view text) { return text == "-" ? std::string() : vcard::decodeBase64(text); }
 
-std::string stampText(const std::optional<FileStamp>& stamp) {
-  if (!stamp) return "-";
-  std::ostringstream text;
-  text << stamp->device << ',' << stamp->inode << ',' << stamp->size << ',' << stamp->modified << ',' << stamp->changed;
-  return text.str();
+std::string foundText(const std::optional<FoundState>& found) {
+  if (!found) return "-";
+  const FileStamp& stamp = found->stamp;
+  return std::to_string(stamp.device) + "," + std::to_string(stamp.inode) + "," + std::to_string(stamp.size) + "," +
+         std::to_string(stamp.modified) + "," + std::to_string(stamp.changed) + "," + std::to_string(found->hash);
 }
 
-// Nothing for a text that is no stamp; a stamp that is not there is nothing inside.
-std::optional<std::optional<FileStamp>> stampFromText(const std::string& text) {
-  if (text == "-") return std::optional<FileStamp>();
-  FileStamp stamp;
-  std::istringstream fields(text);
-  char comma = ',';
-  fields >> stamp.device >> comma >> stamp.inode >> comma >> stamp.size >> comma >> stamp.modified >> comma >>
-      stamp.changed;
-  if (!fields || !fields.eof()) return std::nullopt;
-  return stamp;
+// Takes the text up to the separator off the front.
+std::string_view takeField(std::string_view& text, char separator) {
+  const std::string_view field = text.substr(0, text.find(separator));
+  text.remove_prefix(std::min(text.size(), field.size() + 1));
+  return field;
+}
+
+template <class Number>
+bool readNumber(std::string_view text, Number& number) {
+  const char* end = text.data() + text.size();
+  const std::from_chars_result read = std::from_chars(text.data(), end, number);
+  return read.ec == std::errc() && read.ptr == end;
+}
+
+// Nothing for a text that is no state; a file that isn't there is nothing inside.
+std::optional<std::optional<FoundState>> foundFromText(std::string_view text) {
+  if (text == "-") return std::optional<FoundState>();
+  FoundState found;
+  FileStamp& stamp = found.stamp;
+  const bool isRead = readNumber(takeField(text, ','), stamp.device) && readNumber(takeField(text, ','), stamp.inode) &&
+                      readNumber(takeField(text, ','), stamp.size) &&
+                      readNumber(takeField(text, ','), stamp.modified) &&
+                      readNumber(takeField(text, ','), stamp.changed) && readNumber(text, found.hash);
+  if (!isRead) return std::nullopt;
+  return found;
 }
 
 std::string journalText(const std::vector<JournalStep>& steps) {
   std::string text(kHead);
   for (const JournalStep& step : steps) {
     text += step.target == JournalStep::Target::kCard ? "card " : "data ";
-    text += nameText(step.name) + " " + nameText(step.temporary) + " " + stampText(step.expected) + "\n";
+    text += nameText(step.name) + " " + nameText(step.temporary) + " " + foundText(step.expected) + "\n";
   }
   return text + "end " + std::to_string(contentHash(text)) + "\n";
+}
+
+// No journal leads out of the folder, or to a file in it that a save doesn't write.
+bool isAllowed(const JournalStep& step) {
+  using namespace std::string_view_literals;
+  const bool isTarget = step.target == JournalStep::Target::kCard
+                            ? isCardFileName(step.name) && step.name.find_first_of("/\0"sv) == std::string::npos
+                            : step.name == kOwnerFile || step.name == kPropertyFile;
+  return isTarget && (step.temporary.empty() || isTemporaryName(step.temporary));
+}
+
+std::optional<JournalStep> stepFromText(std::string_view line) {
+  JournalStep step;
+  const std::string_view target = takeField(line, ' ');
+  if (target != "card" && target != "data") return std::nullopt;
+  if (target == "data") step.target = JournalStep::Target::kData;
+  step.name = nameFromText(takeField(line, ' '));
+  step.temporary = nameFromText(takeField(line, ' '));
+  const auto expected = foundFromText(line);
+  if (!expected || !isAllowed(step)) return std::nullopt;
+  step.expected = *expected;
+  return step;
 }
 
 std::optional<std::vector<JournalStep>> stepsFromText(std::string_view text) {
@@ -54,16 +90,10 @@ std::optional<std::vector<JournalStep>> stepsFromText(std::string_view text) {
   if (!text.starts_with(kHead) || end == std::string_view::npos) return std::nullopt;
   if (text.substr(end) != "end " + std::to_string(contentHash(text.substr(0, end))) + "\n") return std::nullopt;
   std::vector<JournalStep> steps;
-  std::istringstream lines{std::string(text.substr(kHead.size(), end - kHead.size()))};
-  std::string target;
-  std::string name;
-  std::string temporary;
-  std::string stamp;
-  while (lines >> target >> name >> temporary >> stamp) {
-    const auto expected = stampFromText(stamp);
-    if (!expected) return std::nullopt;
-    steps.push_back({target == "card" ? JournalStep::Target::kCard : JournalStep::Target::kData, nameFromText(name),
-                     nameFromText(temporary), *expected});
+  for (std::string_view lines = text.substr(kHead.size(), end - kHead.size()); !lines.empty();) {
+    std::optional<JournalStep> step = stepFromText(takeField(lines, '\n'));
+    if (!step) return std::nullopt;
+    steps.push_back(*std::move(step));
   }
   return steps;
 }
@@ -72,67 +102,88 @@ int targetFolder(const Folder& folder, const JournalStep& step) {
   return step.target == JournalStep::Target::kCard ? folder.cards() : folder.data();
 }
 
-// A temporary file that is gone was put in its place before.
-void applyWrite(const Folder& folder, const JournalStep& step) {
-  const std::optional<FileStamp> temporary = stampIn(folder.data(), step.temporary);
-  if (!temporary) return;
-  const int target = targetFolder(folder, step);
-  if (step.target == JournalStep::Target::kData || stampIn(target, step.name) == step.expected) {
-    if (step.expected || step.target == JournalStep::Target::kData) {
-      renameFile(folder.data(), step.temporary, target, step.name);
-      return;
-    }
-    if (renameToFreeName(folder.data(), step.temporary, target, step.name)) return;
-  }
-  renameFile(folder.data(), step.temporary, target, newIdentifier() + ".vcf");
+// A stamp that has changed may mean a backup that was restored: then the bytes tell.
+bool isAsExpected(const Folder& folder, const JournalStep& step) {
+  if (step.target == JournalStep::Target::kData) return true;
+  const std::optional<FileStamp> stamp = stampIn(folder.cards(), step.name);
+  if (!stamp || !step.expected) return !stamp && !step.expected;
+  if (*stamp == step.expected->stamp) return true;
+  const std::optional<FileContents> contents = readFile(folder.cards(), step.name);
+  return contents && contents->refusal.empty() && contentHash(contents->bytes) == step.expected->hash;
 }
 
-void applyRemoval(const Folder& folder, const JournalStep& step) {
+// The same each time it is asked for.
+std::string ownNameFor(const JournalStep& step) {
+  std::string_view name = step.temporary;
+  name.remove_prefix(kTemporaryPrefix.size());
+  name.remove_suffix(kTemporarySuffix.size());
+  return std::string(name) + ".vcf";
+}
+
+void apply(const Folder& folder, const JournalStep& step) {
   const int target = targetFolder(folder, step);
-  if (step.target == JournalStep::Target::kData || stampIn(target, step.name) == step.expected)
+  if (step.temporary.empty()) {
     removeFile(target, step.name);
+  } else if (step.target == JournalStep::Target::kData || step.expected) {
+    renameFile(folder.data(), step.temporary, target, step.name);
+  } else if (!renameToFreeName(folder.data(), step.temporary, target, step.name)) {
+    renameFile(folder.data(), step.temporary, target, ownNameFor(step));
+  }
 }
 
 }  // namespace
 
-void commitJournal(Folder& folder, const std::vector<JournalStep>& steps) {
+void commitJournal(const Folder& folder, const std::vector<JournalStep>& steps) {
+  // What the journal names is found whenever the journal is.
+  syncFolder(folder.data());
   const std::string temporary = newTemporaryName();
   writeNewFile(folder.data(), temporary, journalText(steps), 0600);
   try {
-    renameFile(folder.data(), temporary, folder.data(), kJournal);
-  } catch (const FileError&) {
-    removeFileQuietly(folder.data(), temporary);
-    throw;
-  }
-  try {
+    renameFile(folder.data(), temporary, folder.data(), kJournalFile);
     syncFolder(folder.data());
   } catch (const FileError&) {
     // Whether it would be found after a crash nobody knows. Taken away it won't be; a journal that can't be taken away
     // stands, and the save has happened.
-    if (removeFileQuietly(folder.data(), kJournal)) throw;
+    if (!removeFileQuietly(folder.data(), kJournalFile)) return;
+    removeFileQuietly(folder.data(), temporary);
+    try {
+      syncFolder(folder.data());
+    } catch (const FileError&) {
+      // It is the first error that is told.
+    }
+    throw;
   }
 }
 
 std::optional<std::vector<JournalStep>> pendingJournal(const Folder& folder) {
   if (folder.data() < 0) return std::nullopt;
-  const std::optional<FileContents> contents = readFile(folder.data(), kJournal);
+  const std::optional<FileContents> contents = readFile(folder.data(), kJournalFile);
   if (!contents) return std::nullopt;
+  if (contents->error != 0) throw FileError("cannot read the journal", contents->error);
   std::optional<std::vector<JournalStep>> steps = stepsFromText(contents->bytes);
-  if (!steps) throw FileError("contacts folder " + folder.path() + ": the journal can't be understood", EINVAL);
+  if (!steps) throw FileError("the journal " + folder.path() + "/.addressbook/journal can't be understood", EINVAL);
   return steps;
 }
 
-void applyJournal(Folder& folder, const std::vector<JournalStep>& steps) {
+std::optional<JournalStep> remainder(const Folder& folder, const JournalStep& step) {
+  const bool isRemoval = step.temporary.empty();
+  // A temporary file that is gone was put in its place before.
+  if (!isRemoval && !stampIn(folder.data(), step.temporary)) return std::nullopt;
+  if (isAsExpected(folder, step)) return step;
+  if (isRemoval) return std::nullopt;
+  JournalStep left = step;
+  left.name = ownNameFor(step);
+  left.expected.reset();
+  return left;
+}
+
+void applyJournal(const Folder& folder, const std::vector<JournalStep>& steps) {
   for (const JournalStep& step : steps) {
-    if (step.temporary.empty()) {
-      applyRemoval(folder, step);
-    } else {
-      applyWrite(folder, step);
-    }
+    if (const std::optional<JournalStep> left = remainder(folder, step)) apply(folder, *left);
   }
   syncFolder(folder.cards());
   syncFolder(folder.data());
-  removeFile(folder.data(), kJournal);
+  removeFile(folder.data(), kJournalFile);
 }
 
 std::string newTemporaryName() {
@@ -140,7 +191,9 @@ std::string newTemporaryName() {
 }
 
 bool isTemporaryName(std::string_view name) {
-  return name.starts_with(kTemporaryPrefix) && name.ends_with(kTemporarySuffix);
+  using namespace std::string_view_literals;
+  return name.size() > kTemporaryPrefix.size() + kTemporarySuffix.size() && name.starts_with(kTemporaryPrefix) &&
+         name.ends_with(kTemporarySuffix) && name.find_first_of("/\0"sv) == std::string_view::npos;
 }
 
 }  // namespace contacts

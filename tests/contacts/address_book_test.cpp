@@ -3,6 +3,7 @@
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/exception.h"
 #include "platform/foundation/log.h"
+#include "platform/objc/retained.h"
 #include "tests/contacts/contacts_folder.h"
 #include "tests/foundation/raised.h"
 
@@ -10,6 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -126,12 +128,16 @@ TEST(AddressBook, GivesEachCardAnIdOfItsOwn) {
   EXPECT_EQ(textOf(ABAddressBook::addressBook().groups().objectAtIndex(0).as<ABRecord>().uniqueId()), "1:ABGroup");
 }
 
-TEST(AddressBook, MakesTheFolderThatIsMissing) {
+TEST(AddressBook, MakesTheFolderThatIsMissingWhenItSaves) {
   const AutoreleasePool pool;
   const ContactsFolder parent;
   unsetenv("ADDRESSBOOK_FOLDER");
   setenv("XDG_DATA_HOME", (parent.path() / "data/user").c_str(), 1);
-  EXPECT_EQ(ABAddressBook::sharedAddressBook().people().count(), 0U);
+  const ABAddressBook book = ABAddressBook::sharedAddressBook();
+  EXPECT_EQ(book.people().count(), 0U);
+  EXPECT_FALSE(std::filesystem::exists(parent.path() / "data"));
+  const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book));
+  EXPECT_TRUE(book.save());
   struct stat status {};
   ASSERT_EQ(stat((parent.path() / "data/user/addressbook").c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777U, 0700U);

@@ -121,6 +121,26 @@ TEST_F(Notifications, FollowAFolderThatIsReplaced) {
   fs::remove_all(old);
 }
 
+TEST_F(Notifications, FollowAFolderThatIsRemovedAndMadeAgain) {
+  fs::remove_all(folder_.path());
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external -(a:ABPerson b:ABPerson)"}));
+  fs::create_directory(folder_.path());
+  folder_.writeCard("z.vcf", "UID:z\nN:Zola\n");
+  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external +(z:ABPerson)"}));
+  EXPECT_TRUE(record("z:ABPerson").setValue("x"_ns, kABNoteProperty));
+  EXPECT_TRUE(book_.save());
+  EXPECT_NE(bytesOf(folder_.path() / "z.vcf").find("NOTE:x"), std::string::npos);
+}
+
+// Two changes of one size may fall into one step of the file system's clock.
+TEST_F(Notifications, NoticeChangesThatComeTooFastForTimes) {
+  for (const char* name : {"Aalto", "Adler", "Anker", "Arndt", "Asche"}) {
+    folder_.writeCard("a.vcf", std::string("UID:a\nN:") + name + "\n");
+    CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.02, true);
+    EXPECT_EQ(shown(record("a:ABPerson"), "Last"), name);
+  }
+}
+
 TEST_F(Notifications, KeepWhatIsChangedHere) {
   EXPECT_TRUE(record("a:ABPerson").setValue("mine"_ns, kABNoteProperty));
   folder_.writeCard("a.vcf", "UID:a\nN:Aalto\nNOTE:theirs\n");
