@@ -90,7 +90,6 @@ TEST(PluginEntry, DescribesTheClassesAsTheyAre) {
     bool ownsData;
     Word properties, methods, events, constants, sharedMethods, flags;
   };
-  // The picker's members come with its window.
   for (const Expected& expected : std::vector<Expected>{
            {"ABSearchElementVXR", nullptr, true, 1, 3, 0, 2, 1, 4},
            {"ABRecordVXR", nullptr, true, 1, 9, 0, 0, 0, 4},
@@ -98,7 +97,7 @@ TEST(PluginEntry, DescribesTheClassesAsTheyAre) {
            {"ABMultiValueVXR", nullptr, true, 1, 14, 0, 0, 0, 4},
            {"ABMutableMultiValueVXR", "ABMultiValueVXR", false, 0, 8, 0, 0, 0, 4},
            {"ABGroupVXR", "ABRecordVXR", false, 0, 10, 0, 0, 6, 4},
-           {"ABPickerVXR", nullptr, true, 2, 2, 6, 0, 0, 0x100000},
+           {"ABPickerVXR", nullptr, true, 12, 23, 6, 0, 0, 0x100000},
            {"ABAddressBookVXR", nullptr, true, 1, 24, 1, 59, 120, 4},
        }) {
     SCOPED_TRACE(expected.name);
@@ -114,5 +113,12 @@ TEST(PluginEntry, DescribesTheClassesAsTheyAre) {
     EXPECT_EQ(definition.constantCount, expected.constants);
     EXPECT_EQ(definition.sharedMethodCount, expected.sharedMethods);
     EXPECT_EQ(definition.flags, expected.flags);
+    for (Word i = 0; i < definition.propertyCount; ++i) EXPECT_EQ(definition.properties[i].flags, expected.flags | 2);
+    for (Word i = 0; i < definition.methodCount; ++i) {
+      const REALmethodDefinition& method = definition.methods[i];
+      EXPECT_NE(method.function, nullptr);
+      const bool isEmpty = i == 0 && method.flags == 0x84;
+      EXPECT_TRUE(method.flags == expected.flags || isEmpty) << method.declaration;
+    }
   }
 }

@@ -1,0 +1,66 @@
+#include "host/objects.h"
+#include "platform/contacts/people_picker.h"
+#include "platform/foundation/date.h"
+#include "platform/foundation/dictionary.h"
+#include "platform/foundation/exception.h"
+#include "platform/objc/retained.h"
+#include "tests/kit/host.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+
+namespace {
+
+// What the picker of a test answers; unset: the real values.
+CFArrayRef (*selectedValues)() = nullptr;
+
+CFArrayRef owned(NSArray array) { return bridge<CFArrayRef>(Retained<NSArray>::share(array).leak()); }
+
+NSDictionary address() { return NSDictionary::dictionaryWithObject("Paris"_ns, "City"_ns); }
+
+}  // namespace
+
+// Stands before the framework's own.
+extern "C" CFArrayRef ABPickerCopySelectedValues(ABPickerRef picker) {
+  if (selectedValues != nullptr) return selectedValues();
+  static const auto real =
+      reinterpret_cast<CFArrayRef (*)(ABPickerRef)>(dlsym(RTLD_NEXT, "ABPickerCopySelectedValues"));
+  return real(picker);
+}
+
+TEST(MixedValues, AreSortedByKindWithoutGaps) {
+  const Host host{};
+  const host::Value picker = host.make("ABPickerVXR");
+  picker.call("Create");
+  selectedValues = [] {
+    return owned(NSArray::arrayWithObjects(
+        {"a@b"_ns, address(), NSDate::dateWithTimeIntervalSinceReferenceDate(0), "c@d"_ns, address()}));
+  };
+  const host::Value strings = picker.call("SelectedStrings");
+  ASSERT_EQ(strings.size(), 2U);
+  EXPECT_EQ(strings.at(0), "a@b");
+  EXPECT_EQ(strings.at(1), "c@d");
+  const host::Value dictionaries = picker.call("SelectedDictionaries");
+  ASSERT_EQ(dictionaries.size(), 2U);
+  EXPECT_EQ(dictionaries.at(1).call("Value", "City"), "Paris");
+  const host::Value all = picker.call("SelectedValues");
+  ASSERT_EQ(all.size(), 5U);
+  EXPECT_EQ(all.at(1), "Paris");
+  EXPECT_EQ(all.at(2), "2001-01-01");
+  EXPECT_EQ(all.at(3), "c@d");
+}
+
+TEST(MixedValues, MayBeMissingOrRaise) {
+  const Host host{};
+  const host::Value picker = host.make("ABPickerVXR");
+  picker.call("Create");
+  selectedValues = [] { return CFArrayRef(); };
+  for (const char* member : {"SelectedValues", "SelectedStrings", "SelectedDictionaries"}) {
+    EXPECT_EQ(picker.call(member).size(), 0U) << member;
+  }
+  selectedValues = []() -> CFArrayRef { NSException::raise("Refused"_ns, "because"_ns); };
+  for (const char* member : {"SelectedValues", "SelectedStrings", "SelectedDictionaries"}) {
+    EXPECT_EQ(thrownBy([&] { picker.call(member); }), "NSExceptionVXR: A Cocoa Refused was not handled: because");
+  }
+}
