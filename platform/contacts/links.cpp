@@ -11,7 +11,10 @@ namespace contacts {
 namespace {
 
 // Few cards do: it isn't worth reading all the others line by line.
-bool mayHaveLinks(std::string_view text) { return !std::ranges::search(text, kLinkLine, {}, vcard::upper).empty(); }
+bool mayHaveLinks(std::string_view text) {
+  return std::search(text.begin(), text.end(), kLinkLine.begin(), kLinkLine.end(),
+                     [](char a, char b) { return vcard::upper(a) == b; }) != text.end();
+}
 
 }  // namespace
 
