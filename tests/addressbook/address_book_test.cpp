@@ -1,5 +1,6 @@
 #include "platform/contacts/address_book.h"
 #include "host/arrays.h"
+#include "host/dictionaries.h"
 #include "host/memory_blocks.h"
 #include "platform/objc/class_builder.h"
 #include "tests/addressbook/member_rows.h"
@@ -44,6 +45,11 @@ MemberRows rows(const Host& host, const Value& book) {
       {"peopleForEmail", {"aDA@example.org"}, "recordsMatchingSearchElement:", "[p1:ABPerson p2:ABPerson]", "[]", {0}},
       {"removeRecord", {ada}, "removeRecord:", "Boolean True", "Boolean False"},
       {"addRecord", {ada}, "addRecord:", "Boolean True", "Boolean False"},
+      {"formattedAddressFromDictionary",
+       {host::dictionary({{"City", "Ghent"}})},
+       "formattedAddressFromDictionary:",
+       "NSAttributedStringVXR",
+       "Nil"},
   };
 }
 

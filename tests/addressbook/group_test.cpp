@@ -1,0 +1,154 @@
+#include "platform/contacts/group.h"
+#include "tests/addressbook/book_text.h"
+#include "tests/addressbook/member_rows.h"
+#include "tests/contacts/in_child.h"
+
+#include <set>
+
+namespace {
+
+using host::Value;
+
+constexpr const char* kBook = "ABAddressBookVXR";
+
+const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1", {"EMAIL:1@x.org", "EMAIL:2@x.org", "TEL:1", "TEL:2"}),
+                                  person("Grace", "Hopper", "p2", {"EMAIL:3@x.org"}), group("Work", "g1", {"p1", "g2"}),
+                                  group("Play", "g2"), group("All", "g3", {"g1"})};
+
+Value bookOf(const Host& host) { return host.shared(kBook, "sharedAddressbook"); }
+
+Value recordOf(const Host& host, const char* id) { return bookOf(host).call("recordForUniqueId", id); }
+
+// Of the first group, in an order in which each row finds what it needs.
+MemberRows rows(const Host& host) {
+  const Value ada = recordOf(host, "p1:ABPerson");
+  const Value grace = recordOf(host, "p2:ABPerson");
+  const Value play = recordOf(host, "g2:ABGroup");
+  const Value second = ada.call("valueForProperty", "Email").call("identifierAtIndex", 0);
+  return {
+      {"members", {}, "members", "[p1:ABPerson]", "[]"},
+      {"subgroups", {}, "subgroups", "[g2:ABGroup]", "[]"},
+      {"parentGroups", {}, "parentGroups", "[g3:ABGroup]", "[]"},
+      {"distributionIdentifierForProperty",
+       {"Email", ada},
+       "distributionIdentifierForProperty:person:",
+       shown(second),
+       "''"},
+      {"addMember", {grace}, "addMember:", "Boolean True", "Boolean False"},
+      {"removeMember", {grace}, "removeMember:", "Boolean True", "Boolean False"},
+      {"removeSubgroup", {play}, "removeSubgroup:", "Boolean True", "Boolean False"},
+      {"addSubgroup", {play}, "addSubgroup:", "Boolean True", "Boolean False"},
+  };
+}
+
+}  // namespace
+
+TEST(Group, SendsAndConverts) {
+  const Host host{.contacts = kContacts};
+  expectResults(recordOf(host, "g1:ABGroup"), rows(host));
+}
+
+TEST(Group, AnswersNeutrallyWhereSomethingIsMissing) {
+  const Host host{.contacts = kContacts};
+  expectNeutralWithoutArguments(recordOf(host, "g1:ABGroup"), rows(host));
+  expectNeutralWhenEmpty(emptyInstance("ABGroupVXR"), rows(host));
+}
+
+TEST(Group, AnswersNeutrallyWhenTheFrameworkRaises) {
+  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
+  expectNeutralWhenRaising(recordOf(host, "g1:ABGroup"), rows(host));
+}
+
+TEST(Group, IsMadeWithOrWithoutABook) {
+  const Host host{.contacts = kContacts};
+  const Value book = bookOf(host);
+  for (const Value& nobody : {Value(), emptyInstance(kBook)}) {
+    EXPECT_TRUE(book.call("recordForUniqueId", host.make("ABGroupVXR", nobody).call("uniqueId")).isNil());
+  }
+  EXPECT_NE(host.make("ABGroupVXR").get("Handle"), 0);
+  const Value added = host.make("ABGroupVXR", book);
+  EXPECT_EQ(book.call("groups").at(3), added);
+}
+
+TEST(Group, RefusesCycles) {
+  const Host host{.contacts = kContacts};
+  const Value work = recordOf(host, "g1:ABGroup");
+  const Value play = recordOf(host, "g2:ABGroup");
+  const Value all = recordOf(host, "g3:ABGroup");
+  EXPECT_EQ(work.call("addSubgroup", work), false);
+  EXPECT_EQ(play.call("addSubgroup", work), false);
+  EXPECT_EQ(play.call("addSubgroup", all), false);
+  EXPECT_EQ(work.call("addSubgroup", play), false);  // is one
+  EXPECT_EQ(all.call("addSubgroup", play), true);    // by another way down
+  EXPECT_EQ(told(play.call("parentGroups")), "[g1:ABGroup g3:ABGroup]");
+}
+
+TEST(Group, AssignsDistributionIdentifiersThatAreThere) {
+  const Host host{.contacts = kContacts};
+  const Value work = recordOf(host, "g1:ABGroup");
+  const Value ada = recordOf(host, "p1:ABPerson");
+  const Value second = ada.call("valueForProperty", "Email").call("identifierAtIndex", 1);
+  constexpr const char* kMember = "distributionIdentifierForProperty";
+  const auto sendsOf = [&](const Value& self, const Value& property, const Value& whom, const Value& identifier) {
+    const Sends sends("setDistributionIdentifier:forProperty:person:");
+    self.assign(kMember, property, whom, identifier);
+    return sends.count();
+  };
+  EXPECT_EQ(sendsOf(emptyInstance("ABGroupVXR"), "Email", ada, second), 0);
+  EXPECT_EQ(sendsOf(work, "Email", nullptr, second), 0);
+  EXPECT_EQ(sendsOf(work, "Email", emptyInstance("ABPersonVXR"), second), 0);
+  EXPECT_EQ(sendsOf(work, "Email", ada, ""), 0);
+  EXPECT_NE(work.call(kMember, "Email", ada), second);
+  EXPECT_EQ(sendsOf(work, "Email", ada, second), 1);
+  EXPECT_EQ(work.call(kMember, "Email", ada), second);
+  EXPECT_EQ(sendsOf(work, "Email", ada, "nobody"), 1);  // the framework decides
+  EXPECT_EQ(work.call(kMember, "Email", ada), second);
+  // A missing name is passed on, and refused there.
+  EXPECT_NE(thrownBy([&] { work.assign(kMember, "", ada, second); }).find("NSInvalidArgumentException"),
+            std::string::npos);
+}
+
+TEST(Group, IsTheSameAfterReopening) {
+  const Host host{.contacts = kContacts};
+  const auto expected = host.folder() / "expected";
+  const auto describe = [&host] {
+    std::set<std::string> texts;  // new records come last until the folder is read
+    for (const Value& record : bookOf(host).call("groups").elements()) {
+      std::string text = recordText(record) + told(record.call("members")) + told(record.call("subgroups")) +
+                         told(record.call("parentGroups")) + "\n";
+      for (const Value& member : record.call("members").elements()) {
+        for (const char* property : {"Email", "Phone"}) {
+          text += record.call("distributionIdentifierForProperty", property, member).text() + "\n";
+        }
+      }
+      texts.insert(text);
+    }
+    std::string all;
+    for (const std::string& text : texts) all += text;
+    return all;
+  };
+  inChild([&] {
+    const Value book = bookOf(host);
+    const Value work = recordOf(host, "g1:ABGroup");
+    const Value ada = recordOf(host, "p1:ABPerson");
+    const Value grace = recordOf(host, "p2:ABPerson");
+    const Value boats = host.make("ABGroupVXR", book);
+    boats.call("setValue", "Boats; and \"ships\"", "GroupName");
+    EXPECT_EQ(boats.call("addMember", ada), true);
+    EXPECT_EQ(boats.call("addMember", ada), false);
+    EXPECT_EQ(boats.call("addMember", grace), true);
+    EXPECT_EQ(recordOf(host, "g2:ABGroup").call("addSubgroup", boats), true);
+    EXPECT_EQ(work.call("removeSubgroup", recordOf(host, "g2:ABGroup")), true);
+    for (const Value& record : {work, boats}) {
+      for (const char* property : {"Email", "Phone"}) {
+        const Value values = ada.call("valueForProperty", property);
+        record.assign("distributionIdentifierForProperty", property, ada,
+                      values.call("identifierAtIndex", record == work ? 1 : 0));
+      }
+    }
+    EXPECT_EQ(book.call("save"), true);
+    std::ofstream(expected) << describe();
+  });
+  EXPECT_EQ(describe(), bytesOf(expected));
+  EXPECT_NE(describe().find("Boats"), std::string::npos);
+}
