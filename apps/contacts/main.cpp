@@ -1,4 +1,5 @@
 #include "apps/contacts/commands.h"
+#include "apps/contacts/pick.h"
 #include "apps/contacts/session.h"
 #include "host/error.h"
 #include "host/exceptions.h"
@@ -13,6 +14,7 @@
 namespace {
 
 constexpr int kFailed = 1;
+constexpr int kNothingPicked = 1;
 constexpr int kWrongUsage = 2;
 
 // What went wrong, in the plug-in's words: a framework exception's reason rather than the message round it.
@@ -41,6 +43,13 @@ int main(int argc, char** argv) {
   CLI::App* classes = app.add_subcommand("classes", "Show the classes that the plug-in offers to host code");
   std::string className;
   classes->add_option("CLASS", className, "Show this class's members");
+  CLI::App* pick = app.add_subcommand("pick", "Pick people in a window on the terminal, and print them");
+  contacts::PickOptions picking;
+  pick->add_option("--property", picking.property, "Print the picked people's values of this property, as in Email");
+  pick->add_flag("--multiple", picking.multiple, "Allow several people and values");
+  pick->add_flag("--groups", picking.groups, "Allow groups");
+  pick->add_flag("--json", picking.json, "Print a JSON list");
+  pick->add_option("QUERY", picking.query, "Start with this text in the search field");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -52,6 +61,7 @@ int main(int argc, char** argv) {
     const std::vector<std::string> registered = contacts::startHost();
     if (*list) contacts::listPeople();
     if (*watch) contacts::watchChanges();
+    if (*pick && !contacts::pick(picking)) return kNothingPicked;
     if (*classes && className.empty()) {
       for (const std::string& name : registered) std::cout << name << '\n';
     } else if (*classes) {
