@@ -25,7 +25,7 @@ struct PickerObject : objc::Object {
   PickerObject& operator=(const PickerObject&) = delete;
   ~PickerObject();
 
-  void databaseChanged(NSNotification) { refresh(); }
+  void databaseChanged(NSNotification);
   // What is in sight may have changed.
   void refresh() const;
   void setVisible(bool visible);
@@ -57,6 +57,12 @@ PickerObject::~PickerObject() {
   NSNotificationCenter::defaultCenter().removeObserver(NSObject(this), nullptr, nullptr);
 }
 
+// Anew, because the log may have been written across the window meanwhile.
+void PickerObject::databaseChanged(NSNotification) {
+  if (window_) window_->terminal().repaint();
+  refresh();
+}
+
 void PickerObject::refresh() const {
   if (!window_) return;
   window_->reload();
@@ -69,8 +75,10 @@ void PickerObject::setVisible(bool visible) {
   // A window that is being served is let go of there.
   keys_.reset();
   window_.reset();
-  if (!visible) return;
-  std::unique_ptr<PickerTerminal> terminal = openPickerTerminal();
+  const int attached = visible ? attachedTerminal() : -1;
+  if (attached < 0) return;
+  std::unique_ptr<PickerTerminal> terminal = openPickerTerminal(attached);
+  isVisible = terminal != nullptr;
   if (!terminal) return;
   const int descriptor = terminal->descriptor();
   window_ = std::make_shared<PickerWindow>(std::move(terminal), model);

@@ -46,7 +46,7 @@ PLATFORM_API ABPickerRef ABPickerCreate();
 PLATFORM_API void ABPickerSetFrame(ABPickerRef picker, const HIRect* frame);
 PLATFORM_API void ABPickerGetFrame(ABPickerRef picker, HIRect* frame);
 // The window is served by the run loop. It hides itself when the user is done: with the selection when he chose, with
-// nothing selected when he gave up.
+// nothing selected when he gave up. It stays hidden on a terminal that can't be drawn on, or that shows another picker.
 PLATFORM_API void ABPickerSetVisibility(ABPickerRef picker, bool visible);
 PLATFORM_API bool ABPickerIsVisible(ABPickerRef picker);
 

@@ -36,15 +36,17 @@ PickerTerminalMaker* loadMaker() {
 
 }  // namespace
 
-std::unique_ptr<PickerTerminal> openPickerTerminal() {
+int attachedTerminal() {
   const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
-  if (terminal < 0) return nullptr;
-  PickerTerminalMaker* make = isInForeground(terminal) ? loadMaker() : nullptr;
-  if (make == nullptr) {
-    close(terminal);
-    return nullptr;
-  }
-  return std::unique_ptr<PickerTerminal>(make(terminal));
+  if (terminal < 0 || isInForeground(terminal)) return terminal;
+  close(terminal);
+  return -1;
+}
+
+std::unique_ptr<PickerTerminal> openPickerTerminal(int descriptor) {
+  if (PickerTerminalMaker* make = loadMaker()) return std::unique_ptr<PickerTerminal>(make(descriptor));
+  close(descriptor);
+  return nullptr;
 }
 
 }  // namespace contacts

@@ -69,9 +69,11 @@ class PickerTerminal {
   virtual void repaint() = 0;
 };
 
-// Null when no terminal is attached (one of the standard streams has to be it, and the process in its foreground), or
-// when it can't be drawn on.
-std::unique_ptr<PickerTerminal> openPickerTerminal();
+// A new descriptor of the terminal that the process may draw on: one of the standard streams has to be it, and the
+// process in its foreground. -1 when there is none.
+int attachedTerminal();
+// Takes the descriptor over. Null when the terminal can't be drawn on, or a picker is there already.
+std::unique_ptr<PickerTerminal> openPickerTerminal(int descriptor);
 
 // What the library that draws exports: a terminal over a descriptor, which it takes over.
 using PickerTerminalMaker = PickerTerminal*(int descriptor);

@@ -115,7 +115,11 @@ void PickerWindow::drawRow(const Span& span, std::size_t row, int line) {
     width -= taken;
   };
   put(kMarkWidth, mark, style);
-  if (span.column == kValues) put(std::min(labelWidth_, span.width / 3), label, isSelected ? style : PickerStyle::kDim);
+  if (span.column == kValues) {
+    const int labelWidth = std::min(labelWidth_, span.width / 2);
+    put(labelWidth, label, isSelected ? style : PickerStyle::kDim);
+    if (labelWidth > 0) put(1, u" ", style);
+  }
   put(width, text, style);
 }
 

@@ -384,7 +384,7 @@ void PickerWindow::loadValues() {
   labelWidth_ = 0;
   for (const ValueRow& row : values_) {
     const std::size_t length = std::min(row.value.label.size(), kLongestLabel);
-    if (length > 0) labelWidth_ = std::max(labelWidth_, static_cast<int>(length) + 1);
+    labelWidth_ = std::max(labelWidth_, static_cast<int>(length));
   }
   keepInSight(kValues);
 }

@@ -21,6 +21,7 @@
 #define NCURSES_NOMACROS 1
 #define NCURSES_WIDECHAR 1
 #include <ncurses.h>
+#include <term.h>
 
 namespace contacts {
 namespace {
@@ -100,13 +101,13 @@ CellText fitted(std::u16string_view units, int width) {
 
 class NcursesTerminal final : public PickerTerminal {
  public:
-  // Takes the descriptor over. isOpen() tells whether the terminal can be drawn on.
+  // Takes the descriptor over.
   explicit NcursesTerminal(int descriptor);
   ~NcursesTerminal() override;
   NcursesTerminal(const NcursesTerminal&) = delete;
   NcursesTerminal& operator=(const NcursesTerminal&) = delete;
 
-  [[nodiscard]] bool isUsable() const { return screen_ != nullptr; }
+  [[nodiscard]] bool isUsable() const { return screen_ != nullptr && canMove_; }
   [[nodiscard]] int descriptor() const override { return ready_; }
   std::optional<PickerInput> next() override;
   [[nodiscard]] PickerSize size() const override { return {getmaxy(stdscr), getmaxx(stdscr)}; }
@@ -125,6 +126,7 @@ class NcursesTerminal final : public PickerTerminal {
   int ready_;  // an epoll of keys and resizing
   std::array<struct sigaction, kSignals.size()> previousActions_{};
   SCREEN* screen_ = nullptr;
+  bool canMove_ = false;  // the cursor, to any place
   bool hasColors_ = false;
   bool isGone_ = false;
   std::chrono::steady_clock::time_point lastPress_;
@@ -143,6 +145,7 @@ NcursesTerminal::NcursesTerminal(int descriptor)
   if (screen_ == nullptr) return;
   isOpen = true;
   set_term(screen_);
+  canMove_ = tigetstr("cup") != nullptr;
   raw();
   noecho();
   nonl();
