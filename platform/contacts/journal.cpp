@@ -2,6 +2,7 @@
 
 #include "platform/contacts/folder.h"
 #include "platform/contacts/identifier.h"
+#include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/encoding.h"
 
 #include <algorithm>
@@ -109,6 +110,7 @@ bool isAsExpected(const Folder& folder, const JournalStep& step) {
   if (!stamp || !step.expected) return !stamp && !step.expected;
   if (*stamp == step.expected->stamp) return true;
   const std::optional<FileContents> contents = readFile(folder.cards(), step.name);
+  if (contents && contents->error != 0) throw FileError("cannot read " + printable(step.name), contents->error);
   return contents && contents->refusal.empty() && contentHash(contents->bytes) == step.expected->hash;
 }
 
@@ -138,13 +140,15 @@ void commitJournal(const Folder& folder, const std::vector<JournalStep>& steps) 
   syncFolder(folder.data());
   const std::string temporary = newTemporaryName();
   writeNewFile(folder.data(), temporary, journalText(steps), 0600);
+  bool isThere = false;
   try {
     renameFile(folder.data(), temporary, folder.data(), kJournalFile);
+    isThere = true;
     syncFolder(folder.data());
   } catch (const FileError&) {
     // Whether it would be found after a crash nobody knows. Taken away it won't be; a journal that can't be taken away
     // stands, and the save has happened.
-    if (!removeFileQuietly(folder.data(), kJournalFile)) return;
+    if (!removeFileQuietly(folder.data(), kJournalFile) && isThere) return;
     removeFileQuietly(folder.data(), temporary);
     try {
       syncFolder(folder.data());

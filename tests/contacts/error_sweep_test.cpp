@@ -1,0 +1,203 @@
+#include "platform/foundation/error.h"
+#include "platform/foundation/exception.h"
+#include "tests/contacts/file_faults.h"
+#include "tests/contacts/in_child.h"
+#include "tests/contacts/shown.h"
+#include "tests/contacts/store_scenarios.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+// Each call that a save makes fails once, or from then on. What the save answered is what a restart finds.
+namespace {
+
+namespace fs = std::filesystem;
+using namespace store_scenarios;
+using file_faults::Fault;
+
+const Fault kFaults[] = {
+    {Fault::Effect::kFail, ENOSPC, false},  {Fault::Effect::kFail, ENOSPC, true},  {Fault::Effect::kFail, EIO, false},
+    {Fault::Effect::kFail, EIO, true},      {Fault::Effect::kFail, EACCES, false}, {Fault::Effect::kFail, EACCES, true},
+    {Fault::Effect::kFail, EMFILE, false},  {Fault::Effect::kFail, EMFILE, true},  {Fault::Effect::kFail, EROFS, false},
+    {Fault::Effect::kFail, EROFS, true},    {Fault::Effect::kFail, EDQUOT, true},  {Fault::Effect::kFail, EINTR, false},
+    {Fault::Effect::kShortWrite, 0, false}, {Fault::Effect::kShortWrite, 0, true},
+};
+
+// Those that a program goes on after.
+bool isHarmless(const Fault& fault) { return fault.effect == Fault::Effect::kShortWrite || fault.error == EINTR; }
+
+std::string textOf(const Fault& fault) {
+  const std::string effect = fault.effect == Fault::Effect::kFail ? std::strerror(fault.error) : "short write";
+  return effect + (fault.isSticky ? " from" : " at") + " call " + std::to_string(fault.at);
+}
+
+// A process that saves twice, the first time with the fault, and waits in between.
+class Saver {
+ public:
+  Saver(void (*edit)(ABAddressBook), const Fault& fault, bool faultsFromStart) {
+    if (pipe(toParent_) != 0 || pipe(toChild_) != 0) std::abort();
+    std::fflush(nullptr);
+    const bool hadFailed = testing::Test::HasFailure();
+    child_ = fork();
+    if (child_ != 0) return;
+    run(edit, fault, faultsFromStart);
+    std::fflush(nullptr);
+    _exit(testing::Test::HasFailure() && !hadFailed ? 1 : 0);
+  }
+  Saver(const Saver&) = delete;
+  Saver& operator=(const Saver&) = delete;
+  ~Saver() {
+    int status = -1;
+    waitpid(child_, &status, 0);
+    EXPECT_EQ(status, 0);
+    for (const int end : {toParent_[0], toParent_[1], toChild_[0], toChild_[1]}) close(end);
+  }
+
+  // "saved", "failed", or "unopened"; with a hash sign when the fault was never met.
+  std::string answer() const {
+    char text[64];
+    const ssize_t length = read(toParent_[0], text, sizeof text);
+    return {text, length < 0 ? 0 : static_cast<std::size_t>(length)};
+  }
+  void goOn() const { EXPECT_EQ(write(toChild_[1], "x", 1), 1); }
+
+ private:
+  void run(void (*edit)(ABAddressBook), const Fault& fault, bool faultsFromStart) const {
+    const AutoreleasePool pool;
+    std::string answer = "unopened";
+    ABAddressBook book;
+    if (faultsFromStart) file_faults::start(fault);
+    try {
+      book = ABAddressBook::addressBook();
+      edit(book);
+      if (!faultsFromStart) file_faults::start(fault);
+      answer = save(book) ? "saved" : "failed";
+    } catch (const NSException& exception) {
+      EXPECT_NE(shown(exception.reason()).find("contacts folder"), std::string::npos);
+    }
+    if (!file_faults::stop().isHit) answer += "#";
+    tell(answer);
+    char go = 0;
+    EXPECT_EQ(read(toChild_[0], &go, 1), 1);
+    if (!book) {
+      book = ABAddressBook::addressBook();
+      edit(book);
+    }
+    EXPECT_EQ(book.hasUnsavedChanges(), !answer.starts_with("saved"));
+    tell(save(book) ? "saved" : "failed");
+  }
+
+  static bool save(ABAddressBook book) {
+    NSError error;
+    const bool isSaved = book.save(&error);
+    if (isSaved) return true;
+    const std::string reason = shown(error.localizedDescription());
+    EXPECT_TRUE(reason.starts_with("the address book can't be saved: ")) << reason;
+    EXPECT_NE(error.userInfo().objectForKey(NSUnderlyingErrorKey).as<NSError>().code(), 0) << reason;
+    return false;
+  }
+
+  void tell(const std::string& text) const {
+    EXPECT_EQ(write(toParent_[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  }
+
+  int toParent_[2];
+  int toChild_[2];
+  pid_t child_;
+};
+
+class ErrorSweep : public testing::TestWithParam<std::size_t> {
+ protected:
+  ErrorSweep() {
+    useMemory();
+    folder_.emplace();
+  }
+
+  [[nodiscard]] static const Scenario& scenario() { return kScenarios[GetParam()]; }
+
+  std::optional<ContactsFolder> folder_;
+};
+
+TEST_P(ErrorSweep, AnswersWhatARestartFinds) {
+  fill(folder_->path());
+  const std::string before = stateFound();
+  std::string after;
+  const int stride = isTorture() ? 1 : scenario().isSlow ? 43 : 5;
+  int offset = 0;
+  int hits = 0;
+  for (Fault fault : kFaults) {
+    fault.at = isTorture() ? 0 : offset++ % stride;
+    for (bool isHit = true; isHit; fault.at += stride) {
+      SCOPED_TRACE(std::string(scenario().name) + ", " + textOf(fault));
+      fill(folder_->path());
+      std::string found;
+      {
+        const Saver saver(scenario().edit, fault, false);
+        const std::string answer = saver.answer();
+        isHit = !answer.ends_with('#');
+        hits += isHit ? 1 : 0;
+        found = stateFound();
+        if (after.empty() && answer.starts_with("saved")) after = found;
+        EXPECT_EQ(found, answer.starts_with("saved") ? after : before);
+        EXPECT_TRUE(answer.starts_with("saved") || (isHit && !isHarmless(fault))) << answer;
+        saver.goOn();
+        EXPECT_EQ(saver.answer(), "saved");
+      }
+      const std::string end = stateFound();
+      if (after.empty()) after = end;
+      EXPECT_EQ(end, after);
+    }
+  }
+  EXPECT_GT(hits, 3);
+  EXPECT_NE(before, after);
+}
+
+TEST_P(ErrorSweep, LosesNothingOfAnEarlierSave) {
+  // A journal that an earlier save left.
+  for (int at = 0; !fs::exists(folder_->path() / ".addressbook/journal"); ++at) {
+    fill(folder_->path());
+    statusInChild([&] {
+      const ABAddressBook book = ABAddressBook::addressBook();
+      scenario().edit(book);
+      file_faults::start(Fault{Fault::Effect::kKill, 0, false, at});
+      book.save();
+    });
+  }
+  const ContactsFolder committed;
+  fs::copy(folder_->path(), committed.path(), fs::copy_options::recursive);
+  setenv("ADDRESSBOOK_FOLDER", folder_->path().c_str(), 1);
+  const std::string before = stateFound();
+  const std::size_t afterSize = before.size() + std::string("Later, nil, no bytes\n").size();
+
+  const int stride = isTorture() ? 1 : scenario().isSlow ? 67 : 7;
+  int offset = 0;
+  for (Fault fault : kFaults) {
+    fault.at = isTorture() ? 0 : offset++ % stride;
+    for (bool isHit = true; isHit; fault.at += stride) {
+      SCOPED_TRACE(std::string(scenario().name) + ", " + textOf(fault));
+      fs::remove_all(folder_->path());
+      fs::copy(committed.path(), folder_->path(), fs::copy_options::recursive);
+      {
+        const Saver saver(addLater, fault, true);
+        const std::string answer = saver.answer();
+        isHit = !answer.ends_with('#');
+        const std::string found = stateFound();
+        EXPECT_TRUE(answer.starts_with("saved") ? found.size() == afterSize : found == before) << answer << found;
+        EXPECT_TRUE(answer.starts_with("saved") || (isHit && !isHarmless(fault))) << answer;
+        saver.goOn();
+        EXPECT_EQ(saver.answer(), "saved");
+      }
+      EXPECT_EQ(stateFound().size(), afterSize);
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ErrorSweep, testing::Range(std::size_t{0}, kCount));
+
+}  // namespace

@@ -1,0 +1,124 @@
+#include "tests/contacts/store_scenarios.h"
+
+#include "platform/objc/retained.h"
+#include "tests/contacts/in_child.h"
+#include "tests/contacts/shown.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace store_scenarios {
+namespace {
+
+namespace fs = std::filesystem;
+
+ABPerson person(ABAddressBook book, const std::string& uid) {
+  return book.recordForUniqueId(NSString::stringWithUTF8((uid + ":ABPerson").c_str())).as<ABPerson>();
+}
+
+void add(ABAddressBook book, const char* last) {
+  const auto added = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book));
+  EXPECT_TRUE(added->setValue(NSString::stringWithUTF8(last), kABLastNameProperty));
+}
+
+void addOne(ABAddressBook book) { add(book, "Added"); }
+
+void changeThree(ABAddressBook book) {
+  for (const char* uid : {"p1", "p2", "p3"}) EXPECT_TRUE(person(book, uid).setValue("changed"_ns, kABNoteProperty));
+}
+
+void removeTwoAndAddTwo(ABAddressBook book) {
+  EXPECT_TRUE(book.removeRecord(person(book, "p4")));
+  EXPECT_TRUE(book.removeRecord(person(book, "p5")));
+  add(book, "Added");
+  add(book, "Also");
+}
+
+void addGroupAndOwner(ABAddressBook book) {
+  const auto group = Retained<ABGroup>::adopt(ABGroup::alloc().initWithAddressBook(book));
+  EXPECT_TRUE(group->setValue("New"_ns, kABGroupNameProperty));
+  EXPECT_TRUE(group->addMember(person(book, "p1")));
+  EXPECT_TRUE(group->addMember(person(book, "p6")));
+  book.setMe(person(book, "p2"));
+}
+
+void setPicture(ABAddressBook book) {
+  const std::string bytes = "GIF89a" + std::string(std::size_t{1} << 20, 'x');
+  EXPECT_TRUE(person(book, "p1").setImageData(NSData::dataWithBytes(bytes.data(), bytes.size())));
+}
+
+std::string joined(std::vector<std::string> lines) {
+  std::ranges::sort(lines);
+  std::string text;
+  for (const std::string& line : lines) text += line + "\n";
+  return text;
+}
+
+std::string nameOf(ABRecord record) { return shown(record, "Last"); }
+
+}  // namespace
+
+const Scenario kScenarios[kCount] = {
+    {"add one", addOne},
+    {"change three", changeThree},
+    {"remove two and add two", removeTwoAndAddTwo},
+    {"add a group and set the owner", addGroupAndOwner},
+    {"set a picture of 1 MB", setPicture, true},
+};
+
+bool isTorture() { return std::getenv("TORTURE") != nullptr; }
+
+void useMemory() {
+  if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 1);
+}
+
+void fill(const fs::path& folder) {
+  fs::remove_all(folder);
+  fs::create_directory(folder);
+  for (const char digit : std::string("123456")) {
+    std::ofstream(folder / (std::string("p") + digit + ".vcf"))
+        << "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:p" << digit << "\r\nN:Person " << digit
+        << "\r\nX-KEPT:1\r\nEND:VCARD\r\n";
+  }
+  std::ofstream(folder / "g.vcf")
+      << "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:g\r\nN:Group\r\nX-ADDRESSBOOKSERVER-KIND:group\r\n"
+         "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p1\r\n"
+         "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p4\r\nEND:VCARD\r\n";
+}
+
+void addLater(ABAddressBook book) { add(book, "Later"); }
+
+std::string stateOf(ABAddressBook book) {
+  std::vector<std::string> lines;
+  const NSArray people = book.people();
+  for (NSUInteger i = 0; i < people.count(); ++i) {
+    const auto one = people.objectAtIndex(i).as<ABPerson>();
+    const NSData picture = one.imageData();
+    lines.push_back(nameOf(one) + ", " + shown(one, "Note") + ", " +
+                    (picture ? std::to_string(picture.length()) : std::string("no")) + " bytes");
+  }
+  const NSArray groups = book.groups();
+  for (NSUInteger i = 0; i < groups.count(); ++i) {
+    const auto group = groups.objectAtIndex(i).as<ABGroup>();
+    std::vector<std::string> members;
+    const NSArray array = group.members();
+    for (NSUInteger k = 0; k < array.count(); ++k) members.push_back(nameOf(array.objectAtIndex(k).as<ABRecord>()));
+    lines.push_back("group " + shown(group, "GroupName") + ":\n" + joined(std::move(members)));
+  }
+  if (const ABPerson me = book.me()) lines.push_back("owner " + nameOf(me));
+  return joined(std::move(lines));
+}
+
+std::string stateFound() {
+  auto [status, state] = answerOfChild([] { return stateOf(ABAddressBook::addressBook()); });
+  EXPECT_EQ(status, 0);
+  return state;
+}
+
+}  // namespace store_scenarios
