@@ -1,0 +1,205 @@
+#include "host/arrays.h"
+#include "host/dictionaries.h"
+#include "host/memory_blocks.h"
+#include "tests/addressbook/book_text.h"
+#include "tests/addressbook/member_rows.h"
+#include "tests/contacts/in_child.h"
+
+#include <set>
+#include <sstream>
+
+// A contacts program as its author writes it: 300 people in nested groups, built, changed and saved by one process,
+// and read by another.
+namespace {
+
+using host::Value;
+
+constexpr const char* kBook = "ABAddressBookVXR";
+constexpr int kPeople = 300;
+constexpr int kTowns = 10;
+
+class Program {
+ public:
+  explicit Program(const Host& host) : host_(host), book_(host.shared(kBook, "sharedAddressbook")) {}
+
+  // People by town, towns by country, countries in the world; one card is the owner's.
+  void build() {
+    const Value world = newGroup("World");
+    std::vector<Value> towns;
+    for (int i = 0; i < kTowns; ++i) towns.push_back(newGroup("Town " + std::to_string(i)));
+    for (int country = 0; country < 2; ++country) {
+      const Value group = newGroup("Country " + std::to_string(country));
+      EXPECT_EQ(world.call("addSubgroup", group), true);
+      for (int i = country; i < kTowns; i += 2) EXPECT_EQ(group.call("addSubgroup", towns[at(i)]), true);
+      EXPECT_EQ(towns[at(country)].call("addSubgroup", world), false);
+    }
+    std::vector<Value> people;
+    for (int i = 0; i < kPeople; ++i) people.push_back(newPerson(i));
+    save();  // a person is a member of groups once it is saved
+    for (int i = 0; i < kPeople; ++i) {
+      EXPECT_EQ(towns[at(i % kTowns)].call("addMember", people[at(i)]), true);
+      if (i % 7 != 0) continue;
+      EXPECT_EQ(towns[at((i + 1) % kTowns)].call("addMember", people[at(i)]), true);
+      const Value emails = people[at(i)].call("valueForProperty", "Email");
+      towns[at(i % kTowns)].assign("distributionIdentifierForProperty", "Email", people[at(i)],
+                                   emails.call("identifierAtIndex", 1));
+    }
+    book_.call("setMe", people[42]);
+    save();
+  }
+
+  // Edits every third person, found by searching.
+  void edit() {
+    for (int i = 0; i < kPeople; i += 3) {
+      const Value found = peopleWhere("Last", "Name" + std::to_string(i));
+      ASSERT_EQ(found.size(), 1U);
+      const Value person = found.at(0);
+      const Value phones = person.call("valueForProperty", "Phone").call("edit");
+      phones.call("removeValueAndLabelAtIndex", 0);
+      const Value added = phones.call("insertValue", "+32 " + std::to_string(i), "_$!<Mobile>!$_", 0);
+      phones.call("setPrimaryIdentifier", added);
+      EXPECT_EQ(person.call("setValue", phones, "Phone"), true);
+      EXPECT_EQ(person.call("setValue", "moved in\n2012; \"x\"", "Note"), true);
+      if (i % 2 == 0) {
+        EXPECT_EQ(person.call("removeValueForProperty", "Nickname"), true);
+      }
+      if (i % 9 == 0) person.assign("imageData", host::memoryBlock("picture " + std::to_string(i)));
+    }
+    save();
+  }
+
+  // Takes away every tenth person and one town; its people stay.
+  void remove() {
+    for (const Value& person : peopleWhere("Nickname", "nick 9").elements()) {
+      EXPECT_EQ(book_.call("removeRecord", person), true);
+    }
+    EXPECT_EQ(book_.call("removeRecord", book_.call("groupForName", "Town 3")), true);
+    EXPECT_TRUE(book_.call("groupForName", "Town 3").isNil());
+    save();
+  }
+
+  // Each record by what it has and where it stands.
+  [[nodiscard]] std::string describe() const {
+    std::set<std::string> records;
+    for (const Value& person : book_.call("people").elements()) {
+      records.insert(recordText(person) + shown(person.call("imageData")) + " " + person.call("DisplayName").text() +
+                     sorted(person.call("parentGroups")));
+    }
+    for (const Value& group : book_.call("groups").elements()) {
+      std::string text = recordText(group) + sorted(group.call("subgroups")) + sorted(group.call("parentGroups"));
+      for (const Value& member : group.call("members").elements()) {
+        text += "\n" + told(member) + " " + group.call("distributionIdentifierForProperty", "Email", member).text();
+      }
+      records.insert(text);
+    }
+    std::string all = "owner " + told(book_.call("owner")) + "\n";
+    for (const std::string& record : records) all += record + "\n\n";
+    return all;
+  }
+
+  // What searching finds, by several conditions.
+  [[nodiscard]] std::string search() const {
+    const auto element = [this](const char* property, const char* key, const Value& value, const char* comparison) {
+      return host_.shared("ABPersonVXR", "searchElementForProperty", property, "", key, value,
+                          host::constant(kBook, comparison));
+    };
+    const auto join = [this](const char* conjunction, const std::vector<Value>& children) {
+      return host_.shared("ABSearchElementVXR", "searchElementForConjunction", host::constant(kBook, conjunction),
+                          host::objectArray(children));
+    };
+    const Value moved = element("Note", "", "MOVED", "kABPrefixMatchCaseInsensitive");
+    const Value inTown1 = element("Address", "City", "Town 1", "kABEqual");
+    const Value hasNick = element("Nickname", "", "nick", "kABPrefixMatch");
+    const Value young = element("age", "", 40, "kABLessThan");
+    std::string text;
+    for (const Value& search :
+         {moved, inTown1, join("kABSearchAnd", {moved, inTown1}), join("kABSearchOr", {inTown1, hasNick}),
+          join("kABSearchAnd", {join("kABSearchOr", {moved, inTown1}), young}),
+          element("Email", "", "home17@EXAMPLE.org", "kABEqualCaseInsensitive")}) {
+      const Value found = book_.call("recordsMatchingSearchElement", search);
+      text += std::to_string(found.size()) + sorted(found) + "\n";
+    }
+    return text;
+  }
+
+  [[nodiscard]] Value book() const { return book_; }
+
+ private:
+  static std::size_t at(int index) { return static_cast<std::size_t>(index); }
+
+  static std::string sorted(const Value& records) {
+    std::set<std::string> ids;
+    for (const Value& record : records.elements()) ids.insert(told(record));
+    std::string text;
+    for (const std::string& id : ids) text += " " + id;
+    return text;
+  }
+
+  void save() const {
+    EXPECT_EQ(book_.call("hasUnsavedChanges"), true);
+    Value error;
+    EXPECT_EQ(book_.call("save", host::Ref(error)), true)
+        << (error.isNil() ? "" : error.get("LocalizedDescription").text());
+    EXPECT_EQ(book_.call("hasUnsavedChanges"), false);
+  }
+
+  [[nodiscard]] Value newGroup(const std::string& name) const {
+    const Value group = host_.make("ABGroupVXR", book_);
+    group.call("setValue", name, "GroupName");
+    return group;
+  }
+
+  [[nodiscard]] Value newPerson(int number) const {
+    const std::string text = std::to_string(number);
+    const Value person = host_.make("ABPersonVXR");
+    person.call("setValue", "First, " + text, "First");
+    person.call("setValue", "Name" + text, "Last");
+    person.call("setValue", "nick " + std::to_string(number % 10), "Nickname");
+    person.call("setValue", number % 90, "age");
+    const std::pair<const char*, std::vector<Value>> multiValues[] = {
+        {"Phone", {"1 " + text, "2 " + text}},
+        {"Email", {"home" + text + "@example.org", "work" + text + "@example.org"}},
+        {"Address", {host::dictionary({{"Street", text + " Quay"}, {"City", "Town " + std::to_string(number % 10)}})}}};
+    for (const auto& [property, values] : multiValues) {
+      const Value entries = host_.make("ABMutableMultiValueVXR");
+      for (const Value& value : values) entries.call("addValue", value, "label " + text);
+      EXPECT_EQ(person.call("setValue", entries, property), true);
+    }
+    EXPECT_EQ(book_.call("addRecord", person), true);
+    return person;
+  }
+
+  [[nodiscard]] Value peopleWhere(const char* property, const std::string& text) const {
+    return book_.call("recordsMatchingSearchElement",
+                      host_.shared("ABPersonVXR", "searchElementForProperty", property, "", "", text, 0));
+  }
+
+  const Host& host_;
+  Value book_;
+};
+
+}  // namespace
+
+TEST(LongProgram, FindsEverythingAgainInANewProcess) {
+  const Host host{};
+  const auto description = host.folder() / "description";
+  const auto findings = host.folder() / "findings";
+  inChild([&] {
+    ASSERT_EQ(host.shared("ABPersonVXR", "addProperty", "age", host::constant(kBook, "kABIntegerProperty")), 1);
+    Program program(host);
+    program.build();
+    program.edit();
+    program.remove();
+    std::ofstream(description) << program.describe();
+    std::ofstream(findings) << program.search();
+  });
+  const Program program(host);
+  EXPECT_EQ(program.book().call("people").size(), 270U);
+  EXPECT_EQ(program.book().call("groups").size(), 12U);
+  EXPECT_EQ(program.describe(), bytesOf(description));
+  EXPECT_EQ(program.search(), bytesOf(findings));
+  std::vector<int> counts;
+  std::istringstream lines(program.search());
+  for (std::string line; std::getline(lines, line);) counts.push_back(std::stoi(line));
+  EXPECT_EQ(counts, (std::vector<int>{90, 30, 10, 220, 56, 1}));
+}
