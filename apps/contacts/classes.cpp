@@ -15,6 +15,10 @@ void printMembers(const char* kind, const std::vector<std::string>& members) {
 
 }  // namespace
 
+void listClasses(const std::vector<std::string>& registered) {
+  for (const std::string& name : registered) std::cout << name << '\n';
+}
+
 void describeClass(const std::string& className) {
   const host::ClassDescription description = host::describe(className);
   std::cout << description.name;

@@ -1,4 +1,5 @@
 #include "apps/contacts/commands.h"
+#include "apps/contacts/failure.h"
 #include "apps/contacts/pick.h"
 #include "apps/contacts/session.h"
 #include "host/error.h"
@@ -6,15 +7,17 @@
 
 #include <CLI/CLI.hpp>
 
-#include <cstdio>
+#include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <optional>
 #include <string>
 #include <vector>
 
+namespace contacts {
 namespace {
 
 constexpr int kFailed = 1;
-constexpr int kNothingPicked = 1;
 constexpr int kWrongUsage = 2;
 
 // What went wrong, in the plug-in's words: a framework exception's reason rather than the message round it.
@@ -31,47 +34,244 @@ int fail(const std::string& reason) {
   return kFailed;
 }
 
-}  // namespace
+// The arguments, and what they ask for.
+class CommandLine {
+ public:
+  CommandLine();
+
+  // The exit status when there is nothing to run.
+  std::optional<int> parse(int argc, char** argv);
+  // Answers whether what was looked for was found.
+  bool run();
+
+ private:
+  using Run = std::function<void()>;
+
+  // A subcommand with what all have in common.
+  CLI::App* add(CLI::App& parent, const std::string& name, const std::string& description, Run run);
+  CLI::App* addWriting(CLI::App& parent, const std::string& name, const std::string& description, Run run);
+  void addReading();
+  void addEditing();
+  void addGroups();
+  void addPhoto();
+  void addSchema();
+
+  CLI::App app_{"The contacts database, through the address book plug-in.", "contacts"};
+  Run run_;
+  bool isFound_ = true;
+  std::string folder_;
+  Manner manner_;
+  std::vector<std::string> registered_;
+
+  std::string name_;
+  std::string second_;
+  std::string file_;
+  std::vector<std::string> names_;
+  Query query_;
+  PickOptions picking_;
+  bool isOfGroups_ = false;
+  bool isToGo_ = false;
+};
+
+CommandLine::CommandLine() {
+  app_.require_subcommand(0, 1);
+  app_.fallthrough();
+  app_.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("contacts: ") + error.what() + "; contacts --help tells more\n";
+  });
+  app_.add_option("--folder", folder_, "The folder of vCards (else ADDRESSBOOK_FOLDER, else the user's own)");
+  app_.add_flag("--json", manner_.isJson, "Print JSON");
+  app_.add_flag("-q,--quiet", manner_.isQuiet, "Print nothing about what went well");
+  addReading();
+  addEditing();
+  addGroups();
+  addPhoto();
+  addSchema();
+}
+
+CLI::App* CommandLine::add(CLI::App& parent, const std::string& name, const std::string& description, Run run) {
+  CLI::App* command = parent.add_subcommand(name, description);
+  command->fallthrough();
+  // The innermost subcommand's is the last that is called.
+  command->callback([this, run = std::move(run), command] {
+    if (command->get_subcommands().empty()) run_ = run;
+  });
+  return command;
+}
+
+CLI::App* CommandLine::addWriting(CLI::App& parent, const std::string& name, const std::string& description, Run run) {
+  CLI::App* command = add(parent, name, description, std::move(run));
+  command->add_flag("--dry-run", manner_.isDryRun, "Save nothing");
+  return command;
+}
+
+void CommandLine::addReading() {
+  add(app_, "list", "List all people", [this] { listPeople(manner_); });
+  CLI::App* show = add(app_, "show", "Show all that is known about somebody", [this] { showPeople(names_, manner_); });
+  show->add_option("PERSON", names_, "Unique id, name, part of a name or e-mail address")->required();
+  CLI::App* find = add(app_, "find", "Find people", [this] { isFound_ = findPeople(query_, manner_); });
+  find->add_option("TEXT", query_.text, "A text anywhere in the card, or what --property is compared with")->required();
+  find->add_option("--property", query_.property, "The property to compare");
+  find->add_option("--label", query_.label, "Of entries with this label");
+  find->add_option("--key", query_.key, "The part of addresses to compare, such as City");
+  find->add_option("--comparison", query_.comparison,
+                   "How, such as Equal or PrefixMatch; to contain it when not given");
+  CLI::App* exported = add(app_, "export", "Write vCards", [this] { exportPeople(query_.text, file_, manner_); });
+  exported->add_option("TEXT", query_.text, "Of those who have this text; else all");
+  exported->add_option("-o,--output", file_, "The file to write");
+  add(app_, "watch", "Print each change to the contacts as it happens", [] { watchChanges(); });
+  CLI::App* picked = add(app_, "pick", "Pick people in a window on the terminal, and print them", [this] {
+    picking_.json = manner_.isJson;
+    isFound_ = pick(picking_);
+  });
+  picked->add_option("TEXT", picking_.query, "What the search field starts with");
+  picked->add_option("--property", picking_.property, "Print the picked people's values of this property, as in Email");
+  picked->add_flag("--multiple", picking_.multiple, "Allow several people and values");
+  picked->add_flag("--groups", picking_.groups, "Allow groups");
+  CLI::App* classes = add(app_, "classes", "Show the classes that the plug-in offers to host code", [this] {
+    if (name_.empty()) {
+      listClasses(registered_);
+    } else {
+      describeClass(name_);
+    }
+  });
+  classes->add_option("CLASS", name_, "Show this class's members");
+}
+
+void CommandLine::addEditing() {
+  const char* assignments =
+      "PROPERTY[:LABEL][.KEY]=VALUE, such as First=Anna, Phone:mobile=123, Address:home.City=Bonn; "
+      "+= for one more entry, no VALUE to remove";
+  CLI::App* added = addWriting(app_, "add", "Add a person", [this] { addPerson(names_, manner_); });
+  added->add_option("ASSIGNMENT", names_, assignments)->required();
+  CLI::App* edit = addWriting(app_, "edit", "Change a person", [this] { editPerson(name_, names_, manner_); });
+  edit->add_option("PERSON", name_, "Who")->required();
+  edit->add_option("ASSIGNMENT", names_, assignments)->required();
+  CLI::App* remove = addWriting(app_, "remove", "Remove people", [this] { removePeople(names_, manner_); });
+  remove->add_option("PERSON", names_, "Whom")->required();
+  CLI::App* import = addWriting(app_, "import", "Add the people of vCard files, all in one save",
+                                [this] { importFiles(names_, manner_); });
+  import->add_option("FILE", names_, "Files of any number of cards, - for the standard input")->required();
+  CLI::App* me = addWriting(app_, "me", "Show or set the address book's owner", [this] {
+    if (isToGo_) {
+      clearOwner(manner_);
+    } else if (name_.empty()) {
+      printOwner(manner_);
+    } else {
+      setOwner(name_, manner_);
+    }
+  });
+  CLI::Option* owner = me->add_option("PERSON", name_, "Who it is");
+  me->add_flag("--clear", isToGo_, "Nobody any more")->excludes(owner);
+}
+
+void CommandLine::addGroups() {
+  CLI::App* groups = add(app_, "groups", "Show the groups as a tree, or change them", [this] { printGroups(manner_); });
+  const auto named = [this](CLI::App* command, const char* name) { command->add_option(name, name_)->required(); };
+  const auto members = [this](CLI::App* command) { command->add_option("PERSON", names_, "Whom")->required(); };
+  named(add(*groups, "members", "List a group's members", [this] { printMembers(name_, manner_); }), "GROUP");
+  CLI::App* create = addWriting(*groups, "create", "Make a group", [this] { createGroup(name_, second_, manner_); });
+  named(create, "NAME");
+  create->add_option("--in", second_, "The group to make it in");
+  CLI::App* rename = addWriting(*groups, "rename", "Rename a group", [this] { renameGroup(name_, second_, manner_); });
+  named(rename, "GROUP");
+  rename->add_option("NAME", second_, "Its new name")->required();
+  named(addWriting(*groups, "remove", "Remove a group; its members stay", [this] { removeGroup(name_, manner_); }),
+        "GROUP");
+  CLI::App* add = addWriting(*groups, "add", "Put people into a group", [this] { addMembers(name_, names_, manner_); });
+  named(add, "GROUP");
+  members(add);
+  CLI::App* drop =
+      addWriting(*groups, "drop", "Take people out of a group", [this] { removeMembers(name_, names_, manner_); });
+  named(drop, "GROUP");
+  members(drop);
+  CLI::App* nest = addWriting(*groups, "nest", "Put a group into a group", [this] {
+    if (isToGo_) {
+      unnestGroup(name_, second_, manner_);
+    } else {
+      nestGroup(name_, second_, manner_);
+    }
+  });
+  named(nest, "GROUP");
+  nest->add_option("PARENT", second_, "The group to put it into")->required();
+  nest->add_flag("--out", isToGo_, "Take it out instead");
+}
+
+void CommandLine::addPhoto() {
+  CLI::App* photo = addWriting(app_, "photo", "Describe, write, set or remove somebody's picture", [this] {
+    if (!file_.empty()) {
+      writePhoto(name_, file_);
+    } else if (!second_.empty()) {
+      setPhoto(name_, second_, manner_);
+    } else if (isToGo_) {
+      removePhoto(name_, manner_);
+    } else {
+      describePhoto(name_, manner_);
+    }
+  });
+  photo->add_option("PERSON", name_, "Whose")->required();
+  CLI::Option* get = photo->add_option("--get", file_, "The file to write it to, - for the standard output");
+  CLI::Option* set = photo->add_option("--set", second_, "The file that has the new picture");
+  CLI::Option* remove = photo->add_flag("--remove", isToGo_, "Remove it");
+  get->excludes(set)->excludes(remove);
+  set->excludes(remove);
+}
+
+void CommandLine::addSchema() {
+  CLI::App* properties = addWriting(app_, "properties", "Show the properties that people have, or change them", [this] {
+    if (!name_.empty()) {
+      addProperty(isOfGroups_, name_, second_, manner_);
+    } else if (!file_.empty()) {
+      removeProperty(isOfGroups_, file_, manner_);
+    } else {
+      printProperties(isOfGroups_, manner_);
+    }
+  });
+  properties->add_flag("--groups", isOfGroups_, "Those of groups");
+  CLI::Option* type = properties->add_option("--type", second_, "The type of the added one")->default_str("string");
+  CLI::Option* added = properties->add_option("--add", name_, "Add a property of this name");
+  properties->add_option("--remove", file_, "Remove an added property of this name")->excludes(added);
+  type->needs(added);
+}
+
+std::optional<int> CommandLine::parse(int argc, char** argv) {
+  try {
+    app_.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app_.exit(error) == 0 ? EXIT_SUCCESS : kWrongUsage;
+  }
+  if (!run_) {
+    std::cerr << app_.help();
+    return kWrongUsage;
+  }
+  if (second_.empty() && !name_.empty() && app_.got_subcommand("properties")) second_ = "string";
+  return std::nullopt;
+}
+
+bool CommandLine::run() {
+  if (!folder_.empty()) setenv("ADDRESSBOOK_FOLDER", folder_.c_str(), 1);
+  registered_ = startHost();
+  run_();
+  return isFound_;
+}
 
 int main(int argc, char** argv) {
-  CLI::App app("The contacts database, through the address book plug-in.", "contacts");
-  app.require_subcommand(1);
-  std::string folder;
-  app.add_option("--folder", folder, "The folder of vCards (else ADDRESSBOOK_FOLDER, else the user's own)");
-  const CLI::App* list = app.add_subcommand("list", "List all people");
-  const CLI::App* watch = app.add_subcommand("watch", "Print each change to the contacts as it happens");
-  CLI::App* classes = app.add_subcommand("classes", "Show the classes that the plug-in offers to host code");
-  std::string className;
-  classes->add_option("CLASS", className, "Show this class's members");
-  CLI::App* pick = app.add_subcommand("pick", "Pick people in a window on the terminal, and print them");
-  contacts::PickOptions picking;
-  pick->add_option("--property", picking.property, "Print the picked people's values of this property, as in Email");
-  pick->add_flag("--multiple", picking.multiple, "Allow several people and values");
-  pick->add_flag("--groups", picking.groups, "Allow groups");
-  pick->add_flag("--json", picking.json, "Print a JSON list");
-  pick->add_option("QUERY", picking.query, "Start with this text in the search field");
+  CommandLine commandLine;
+  if (const std::optional<int> status = commandLine.parse(argc, argv)) return *status;
+  bool isFound = false;
   try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? EXIT_SUCCESS : kWrongUsage;
-  }
-
-  try {
-    if (!folder.empty()) setenv("ADDRESSBOOK_FOLDER", folder.c_str(), 1);
-    const std::vector<std::string> registered = contacts::startHost();
-    if (*list) contacts::listPeople();
-    if (*watch) contacts::watchChanges();
-    if (*pick && !contacts::pick(picking)) return kNothingPicked;
-    if (*classes && className.empty()) {
-      for (const std::string& name : registered) std::cout << name << '\n';
-    } else if (*classes) {
-      contacts::describeClass(className);
-    }
+    isFound = commandLine.run();
   } catch (const host::HostException& exception) {
     return fail(reasonOf(exception));
-  } catch (const host::Error& error) {
+  } catch (const std::exception& error) {
     return fail(error.what());
   }
   std::cout.flush();
-  return std::cout ? EXIT_SUCCESS : fail("the output could not be written");
+  if (!std::cout) return fail("the output could not be written");
+  return isFound ? EXIT_SUCCESS : kFailed;
 }
+
+}  // namespace
+}  // namespace contacts
+
+int main(int argc, char** argv) { return contacts::main(argc, argv); }

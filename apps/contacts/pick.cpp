@@ -1,8 +1,8 @@
 #include "apps/contacts/pick.h"
 
+#include "apps/contacts/failure.h"
 #include "apps/contacts/session.h"
 #include "host/entries.h"
-#include "host/error.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,7 +26,7 @@ void requireTerminal() {
   const bool isMine = terminal >= 0 && tcgetpgrp(terminal) == getpgrp() &&
                       (isatty(STDIN_FILENO) != 0 || isatty(STDOUT_FILENO) != 0 || isatty(STDERR_FILENO) != 0);
   if (terminal >= 0) close(terminal);
-  if (!isMine) throw host::Error("there is no terminal to show the picker on");
+  if (!isMine) throw Failure("there is no terminal to show the picker on");
 }
 
 host::Value makePicker(const PickOptions& options) {
@@ -45,7 +45,7 @@ host::Value makePicker(const PickOptions& options) {
 
 void letUserPick(const host::Value& picker) {
   picker.set("Visible", true);
-  if (!picker.get("Visible")) throw host::Error("the picker can't be shown on this terminal");
+  if (!picker.get("Visible")) throw Failure("the picker can't be shown on this terminal");
   while (picker.get("Visible") == true) host::idle(kSecondsBetweenLooks);
 }
 
@@ -100,7 +100,7 @@ void printLines(const std::vector<Picked>& all, const PickOptions& options) {
     for (const std::string& line : lines) std::cout << onOneLine(line) << '\n';
     isEmpty = isEmpty && lines.empty();
   }
-  if (isEmpty) throw host::Error("nobody of those picked has a value for " + options.property);
+  if (isEmpty) throw Failure("nobody of those picked has a value for " + options.property);
 }
 
 }  // namespace
@@ -109,7 +109,7 @@ bool pick(const PickOptions& options) {
   requireTerminal();
   const host::Value book = openAddressBook();
   if (!options.property.empty() && host::callShared("ABPersonVXR", "typeOfProperty", options.property) == 0) {
-    throw host::Error("people have no property " + options.property);
+    throw Failure("people have no property " + options.property);
   }
   const host::Value picker = makePicker(options);
   letUserPick(picker);

@@ -1,12 +1,18 @@
 #include "apps/contacts/session.h"
 
+#include "apps/contacts/failure.h"
 #include "host/classes.h"
 #include "host/error.h"
 #include "host/foreign_classes.h"
 #include "host/loader.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
 
 namespace contacts {
 
@@ -26,8 +32,26 @@ std::vector<std::string> startHost() {
 
 host::Value openAddressBook() {
   host::Value book = host::callShared("ABAddressBookVXR", "sharedAddressbook");
-  if (book.isNil()) throw host::Error("the contacts could not be opened");
+  if (book.isNil()) throw Failure("the contacts could not be opened");
   return book;
+}
+
+void save(const host::Value& book, const Manner& manner) {
+  if (manner.isDryRun) return;
+  host::Value error;
+  if (static_cast<bool>(book.call("save", host::Ref(error)))) return;
+  throw Failure(error.isNil() ? std::string("the changes could not be saved")
+                              : error.get("LocalizedDescription").text());
+}
+
+std::string readWhole(const std::string& file) {
+  if (file == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
+  if (std::filesystem::is_directory(file)) throw Failure(file + ": is a folder; expected a file");
+  std::ifstream stream(file, std::ios::binary);
+  if (!stream) throw Failure(file + ": cannot be read: " + std::strerror(errno));
+  std::string bytes{std::istreambuf_iterator<char>(stream), {}};
+  if (stream.bad()) throw Failure(file + ": cannot be read: " + std::strerror(errno));
+  return bytes;
 }
 
 }  // namespace contacts

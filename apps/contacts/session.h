@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/contacts/output.h"
 #include "host/value.h"
 
 #include <string>
@@ -13,5 +14,11 @@ std::vector<std::string> startHost();
 
 // The shared address book. Throws host::HostException, whose object says why, when the contacts can't be opened.
 host::Value openAddressBook();
+
+// Throws Failure when the changes can't be saved; nothing is then.
+void save(const host::Value& book, const Manner& manner);
+
+// The whole file, "-" for the standard input. Throws Failure.
+std::string readWhole(const std::string& file);
 
 }  // namespace contacts

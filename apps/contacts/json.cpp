@@ -1,0 +1,104 @@
+#include "apps/contacts/json.h"
+
+#include "apps/contacts/people.h"
+#include "apps/contacts/values.h"
+#include "host/memory_blocks.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string_view>
+
+namespace contacts {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kIndent = 2;
+
+std::string base64(std::string_view bytes) {
+  constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const auto at = [&](std::size_t offset) {
+      return i + offset < bytes.size() ? static_cast<unsigned char>(bytes[i + offset]) : 0U;
+    };
+    const unsigned word = at(0) << 16U | at(1) << 8U | at(2);
+    text += kDigits[word >> 18U];
+    text += kDigits[word >> 12U & 63U];
+    text += i + 1 < bytes.size() ? kDigits[word >> 6U & 63U] : '=';
+    text += i + 2 < bytes.size() ? kDigits[word & 63U] : '=';
+  }
+  return text;
+}
+
+Json jsonValue(const host::Value& value, const host::Value& book) {
+  const std::string type = value.typeName();
+  if (value.isNil()) return nullptr;
+  if (type == "MemoryBlock") return base64(host::bytesOf(value));
+  if (type == "Dictionary") {
+    Json object = Json::object();
+    for (const auto& [key, each] : entriesOf(value)) object[key] = jsonValue(each, book);
+    return object;
+  }
+  if (type.ends_with("()")) {
+    Json array = Json::array();
+    for (const host::Value& each : value.elements()) array.push_back(jsonValue(each, book));
+    return array;
+  }
+  if (type == "Boolean") return static_cast<bool>(value);
+  if (type == "Single" || type == "Double") return value.number();
+  if (type.starts_with("Int") || type.starts_with("UInt")) return value.integer();
+  return valueText(book, value);
+}
+
+Json jsonRecord(const host::Value& record, const Vocabulary& vocabulary) {
+  const host::Value& book = vocabulary.book();
+  Json object;
+  object["id"] = record.call("uniqueId").text();
+  object["kind"] = record.typeName() == "ABGroupVXR" ? "group" : "person";
+  object["name"] = nameOf(record);
+  for (const PropertyName& property : vocabulary.properties()) {
+    const host::Value value = record.call("valueForProperty", property.name);
+    if (value.isNil() || property.name == "UID") continue;
+    if (!property.isMulti()) {
+      object[property.name] = jsonValue(value, book);
+      continue;
+    }
+    Json& entries = object[property.name] = Json::array();
+    for (const Entry& entry : entriesOfMultiValue(value)) {
+      Json each{{"label", vocabulary.labelText(entry.label)},
+                {"value", jsonValue(entry.value, book)},
+                {"id", entry.identifier}};
+      if (entry.isPrimary) each["primary"] = true;
+      entries.push_back(std::move(each));
+    }
+  }
+  return object;
+}
+
+// What a foreign card has of invalid text is replaced.
+std::string textOf(const Json& json) { return json.dump(kIndent, ' ', false, Json::error_handler_t::replace); }
+
+}  // namespace
+
+std::string jsonOf(const host::Value& record, const Vocabulary& vocabulary) {
+  return textOf(jsonRecord(record, vocabulary));
+}
+
+std::string jsonOf(const std::vector<host::Value>& records, const Vocabulary& vocabulary) {
+  Json array = Json::array();
+  for (const host::Value& record : records) array.push_back(jsonRecord(record, vocabulary));
+  return textOf(array);
+}
+
+std::string jsonOf(const std::vector<std::vector<std::pair<std::string, std::string>>>& objects) {
+  Json array = Json::array();
+  for (const auto& each : objects) {
+    Json object = Json::object();
+    for (const auto& [name, text] : each) object[name] = text;
+    array.push_back(std::move(object));
+  }
+  return textOf(array);
+}
+
+}  // namespace contacts

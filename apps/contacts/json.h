@@ -1,0 +1,19 @@
+#pragma once
+
+#include "apps/contacts/vocabulary.h"
+#include "host/value.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+// Records as JSON: {"id", "kind", "name", then each property that has a value, under its name}. Properties with several
+// values are arrays of {"label", "value", "id"}, the primary one's with "primary"; days "1980-05-03"; data base64.
+namespace contacts {
+
+std::string jsonOf(const host::Value& record, const Vocabulary& vocabulary);
+std::string jsonOf(const std::vector<host::Value>& records, const Vocabulary& vocabulary);
+// Of names and texts.
+std::string jsonOf(const std::vector<std::vector<std::pair<std::string, std::string>>>& objects);
+
+}  // namespace contacts

@@ -1,0 +1,86 @@
+#include "apps/contacts/commands.h"
+#include "apps/contacts/failure.h"
+#include "apps/contacts/people.h"
+#include "apps/contacts/session.h"
+#include "apps/contacts/text.h"
+#include "host/memory_blocks.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <string_view>
+
+namespace contacts {
+namespace {
+
+constexpr std::string_view kJpeg = "\xFF\xD8\xFF";
+constexpr std::string_view kPng = "\x89PNG\r\n";
+
+std::string_view formatOf(std::string_view bytes) {
+  if (bytes.starts_with(kJpeg)) return "JPEG";
+  if (bytes.starts_with(kPng)) return "PNG";
+  if (bytes.starts_with("GIF8")) return "GIF";
+  if (bytes.starts_with("BM")) return "BMP";
+  if (bytes.starts_with(std::string_view("II*\0", 4)) || bytes.starts_with(std::string_view("MM\0*", 4))) return "TIFF";
+  return "of unknown format";
+}
+
+std::string photoOf(const host::Value& person) {
+  const host::Value data = person.call("imageData");
+  std::string bytes = data.isNil() ? std::string() : host::bytesOf(data);
+  if (bytes.empty()) throw Failure(printable(nameOf(person)) + " has no picture");
+  return bytes;
+}
+
+void change(const std::string& name, const host::Value& data, const char* done, const Manner& manner) {
+  const host::Value book = openAddressBook();
+  const host::Value person = findPerson(book, name);
+  if (!static_cast<bool>(person.call("setImageData", data))) {
+    throw Failure("the picture of " + printable(nameOf(person)) + " can't be changed");
+  }
+  save(book, manner);
+  say(manner, done, person);
+}
+
+}  // namespace
+
+void describePhoto(const std::string& name, const Manner& manner) {
+  const host::Value book = openAddressBook();
+  const host::Value person = findPerson(book, name);
+  const std::string bytes = photoOf(person);
+  const bool isShowable = !person.call("image").isNil();
+  if (manner.isJson) {
+    std::cout << R"({"format": ")" << formatOf(bytes) << R"(", "bytes": )" << bytes.size() << "}\n";
+    return;
+  }
+  std::cout << printable(nameOf(person)) << ": " << formatOf(bytes) << ", " << bytes.size() << " bytes"
+            << (isShowable ? "" : ", can't be shown") << '\n';
+}
+
+void writePhoto(const std::string& name, const std::string& file) {
+  const host::Value book = openAddressBook();
+  const std::string bytes = photoOf(findPerson(book, name));
+  if (file == "-") {
+    std::cout << bytes;
+    return;
+  }
+  std::ofstream stream(file, std::ios::binary);
+  stream << bytes;
+  stream.close();
+  if (!stream) throw Failure(file + ": cannot be written: " + std::strerror(errno));
+}
+
+void setPhoto(const std::string& name, const std::string& file, const Manner& manner) {
+  const std::string bytes = readWhole(file);
+  if (formatOf(bytes) == "of unknown format") {
+    throw Failure(file + ": no picture; expected JPEG, PNG, GIF, BMP or TIFF");
+  }
+  change(name, host::memoryBlock(bytes), "Changed the picture of", manner);
+}
+
+void removePhoto(const std::string& name, const Manner& manner) {
+  change(name, nullptr, "Removed the picture of", manner);
+}
+
+}  // namespace contacts

@@ -1,0 +1,108 @@
+#include "apps/contacts/text.h"
+
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <cwctype>
+
+namespace contacts {
+namespace {
+
+// Text is UTF-8 whatever the user's locale says of it.
+locale_t utf8Locale() {
+  static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  return locale;
+}
+
+class InUtf8 {
+ public:
+  InUtf8() : before_(uselocale(utf8Locale())) {}
+  InUtf8(const InUtf8&) = delete;
+  InUtf8& operator=(const InUtf8&) = delete;
+  ~InUtf8() { uselocale(before_); }
+
+ private:
+  locale_t before_;
+};
+
+// Calls back with each character, and with U+FFFD for each byte that is none, and its bytes.
+template <class Each>
+void forEachCharacter(std::string_view text, Each each) {
+  const InUtf8 scope;
+  while (!text.empty()) {
+    wchar_t character = 0;
+    std::mbstate_t state{};
+    std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
+    if (length == 0) length = 1;
+    if (length > text.size()) {
+      length = 1;
+      character = L'\uFFFD';
+    }
+    each(character, text.substr(0, length));
+    text.remove_prefix(length);
+  }
+}
+
+}  // namespace
+
+std::size_t displayWidth(std::string_view text) {
+  std::size_t width = 0;
+  forEachCharacter(text, [&](wchar_t character, std::string_view) {
+    const int columns = wcwidth(character);
+    if (columns > 0) width += static_cast<std::size_t>(columns);
+  });
+  return width;
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+  std::string result(text);
+  const std::size_t own = displayWidth(text);
+  if (own < width) result.append(width - own, ' ');
+  return result;
+}
+
+std::string printable(std::string_view text) {
+  std::string result;
+  forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {
+    if (character == L'\uFFFD') {
+      result += "\xEF\xBF\xBD";
+    } else if (std::iswcntrl(static_cast<std::wint_t>(character)) != 0) {
+      result += ' ';
+    } else {
+      result += bytes;
+    }
+  });
+  return result;
+}
+
+std::string lowerCase(std::string_view text) {
+  std::string result;
+  forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {
+    const auto lower = static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(character)));
+    char buffer[16];
+    std::mbstate_t state{};
+    const std::size_t length = lower == character ? static_cast<std::size_t>(-1) : std::wcrtomb(buffer, lower, &state);
+    if (length == static_cast<std::size_t>(-1)) {
+      result += bytes;
+    } else {
+      result.append(buffer, length);
+    }
+  });
+  return result;
+}
+
+bool isSame(std::string_view a, std::string_view b) { return lowerCase(a) == lowerCase(b); }
+
+bool contains(std::string_view text, std::string_view part) {
+  return lowerCase(text).find(lowerCase(part)) != std::string::npos;
+}
+
+bool isTerminal(int descriptor) {
+  const char* type = std::getenv("TERM");
+  return isatty(descriptor) == 1 && type != nullptr && std::strcmp(type, "dumb") != 0;
+}
+
+}  // namespace contacts
