@@ -66,7 +66,6 @@ class LogicalLine {
 
   // Known as soon as the colon is; a head longer than any that says so is plain.
   void decideEncoding() {
-    constexpr std::size_t kLongestHead = 1000;
     const std::string_view content = content_.empty() ? first_ : std::string_view(content_);
     const std::size_t colon = content.substr(0, kLongestHead).find(':');
     if (colon == std::string_view::npos) {
@@ -74,7 +73,7 @@ class LogicalLine {
       return;
     }
     const std::string head = uppercased(content.substr(0, colon));
-    if (head.find("QUOTED-PRINTABLE") != std::string::npos) {
+    if (isQuotedPrintable(content)) {
       encoding_ = Encoding::kQuotedPrintable;
     } else if (head.find("BASE64") != std::string::npos || head.find("ENCODING=B") != std::string::npos) {
       encoding_ = Encoding::kBase64;

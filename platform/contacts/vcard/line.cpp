@@ -125,6 +125,13 @@ std::vector<Parameter> Line::parameters() const {
   return parameters;
 }
 
+bool isQuotedPrintable(std::string_view content) {
+  constexpr std::string_view kWord = "QUOTED-PRINTABLE";
+  const std::string_view head = content.substr(0, content.substr(0, kLongestHead).find(':') + 1);
+  if (uppercased(head).find(kWord) == kNone) return false;  // nearly always
+  return hasParameter(Line(head, {}).parameters(), "ENCODING", kWord);
+}
+
 std::string_view firstParameter(const std::vector<Parameter>& parameters, std::string_view name) {
   auto found = std::ranges::find(parameters, name, &Parameter::name);
   return found == parameters.end() ? std::string_view() : std::string_view(found->value);

@@ -44,6 +44,12 @@ class Line {
   bool wellFormed_ = false;
 };
 
+// Whether a logical line with this content, of which the head at least is there, is quoted-printable: its physical
+// lines go on behind a "=" at their end.
+bool isQuotedPrintable(std::string_view content);
+// A line whose colon stands further back is read as it is written.
+inline constexpr std::size_t kLongestHead = 1000;
+
 // The parameter's first value, or an empty text.
 std::string_view firstParameter(const std::vector<Parameter>& parameters, std::string_view name);
 // Whether the parameter has the value, case ignored.
