@@ -35,10 +35,18 @@ struct KeyHash {
   }
 };
 
+// Nil and the empty string are different keys.
+struct KeysEqual {
+  bool operator()(const Value& a, const Value& b) const {
+    const auto isString = [](const Value& key) { return std::holds_alternative<StringRef>(key.data()); };
+    return isString(a) == isString(b) && a == b;
+  }
+};
+
 // Entries in the order in which they came, and where each key's is.
 struct Entries {
   std::vector<std::pair<Value, Value>> inOrder;
-  std::unordered_map<Value, std::size_t, KeyHash> positions;
+  std::unordered_map<Value, std::size_t, KeyHash, KeysEqual> positions;
 
   void set(const Value& key, const Value& value) {
     const auto [position, isNew] = positions.try_emplace(key, inOrder.size());
