@@ -43,7 +43,7 @@ SaveRequest AddressBookObject::saveRequest() const {
   SaveRequest request;
   request.me = changedMe_;
   for (const Retained<ABRecord>& record : changed_) {
-    const RecordObject& object = objectOf(record.get());
+    RecordObject& object = objectOf(record.get());
     const bool isNew = object.card().database == nullptr;
     if (object.book() == this && (isNew || object.isChanged())) {
       request.updates.push_back({object.sharedCard(), object.changes(now), false});
@@ -80,7 +80,14 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
 
 void AddressBookObject::absorb(const CardChange& change) {
   links_.reset();
-  const ABRecord record = find((change.after ? change.after : change.before)->uniqueId());
+  const std::string id = (change.after ? change.after : change.before)->uniqueId();
+  // What was taken out of the book stays out of it.
+  for (const Retained<ABRecord>& removed : removed_) {
+    if (objectOf(removed.get()).card().uniqueId() != id) continue;
+    if (change.after) objectOf(removed.get()).adopt(change.after, false);
+    return;
+  }
+  const ABRecord record = find(id);
   if (change.after && record) {
     if (objectOf(record).sharedCard() != change.after) objectOf(record).adopt(change.after, false);
   } else if (change.after) {

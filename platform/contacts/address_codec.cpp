@@ -36,7 +36,9 @@ std::optional<DecodedEntry> decode(const EntryLine& line) {
     set(address, kKeysFromStreet[i], vcard::trimmed(fields[kStreetField + i]));
   }
   if (address.count() == 0) return std::nullopt;
-  set(address, "CountryCode", line.country);
+  const bool isBeside = !line.country.empty();
+  set(address, "CountryCode",
+      isBeside ? line.country : vcard::lowercased(vcard::firstParameter(line.parameters, "CC")));
   return DecodedEntry{Retained<NSObject>::adopt(address.copy()), labelOf(line, kPlaceWords, kOther)};
 }
 

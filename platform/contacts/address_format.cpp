@@ -48,9 +48,7 @@ std::string textFor(NSDictionary address, NSString key) {
 }
 
 const AddressFormat& formatFor(std::string_view countryCode) {
-  std::string word = " ";
-  std::ranges::transform(countryCode, std::back_inserter(word), vcard::lower);
-  word.push_back(' ');
+  const std::string word = " " + vcard::lowercased(countryCode) + " ";
   auto found = std::ranges::find_if(
       kFormats, [&](const AddressFormat& format) { return format.countries.find(word) != std::string_view::npos; });
   return found == kFormats.end() ? kFormats.front() : *found;

@@ -253,7 +253,10 @@ class CardWriter {
       editor_.dropAll("UID");
       vcard::appendLine(last, "", "UID", {}, vcard::escape(changes_.uid));
     }
-    if (changes_.isNew) vcard::appendLine(last, "", "CREATED", {}, vcard::formatTimestamp(changes_.time));
+    if (changes_.created && !saidLine(card(), "CREATED")) {
+      editor_.dropAll("CREATED");
+      vcard::appendLine(last, "", "CREATED", {}, vcard::formatTimestamp(*changes_.created));
+    }
     editor_.dropAll("REV");
     vcard::appendLine(last, "", "REV", {}, vcard::formatTimestamp(changes_.time));
   }

@@ -23,8 +23,9 @@ struct CardChanges {
 
   std::string uid;
   bool isGroup = false;
-  bool isNew = false;  // no folder has it yet
-  double time = 0;     // of the change, in seconds since 1970
+  double time = 0;  // of the change, in seconds since 1970
+  // When the card was made, where it doesn't say so itself.
+  std::optional<double> created;
   std::vector<Value> values;
   std::vector<MemberChange> members;        // one a member
   std::vector<Distribution> distributions;  // one a member and property

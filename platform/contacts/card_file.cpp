@@ -12,11 +12,6 @@
 namespace contacts {
 namespace {
 
-bool saysGroup(const vcard::Line& line) {
-  return (line.is("KIND") || line.is("X-ADDRESSBOOKSERVER-KIND")) &&
-         vcard::equalsIgnoringCase(vcard::trimmed(line.value()), "group");
-}
-
 // Pictures and the like, which stay in the file until somebody asks.
 bool isLongBinary(const vcard::Line& line) {
   constexpr std::size_t kLongestKept = 1024;

@@ -42,7 +42,7 @@ std::vector<CardUpdate> removals(const Database& database, bool isOfGroups, cons
   std::vector<CardUpdate> updates;
   for (const StoredCardPointer& card : database.cards()) {
     if (card->isGroup != isOfGroups) continue;
-    CardUpdate update{card, {card->uid, isOfGroups, false, now, {}, {}, {}}, false};
+    CardUpdate update{card, {card->uid, isOfGroups, now, {}, {}, {}, {}}, false};
     const vcard::Card lines = vcard::parseCard(card->text);
     for (const Property* property : gone) {
       const bool hasValue =

@@ -34,7 +34,9 @@ std::optional<vcard::Date> dateOnLine(std::string_view text, const std::vector<v
   const std::string_view omitted = vcard::firstParameter(parameters, kOmittedYear);
   int year = 0;
   std::from_chars(omitted.data(), omitted.data() + omitted.size(), year);
-  if (date && !omitted.empty() && date->year == year) date->year.reset();
+  // Many programs don't say that the year stands in.
+  const bool isOmitted = date && (date->year == kNoYear || (!omitted.empty() && date->year == year));
+  if (isOmitted) date->year.reset();
   return date;
 }
 
@@ -66,7 +68,7 @@ std::optional<vcard::Date> dateOf(NSDateComponents components) {
   const int calendarYear = hasYear ? static_cast<int>(year) : kNoYear;
   if (day > vcard::daysInMonth(calendarYear, static_cast<int>(month))) return std::nullopt;
   vcard::Date date{{}, static_cast<int>(month), static_cast<int>(day)};
-  if (hasYear) date.year = static_cast<int>(year);
+  if (hasYear && year != kNoYear) date.year = static_cast<int>(year);
   return date;
 }
 

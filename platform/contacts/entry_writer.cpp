@@ -18,8 +18,9 @@ namespace {
 
 // Parameters that a rewritten line gets anew, or that told of its old value.
 bool isReplaced(const vcard::Parameter& parameter) {
-  constexpr std::array<std::string_view, 9> kNames{"PREF",     "VALUE",  "LABEL",        "X-SERVICE-TYPE",    "X-USER",
-                                                   "X-USERID", "X-NAME", "SERVICE-TYPE", kIdentifierParameter};
+  constexpr std::array<std::string_view, 10> kNames{
+      "PREF",   "VALUE",    "LABEL",  "CC",           "X-SERVICE-TYPE",
+      "X-USER", "X-USERID", "X-NAME", "SERVICE-TYPE", kIdentifierParameter};
   constexpr std::array<std::string_view, 11> kTypes{"HOME", "WORK",  "OTHER", "INTERNET", "VOICE", "FAX",
                                                     "CELL", "PAGER", "MAIN",  "IPHONE",   "PREF"};
   if (parameter.name == vcard::kOmittedYear) return true;

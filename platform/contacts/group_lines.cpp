@@ -35,6 +35,11 @@ std::string uidOf(const vcard::Line& line, vcard::Version version) {
   return std::string(uid);
 }
 
+bool saysGroup(const vcard::Line& line) {
+  return (line.is("KIND") || line.is("X-ADDRESSBOOKSERVER-KIND")) &&
+         vcard::equalsIgnoringCase(vcard::trimmed(line.value()), "group");
+}
+
 std::vector<std::string> membersFromCard(const vcard::Card& card) {
   std::vector<std::string> uids;
   std::unordered_set<std::string> seen;

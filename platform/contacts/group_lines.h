@@ -20,6 +20,8 @@ struct Distribution {
   std::string identifier;  // of the entry; empty for the primary one
 };
 
+// Whether the line makes its card a group.
+bool saysGroup(const vcard::Line& line);
 // The UIDs of persons and groups, each once, in the order of the card.
 std::vector<std::string> membersFromCard(const vcard::Card& card);
 std::vector<Distribution> distributionsFromCard(const vcard::Card& card);

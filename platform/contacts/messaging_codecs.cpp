@@ -75,9 +75,14 @@ std::optional<DecodedEntry> decodeImpp(const EntryLine& line) {
   const std::string_view username = std::string_view(uri).substr(colon == std::string::npos ? 0 : colon + 1);
   if (username.empty()) return std::nullopt;
   std::string_view word = vcard::firstParameter(line.parameters, "X-SERVICE-TYPE");
-  if (const std::string_view known = wordFor(kServices, word, &Service::word); !known.empty()) word = known;
-  if (word.empty()) word = wordFor(kServices, scheme, &Service::scheme);
-  if (word.empty()) word = wordFor(kServiceSchemes, scheme, &ServiceName::name);
+  // Some programs name the service as others name its scheme.
+  for (const std::string_view name : {word, scheme}) {
+    std::string_view known = wordFor(kServices, name, &Service::word);
+    if (known.empty()) known = wordFor(kServices, name, &Service::scheme);
+    if (known.empty()) known = wordFor(kServiceSchemes, name, &ServiceName::name);
+    if (!known.empty()) word = known;
+    if (!word.empty()) break;
+  }
   if (word.empty()) word = scheme;
   if (word.empty()) return std::nullopt;
   return messageEntry(word, username, line);
@@ -99,6 +104,12 @@ std::string stringFor(NSDictionary dictionary, NSString key) {
   return value && value.isKindOfClass("NSString"_class) ? utf8Of(value.as<NSString>()) : std::string();
 }
 
+// A service that was named by its scheme alone keeps it.
+std::string schemeFor(const std::string& word) {
+  constexpr std::string_view kSchemeCharacters = "abcdefghijklmnopqrstuvwxyz0123456789+.-";
+  return word.empty() || word.find_first_not_of(kSchemeCharacters) != std::string::npos ? "x-apple" : word;
+}
+
 // The line that all understand today, and the one of old for the services that have it.
 std::vector<LineDraft> encodeMessage(NSObject value, const std::string& label) {
   const auto message = value.as<NSDictionary>();
@@ -109,7 +120,7 @@ std::vector<LineDraft> encodeMessage(NSObject value, const std::string& label) {
   const bool isKnown = service != kServices.end();
 
   std::vector<LineDraft> drafts;
-  const std::string uri = (isKnown ? std::string(service->scheme) : "x-apple") + ":" + username;
+  const std::string uri = (isKnown ? std::string(service->scheme) : schemeFor(word)) + ":" + username;
   drafts.push_back({"IMPP", {{"X-SERVICE-TYPE", word}}, vcard::escapeUri(uri), {}, {}});
   writeLabel(drafts.back(), label, kPlaceWords);
   if (isKnown && !service->ownLine.empty()) {

@@ -3,6 +3,7 @@
 #include "platform/contacts/address_book_object.h"
 #include "platform/contacts/card_entries.h"
 #include "platform/contacts/errors.h"
+#include "platform/contacts/group_lines.h"
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/links.h"
 #include "platform/contacts/load.h"
@@ -23,21 +24,15 @@ namespace contacts {
 namespace {
 
 // What belongs to the card that was, not to the person: a new one is made of it.
-constexpr std::string_view kOwnLines[] = {kLinkLine,
-                                          "UID",
-                                          "X-ABUID",
-                                          "REV",
-                                          "CREATED",
-                                          "KIND",
-                                          "X-ADDRESSBOOKSERVER-KIND",
-                                          "MEMBER",
-                                          "X-ADDRESSBOOKSERVER-MEMBER"};
+constexpr std::string_view kOwnLines[] = {
+    kLinkLine, "UID", "X-ABUID", "REV", "CREATED", "MEMBER", "X-ADDRESSBOOKSERVER-MEMBER"};
 
 std::string withoutIdentity(std::string_view section) {
   vcard::Editor editor(section);
   for (const std::string_view line : kOwnLines) editor.dropAll(line);
   for (std::size_t i = 0; i < editor.card().lines.size(); ++i) {
     const vcard::Line& line = editor.card().lines[i];
+    if (saysGroup(line)) editor.drop(i);
     std::vector<vcard::Parameter> parameters = line.parameters();
     if (std::erase_if(parameters, [](const auto& parameter) { return parameter.name == kIdentifierParameter; }) == 0) {
       continue;
@@ -79,7 +74,7 @@ struct PersonObject : RecordObject {
     return book()->linkedWith(ABRecord(this));
   }
 
-  [[nodiscard]] NSData vCardRepresentation() const {
+  [[nodiscard]] NSData vCardRepresentation() {
     const std::string text = changedText();
     return NSData::dataWithBytes(text.data(), text.size());
   }

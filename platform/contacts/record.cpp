@@ -115,8 +115,11 @@ bool RecordObject::isChanged() const {
          (isGroup() && static_cast<const GroupObject*>(this)->hasChangedMembers());
 }
 
-CardChanges RecordObject::changes(double time) const {
-  CardChanges changes{card_->uid, isGroup(), card_->database == nullptr, time, {}, {}, {}};
+CardChanges RecordObject::changes(double time) {
+  CardChanges changes{card_->uid, isGroup(), time, {}, {}, {}, {}};
+  const NSObject created = valueFor("Creation");
+  changes.created = time;
+  if (created) changes.created = created.as<NSDate>().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
   for (const HeldValue& held : values_) {
     if (isToBeSaved(held)) changes.values.push_back({held.property, held.value});
   }
@@ -126,7 +129,7 @@ CardChanges RecordObject::changes(double time) const {
 
 NSArray RecordObject::parentGroups() const { return book_ == nullptr ? NSArray::array() : book_->groupsWith(*this); }
 
-std::string RecordObject::changedText() const {
+std::string RecordObject::changedText() {
   return changedCard(card_->fullText(),
                      changes(NSDate::date().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970));
 }

@@ -34,9 +34,9 @@ struct RecordObject : objc::Object {
 
   // Since the card was read.
   [[nodiscard]] bool isChanged() const;
-  [[nodiscard]] CardChanges changes(double time) const;
+  [[nodiscard]] CardChanges changes(double time);
   // The card as it would be saved now.
-  [[nodiscard]] std::string changedText() const;
+  [[nodiscard]] std::string changedText();
 
   // The card was read anew. What was changed in the record stays changed, unless the card has it since a save.
   void adopt(StoredCardPointer card, bool isSaved);

@@ -47,8 +47,10 @@ std::string writtenBy(ABPerson person) {
   replaceAll(card, "\r\n ", 3, "");
   replaceAll(card, "\r\n", 2, "\n");
   replaceAll(card, "X-ABID=", 7 + 36, "X-ABID=*");
-  if (const std::size_t revision = card.find("REV:"); revision != std::string::npos) {
-    card.erase(revision, card.find('\n', revision) + 1 - revision);
+  for (const char* time : {"REV:", "CREATED:"}) {
+    if (const std::size_t line = card.find(time); line != std::string::npos) {
+      card.erase(line, card.find('\n', line) + 1 - line);
+    }
   }
   constexpr std::size_t kHead = sizeof "BEGIN:VCARD\nVERSION:3.0\n" - 1;
   constexpr std::size_t kTail = sizeof "END:VCARD\n" - 1;

@@ -21,6 +21,12 @@ inline std::string uppercased(std::string_view text) {
   return result;
 }
 
+inline std::string lowercased(std::string_view text) {
+  std::string result(text);
+  std::ranges::transform(result, result.begin(), lower);
+  return result;
+}
+
 // Without blanks and line breaks at its ends.
 constexpr std::string_view trimmed(std::string_view text) {
   constexpr std::string_view kSpace = " \t\r\n";

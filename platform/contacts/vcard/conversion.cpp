@@ -1,6 +1,7 @@
 #include "platform/contacts/vcard/conversion.h"
 
 #include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/dates.h"
 #include "platform/contacts/vcard/encoding.h"
 #include "platform/contacts/vcard/sections.h"
@@ -32,9 +33,31 @@ constexpr std::array kKnownLines{
     KnownLine{"KEY", Form::kBinary},     KnownLine{"BDAY", Form::kDate},     KnownLine{"UID", Form::kText},
 };
 
+// Text in another character set becomes UTF-8, and so says its parameter.
+std::string recoded(std::string_view text, std::string_view charset) {
+  std::string result = decodeCharset(text, charset);
+  const std::size_t place = charset.empty() ? std::string::npos : result.find(charset);
+  if (place != std::string::npos) result.replace(place, charset.size(), "UTF-8");
+  return result;
+}
+
 // With CR LF for each physical line's break, and for one that is missing.
 void appendWithBreaks(std::string& text, std::string_view raw) {
   while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
+}
+
+// A line whose meaning is left alone.
+void appendUnchanged(std::string& text, const Line& line, Version version) {
+  const bool keepsFolds = version == Version::k30 || line.name().empty() || line.is("AGENT");
+  const std::string_view bytes = keepsFolds ? line.raw() : line.content();
+  const bool isRecoded = !isValidUtf8(bytes);
+  const std::vector<Parameter> parameters = isRecoded ? line.parameters() : std::vector<Parameter>();
+  const std::string_view charset = firstParameter(parameters, "CHARSET");
+  if (!keepsFolds || (isRecoded && !line.is("AGENT"))) {
+    appendFolded(text, isRecoded ? recoded(line.content(), charset) : std::string(line.content()));
+  } else {
+    appendWithBreaks(text, isRecoded ? recoded(bytes, charset) : std::string(bytes));
+  }
 }
 
 bool isPreferred(const Parameter& parameter) { return parameter.name == "PREF" && parameter.value == "1"; }
@@ -109,7 +132,7 @@ void appendConverted(std::string& text, const Line& line, Version version) {
   if (line.is("VERSION")) {
     appendLine(text, "", "VERSION", {}, "3.0");
   } else if (version == Version::k30 || line.name().empty() || line.is("AGENT")) {
-    appendWithBreaks(text, line.raw());
+    appendUnchanged(text, line, version);
   } else if (line.is("KIND") && equalsIgnoringCase(trimmed(line.value()), "group")) {
     appendLine(text, "", "X-ADDRESSBOOKSERVER-KIND", {}, "group");
   } else if (line.is("MEMBER")) {
@@ -119,7 +142,7 @@ void appendConverted(std::string& text, const Line& line, Version version) {
     if (known != kKnownLines.end()) {
       appendKnown(text, line, known->form, version);
     } else {
-      appendFolded(text, line.content());
+      appendUnchanged(text, line, version);
     }
   }
 }

@@ -29,7 +29,7 @@ std::string binaryValue(const Line& line) {
   if (isBase64(line.parameters())) return decodeBase64(line.value());
   const std::string_view value = trimmed(line.value());
   constexpr std::string_view kScheme = "data:";
-  constexpr std::string_view kMark = ";base64";
+  constexpr std::string_view kMark = "base64";  // behind ";", or ":" where there is no kind
   if (!equalsIgnoringCase(value.substr(0, kScheme.size()), kScheme)) return {};
   // Some writers escape the comma as in any text.
   const std::size_t comma = value.find(',');
