@@ -1,6 +1,7 @@
 #include "apps/contacts/commands.h"
 #include "apps/contacts/failure.h"
 #include "apps/contacts/pick.h"
+#include "apps/contacts/script.h"
 #include "apps/contacts/session.h"
 #include "host/error.h"
 #include "host/exceptions.h"
@@ -19,14 +20,6 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
-
-// What went wrong, in the plug-in's words: a framework exception's reason rather than the message round it.
-std::string reasonOf(const host::HostException& exception) {
-  if (exception.object().typeName() == "NSExceptionVXR") {
-    if (std::string reason = exception.object().get("Reason").text(); !reason.empty()) return reason;
-  }
-  return exception.what();
-}
 
 int fail(const std::string& reason) {
   std::cout.flush();
@@ -135,6 +128,11 @@ void CommandLine::addReading() {
       describeClass(name_);
     }
   });
+  CLI::App* script = add(app_, "run", "Run a program in the host's language", [this] {
+    const bool isFile = !file_.empty() && file_ != "-";
+    runScript(readWhole(isFile ? file_ : "-"), isFile ? file_ : "standard input");
+  });
+  script->add_option("FILE", file_, "The program; else the standard input");
   classes->add_option("CLASS", name_, "Show this class's members");
 }
 

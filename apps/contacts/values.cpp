@@ -77,7 +77,7 @@ std::string valueText(const host::Value& book, const host::Value& value) {
   }
   if (type == "MemoryBlock") return std::to_string(host::bytesOf(value).size()) + " bytes";
   if (type == "Dictionary") {
-    const host::Value formatted = book.call("formattedAddressFromDictionary", value);
+    const host::Value formatted = book.isNil() ? host::Value() : book.call("formattedAddressFromDictionary", value);
     std::string text = formatted.isNil() ? std::string() : formatted.get("Text").text();
     std::string line;
     for (std::size_t at = 0; at < text.size();) {

@@ -13,7 +13,8 @@ namespace contacts {
 
 // "2012-07-14", with the time of day where there is one; "--07-14" for a day of no year.
 std::string dateText(const host::Value& date);
-// An address as letters have it, on one line; other dictionaries as "key: value, key: value". Data by its size.
+// An address as letters have it, on one line; without a book, and other dictionaries, as "key: value, key: value". Data
+// by its size.
 std::string valueText(const host::Value& book, const host::Value& value);
 // Throws Failure for a text that is no value of that type, of a property's entry or of the property itself.
 host::Value valueFrom(std::string_view text, std::int64_t type);
