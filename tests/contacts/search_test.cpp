@@ -9,9 +9,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <map>
+#include <set>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -86,6 +91,80 @@ TEST_F(Search, ComparesTexts) {
   EXPECT_EQ(found(person(kABLastNameProperty, nullptr, kABNotEqual)), "abc");
   EXPECT_EQ(found(person(kABLastNameProperty, NSNumber::numberWithInt(1), kABNotEqual)), "");
   EXPECT_EQ(found(ABGroup::searchElement(kABGroupNameProperty, nullptr, nullptr, "Straße"_ns, kABEqual)), "g");
+}
+
+// Against the plain meaning of each comparison, over all pairs of a few short words.
+TEST_F(Search, ComparesEveryPairOfWords) {
+  using Words = const std::string&;
+  auto folded = [](std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+  };
+  auto contains = [](Words text, Words part) { return text.find(part) != std::string::npos; };
+  auto begins = [](Words text, Words part) { return text.starts_with(part); };
+  auto ends = [](Words text, Words part) { return text.ends_with(part); };
+  auto equals = [](Words text, Words part) { return text == part; };
+  auto ignoringCase = [folded](auto compare) {
+    return [folded, compare](Words text, Words part) { return compare(folded(text), folded(part)); };
+  };
+  auto isNot = [](auto compare) { return [compare](Words text, Words part) { return !compare(text, part); }; };
+  const std::map<NSInteger, std::function<bool(Words, Words)>> meanings{
+      {kABEqual, equals},
+      {kABNotEqual, isNot(equals)},
+      {kABLessThan, [](Words text, Words part) { return text < part; }},
+      {kABLessThanOrEqual, [](Words text, Words part) { return text <= part; }},
+      {kABGreaterThan, [](Words text, Words part) { return text > part; }},
+      {kABGreaterThanOrEqual, [](Words text, Words part) { return text >= part; }},
+      {kABEqualCaseInsensitive, ignoringCase(equals)},
+      {kABContainsSubString, contains},
+      {kABContainsSubStringCaseInsensitive, ignoringCase(contains)},
+      {kABPrefixMatch, begins},
+      {kABPrefixMatchCaseInsensitive, ignoringCase(begins)},
+      {kABDoesNotContainSubString, isNot(contains)},
+      {kABDoesNotContainSubStringCaseInsensitive, isNot(ignoringCase(contains))},
+      {kABNotEqualCaseInsensitive, isNot(ignoringCase(equals))},
+      {kABSuffixMatch, ends},
+      {kABSuffixMatchCaseInsensitive, ignoringCase(ends)},
+  };
+  const std::string words[] = {"a", "A", "b", "ab", "aB", "BA", "aab", "abab", "AA"};
+  const auto someone = Retained<ABPerson>::adopt(ABPerson::alloc().init());
+  for (const std::string& text : words) {
+    EXPECT_TRUE(someone->setValue(NSString::stringWithUTF8(text.c_str()), kABNicknameProperty));
+    for (const std::string& part : words) {
+      for (const auto& [comparison, meaning] : meanings) {
+        const ABSearchElement element = person(kABNicknameProperty, NSString::stringWithUTF8(part.c_str()), comparison);
+        EXPECT_EQ(element.matchesRecord(someone.get()), meaning(text, part)) << text << comparison << part;
+      }
+    }
+  }
+}
+
+// What is denied matches whatever lacks it, also where there is nothing at all; what can't be compared never matches.
+TEST_F(Search, DeniesOnlyWhatItCanCompare) {
+  const auto someone = Retained<ABPerson>::adopt(ABPerson::alloc().init());
+  auto matches = [&](NSString property, NSObject value, NSInteger comparison) {
+    return person(property, value, comparison).matchesRecord(someone.get());
+  };
+  const NSInteger denials[] = {kABNotEqual, kABNotEqualCaseInsensitive, kABDoesNotContainSubString,
+                               kABDoesNotContainSubStringCaseInsensitive};
+  for (const NSInteger denial : denials) {
+    EXPECT_TRUE(matches(kABEmailProperty, "x"_ns, denial));
+    EXPECT_FALSE(matches(kABEmailProperty, NSNumber::numberWithInt(1), denial));
+    EXPECT_EQ(matches(kABPersonFlags, "1"_ns, denial), false);
+    EXPECT_FALSE(matches("no such property"_ns, "x"_ns, denial));
+  }
+  for (NSInteger comparison = kABNotWithinIntervalAroundToday; comparison <= kABNotWithinIntervalFromTodayYearless;
+       ++comparison) {
+    const bool isDenial =
+        comparison <= kABNotWithinIntervalAroundTodayYearless || comparison >= kABNotWithinIntervalFromToday;
+    EXPECT_EQ(matches(kABBirthdayProperty, NSNumber::numberWithInt(0), comparison), isDenial) << comparison;
+    EXPECT_FALSE(matches(kABBirthdayProperty, NSDate::date(), comparison)) << comparison;
+    EXPECT_FALSE(matches(kABPersonFlags, NSNumber::numberWithInt(0), comparison)) << comparison;
+  }
+  EXPECT_TRUE(matches("no such property"_ns, nullptr, kABEqual));
+  EXPECT_FALSE(matches("no such property"_ns, nullptr, kABNotEqual));
+  const auto group = Retained<ABGroup>::adopt(ABGroup::alloc().init());
+  EXPECT_FALSE(person(kABEmailProperty, nullptr, kABEqual).matchesRecord(group.get()));
 }
 
 TEST_F(Search, LooksAtEntriesByLabelAndKey) {
@@ -184,6 +263,32 @@ TEST(Days, LieWithinASpan) {
   }
 }
 
+// Against a walk over every day of the span.
+TEST(Days, LieWithinASpanAsAWalkOverItShows) {
+  const Date middles[] = {{2023, 12, 31}, {2024, 1, 1}, {2024, 2, 28}, {2024, 2, 29}, {2024, 3, 1},
+                          {2023, 2, 28},  {2023, 3, 1}, {2100, 2, 28}, {2000, 12, 25}};
+  for (const Date& middle : middles) {
+    const std::int64_t today = vcard::daysSince1970(*middle.year, middle.month, middle.day);
+    for (const int days : {0, 1, 3, 60, 365, 366}) {
+      for (const bool alsoBefore : {false, true}) {
+        std::set<std::pair<int, int>> met;
+        for (std::int64_t day = today - (alsoBefore ? days : 0); day <= today + days; ++day) {
+          const Date date = vcard::dateOfDay(day);
+          met.insert({date.month, date.day});
+          const bool isLastOfFebruary = date.month == 2 && date.day == 28 && vcard::daysInMonth(*date.year, 2) == 28;
+          if (isLastOfFebruary) met.insert({2, 29});
+        }
+        for (std::int64_t day = 0; day < 366; ++day) {
+          const Date date = vcard::dateOfDay(vcard::daysSince1970(2000, 1, 1) + day);
+          const bool isMet = met.contains({date.month, date.day});
+          EXPECT_EQ(vcard::isWithinInAnyYear({middle, static_cast<double>(days), alsoBefore}, date), isMet)
+              << vcard::formatDate(middle) << " " << days << alsoBefore << " " << vcard::formatDate(date);
+        }
+      }
+    }
+  }
+}
+
 TEST_F(Search, JoinsConditions) {
   folder_.writeCard("a.vcf", "UID:a\nN:x;y\n");
   folder_.writeCard("b.vcf", "UID:b\nN:x;z\n");
@@ -199,6 +304,10 @@ TEST_F(Search, JoinsConditions) {
   EXPECT_EQ(found(join(kABSearchOr, {first, other})), "ab");
   EXPECT_EQ(found(join(kABSearchOr, {first, group})), "ag");
   EXPECT_EQ(found(join(kABSearchAnd, {last, join(kABSearchOr, {other, group})})), "b");
+  const ABSearchElement nobody = join(kABSearchAnd, {first, other});
+  EXPECT_EQ(found(nobody), "");
+  EXPECT_EQ(found(join(kABSearchOr, {nobody, join(kABSearchAnd, {last, join(kABSearchOr, {nobody, first})})})), "a");
+  EXPECT_EQ(found(join(kABSearchAnd, {join(kABSearchOr, {first})})), "a");
   EXPECT_TRUE(first.matchesRecord(book().people().objectAtIndex(0).as<ABRecord>()));
 
   const std::string expected = "NSInvalidArgumentException";
