@@ -125,4 +125,13 @@ TEST_F(Group, RaisesForWhatIsMissing) {
   EXPECT_EQ(raised([&] { one.setDistributionIdentifier(nullptr, kABEmailProperty, nullptr); }), expected);
 }
 
+TEST_F(Group, IsNamedInItsMembersDescriptions) {
+  EXPECT_TRUE(group("g2").removeValueForProperty(kABGroupNameProperty));
+  const std::string text = shown(person("p1").description());
+  const std::size_t line = text.find("   Parent Groups : g1 (0x");
+  ASSERT_NE(line, std::string::npos) << text;
+  EXPECT_NE(text.find("), (0x", line), std::string::npos) << text;
+  EXPECT_EQ(shown(group("g1").description()).find("Parent Groups"), std::string::npos);
+}
+
 }  // namespace
