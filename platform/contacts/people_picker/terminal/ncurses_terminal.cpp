@@ -29,6 +29,7 @@ namespace {
 // Those that the library takes over.
 constexpr std::array kSignals{SIGINT, SIGTERM, SIGTSTP, SIGWINCH};
 
+constexpr wint_t kEscape = 27;
 constexpr short kChosenPair = 1;
 constexpr short kTitlePair = 2;
 
@@ -119,6 +120,7 @@ class NcursesTerminal final : public PickerTerminal {
  private:
   [[nodiscard]] attr_t attributesOf(PickerStyle style) const;
   bool resize() const;
+  bool skipSequence();
   std::optional<PickerInput> pointed();
 
   std::FILE* in_;
@@ -206,7 +208,10 @@ std::optional<PickerInput> NcursesTerminal::next() {
     isGone_ = true;
     return PickerInput{Key::kGone};
   }
-  if (kind != KEY_CODE_YES) return PickerInput{Key::kCharacter, static_cast<char32_t>(code)};
+  if (kind != KEY_CODE_YES) {
+    if (code == kEscape && skipSequence()) return next();
+    return PickerInput{Key::kCharacter, static_cast<char32_t>(code)};
+  }
   struct Named {
     int code;
     Key key;
@@ -239,6 +244,18 @@ std::optional<PickerInput> NcursesTerminal::next() {
   }
   // A key that means nothing here: perhaps there is another.
   return next();
+}
+
+// Whether the escape just read starts what a key sends that the terminal's description doesn't know, or a character
+// typed with it: then that is read, too. By itself it is the escape key.
+bool NcursesTerminal::skipSequence() {
+  wint_t code = 0;
+  if (wget_wch(stdscr, &code) == ERR) return false;
+  if (code != L'[' && code != L'O') return true;
+  while (wget_wch(stdscr, &code) == OK) {
+    if (code >= L'@' && code <= L'~') break;
+  }
+  return true;
 }
 
 std::optional<PickerInput> NcursesTerminal::pointed() {
