@@ -6,8 +6,6 @@
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
-#include <unistd.h>
-
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -63,13 +61,6 @@ Database& openDatabase() {
   Books& state = books();
   const std::scoped_lock guard(state.lock);
   return open(state);
-}
-
-Database* findDatabase() {
-  Books& state = books();
-  const std::scoped_lock guard(state.lock);
-  if (!state.database && access(folderPath().c_str(), F_OK) != 0) return nullptr;
-  return &open(state);
 }
 
 ABAddressBook sharedAddressBook(Class) {

@@ -8,8 +8,6 @@ namespace contacts {
 // The process's one database, which lives as long as the process. Throws FolderError when it isn't open yet and can't
 // be opened; the next call tries again.
 Database& openDatabase();
-// Null when it isn't open and there is no folder yet.
-Database* findDatabase();
 
 // What the class methods of those names answer.
 ABAddressBook sharedAddressBook(Class);

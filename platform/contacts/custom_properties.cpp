@@ -20,7 +20,7 @@ constexpr NSInteger kFailed = -1;
 
 void readFromFolder() {
   try {
-    if (Database* database = findDatabase()) database->refreshProperties();
+    openDatabase().refreshProperties();
   } catch (const FolderError&) {
   } catch (const FileError&) {
   }
