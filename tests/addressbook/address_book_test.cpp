@@ -1,9 +1,8 @@
 #include "platform/contacts/address_book.h"
 #include "host/arrays.h"
-#include "host/dictionaries.h"
 #include "host/memory_blocks.h"
 #include "platform/objc/class_builder.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 
 namespace {
 
@@ -19,87 +18,7 @@ const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1", {"EMAIL;TYPE=H
 
 constexpr const char* kBook = "ABAddressBookVXR";
 
-Value search(const Host& host) {
-  return host.shared(kBook, "searchElementForPersonProperty", "Last", "", "", "Hopper",
-                     host::constant(kBook, "kABEqual"));
-}
-
-// In an order in which each row finds what it needs.
-MemberRows rows(const Host& host, const Value& book) {
-  const Value ada = book.call("personForUniqueId", "p1:ABPerson");
-  return {
-      {"recordsMatchingSearchElement", {search(host)}, "recordsMatchingSearchElement:", "[p2:ABPerson]", "[]"},
-      {"groups", {}, "groups", "[g1:ABGroup g2:ABGroup g3:ABGroup g4:ABGroup]", "[]"},
-      {"people", {}, "people", "[p1:ABPerson p2:ABPerson]", "[]"},
-      {"setMe", {ada}, "setMe:", "Nil", "Nil", {0}},
-      {"owner", {}, "me", "p1:ABPerson", "Nil"},
-      {"hasUnsavedChanges", {}, "hasUnsavedChanges", "Boolean True", "Boolean False"},
-      {"save", {}, "save", "Boolean True", "Boolean False"},
-      {"defaultCountryCode", {}, "defaultCountryCode", "'us'", "''"},
-      {"defaultNameOrdering", {}, "defaultNameOrdering", "Integer 32", "Integer 0"},
-      {"recordClassFromUniqueId", {"g1:ABGroup"}, "recordClassFromUniqueId:", "'ABGroup'", "''"},
-      {"recordForUniqueId", {"g1:ABGroup"}, "recordForUniqueId:", "g1:ABGroup", "Nil"},
-      {"personForUniqueId", {"p2:ABPerson"}, "recordForUniqueId:", "p2:ABPerson", "Nil"},
-      {"groupForUniqueId", {"g2:ABGroup"}, "recordForUniqueId:", "g2:ABGroup", "Nil"},
-      {"groupForName", {"Work"}, "groups", "g2:ABGroup", "Nil", {0}},
-      {"peopleForEmail", {"aDA@example.org"}, "recordsMatchingSearchElement:", "[p1:ABPerson p2:ABPerson]", "[]", {0}},
-      {"removeRecord", {ada}, "removeRecord:", "Boolean True", "Boolean False"},
-      {"addRecord", {ada}, "addRecord:", "Boolean True", "Boolean False"},
-      {"formattedAddressFromDictionary",
-       {host::dictionary({{"City", "Ghent"}})},
-       "formattedAddressFromDictionary:",
-       "NSAttributedStringVXR",
-       "Nil"},
-  };
-}
-
 }  // namespace
-
-TEST(AddressBook, SendsAndConverts) {
-  const Host host{.contacts = kContacts};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  expectResults(book, rows(host, book));
-}
-
-TEST(AddressBook, AnswersNeutrallyWhereSomethingIsMissing) {
-  const Host host{.contacts = kContacts};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  expectNeutralWithoutArguments(book, rows(host, book));
-  expectNeutralWhenEmpty(emptyInstance(kBook), rows(host, book));
-}
-
-TEST(AddressBook, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  expectNeutralWhenRaising(book, rows(host, book));
-  // Halfway, what was there stays.
-  for (const char* list : {"people", "groups"}) {
-    const MemberRow row{list, {}, "nextObject", "", ""};
-    EXPECT_EQ(row.outcome(book, {}, 2).first, list == std::string("people") ? "[p1:ABPerson]" : "[g1:ABGroup]");
-  }
-  EXPECT_EQ((MemberRow{"peopleForEmail", {}, "nextObject", "", ""}.outcome(book, {"ada@example.org"}, 2).first),
-            "[p1:ABPerson]");
-}
-
-TEST(AddressBook, LeavesTheExceptionToHostCode) {
-  const Host host{.contacts = kContacts};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  for (const char* selector : {"people", "nextObject"}) {
-    const Sends sends(selector, 1);
-    EXPECT_EQ(thrownBy([&] { book.call("people"); }), kRefused);
-  }
-  EXPECT_EQ(book.call("people").size(), 2U);
-}
-
-TEST(AddressBook, AnswersNeutrallyWhatAnOldFrameworkLacks) {
-  const std::vector<std::string> later{"defaultCountryCode", "defaultNameOrdering", "recordClassFromUniqueId:"};
-  const Host host{.contacts = kContacts, .withoutSelectors = later};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  for (const MemberRow& row : rows(host, book)) {
-    if (std::ranges::find(later, row.selector) == later.end()) continue;
-    EXPECT_EQ(row.outcome(book, row.arguments), std::pair(row.neutral, 0)) << row.member;
-  }
-}
 
 TEST(AddressBook, FindsRecordsOfTheirKindAlone) {
   const Host host{.contacts = kContacts};

@@ -1,10 +1,12 @@
 #include "platform/contacts/constants.h"
 
-#include "platform/foundation/cf_bundle.h"
-#include "tests/addressbook/member_rows.h"
+#include "host/loader.h"
+#include "tests/addressbook/framework_calls.h"
+#include "tests/contacts/in_child.h"
 
 #include <cstdint>
-#include <map>
+#include <sstream>
+#include <vector>
 
 namespace {
 
@@ -46,68 +48,57 @@ TEST(Constants, OfLaterFrameworksNeedTheBundle) {
   }
 }
 
-TEST(Constants, OfIntegersHaveTheFrameworksValues) {
-  const Host host{};
-  std::map<std::string, std::int64_t> expected{
-      {"ABAddRecordsError", 1001},
-      {"ABRemoveRecordsError", 1002},
-      {"ABPropertyValueValidationError", 1012},
-      {"ABPropertyUnsupportedBySourceError", 1013},
-      {"ABPropertyReadOnlyError", 1014},
-      {"kABShowAsMask", 7},
-      {"kABShowAsPerson", 0},
-      {"kABShowAsCompany", 1},
-      {"kABShowAsResource", 2},
-      {"kABShowAsRoom", 3},
-      {"kABNameOrderingMask", 56},
-      {"kABDefaultNameOrdering", 0},
-      {"kABFirstNameFirst", 32},
-      {"kABLastNameFirst", 16},
-      {"kABSearchAnd", 0},
-      {"kABSearchOr", 1},
-      {"kABMultiValueMask", 256},
-      {"kABErrorInProperty", 0},
-  };
-  const char* const comparisons[] = {
-      "kABEqual",
-      "kABNotEqual",
-      "kABLessThan",
-      "kABLessThanOrEqual",
-      "kABGreaterThan",
-      "kABGreaterThanOrEqual",
-      "kABEqualCaseInsensitive",
-      "kABContainsSubString",
-      "kABContainsSubStringCaseInsensitive",
-      "kABPrefixMatch",
-      "kABPrefixMatchCaseInsensitive",
-      "kABBitsInBitFieldMatch",
-      "kABDoesNotContainSubString",
-      "kABDoesNotContainSubStringCaseInsensitive",
-      "kABNotEqualCaseInsensitive",
-      "kABSuffixMatch",
-      "kABSuffixMatchCaseInsensitive",
-      "kABWithinIntervalAroundToday",
-      "kABWithinIntervalAroundTodayYearless",
-      "kABNotWithinIntervalAroundToday",
-      "kABNotWithinIntervalAroundTodayYearless",
-      "kABWithinIntervalFromToday",
-      "kABWithinIntervalFromTodayYearless",
-      "kABNotWithinIntervalFromToday",
-      "kABNotWithinIntervalFromTodayYearless",
-  };
-  for (std::size_t i = 0; i < std::size(comparisons); ++i) expected[comparisons[i]] = static_cast<std::int64_t>(i);
-  const char* const kinds[] = {"String", "Integer", "Real", "Date", "Array", "Dictionary", "Data", "DateComponents"};
-  for (std::size_t i = 0; i < std::size(kinds); ++i) {
-    const auto type = static_cast<std::int64_t>(i + 1);
-    expected["kAB" + std::string(kinds[i]) + "Property"] = type;
-    expected["kABMulti" + std::string(kinds[i]) + "Property"] = 256 + type;
-  }
+TEST(Constants, AreLookedUpOnceTheBundleIsThere) {
+  const Host host{.runtime = false};
+  inChild([&] {
+    constexpr const char* kLater = "kABSocialProfileServiceSinaWeibo";
+    EXPECT_EQ(host.shared(kBook, kLater), "");
+    host::options().runtime = true;
+    const auto build = std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path();
+    host::loadPlugin(build / "Plugins" / "addressbook-plugin.so");
+    EXPECT_EQ(host.shared(kBook, kLater), "sinaweibo");
+  });
+}
 
-  std::map<std::string, std::int64_t> declared;
-  for (const auto& [name, value] : host::requireClass(kBook).constants) declared[name] = value;
-  EXPECT_EQ(declared, expected);
-  EXPECT_EQ(host::requireClass(kBook).constants.size(), 59U);
-  for (const char* name : {"kABSearchAnd", "kABSearchOr"}) {
-    EXPECT_EQ(host::constant("ABSearchElementVXR", name), expected[name]);
+TEST(Constants, OfIntegersHaveTheFrameworksValues) {
+  // Names without kAB; those of a group count up from its first value.
+  const std::pair<std::int64_t, const char*> groups[] = {
+      {1001, "ABAddRecordsError ABRemoveRecordsError"},
+      {1012, "ABPropertyValueValidationError ABPropertyUnsupportedBySourceError ABPropertyReadOnlyError"},
+      {7, "ShowAsMask"},
+      {0, "ShowAsPerson ShowAsCompany ShowAsResource ShowAsRoom"},
+      {56, "NameOrderingMask"},
+      {0, "DefaultNameOrdering"},
+      {32, "FirstNameFirst"},
+      {16, "LastNameFirst"},
+      {0, "SearchAnd SearchOr"},
+      {0,
+       "Equal NotEqual LessThan LessThanOrEqual GreaterThan GreaterThanOrEqual EqualCaseInsensitive ContainsSubString "
+       "ContainsSubStringCaseInsensitive PrefixMatch PrefixMatchCaseInsensitive BitsInBitFieldMatch "
+       "DoesNotContainSubString DoesNotContainSubStringCaseInsensitive NotEqualCaseInsensitive SuffixMatch "
+       "SuffixMatchCaseInsensitive WithinIntervalAroundToday WithinIntervalAroundTodayYearless "
+       "NotWithinIntervalAroundToday NotWithinIntervalAroundTodayYearless WithinIntervalFromToday "
+       "WithinIntervalFromTodayYearless NotWithinIntervalFromToday NotWithinIntervalFromTodayYearless"},
+      {256, "MultiValueMask"},
+      {0,
+       "ErrorInProperty StringProperty IntegerProperty RealProperty DateProperty ArrayProperty DictionaryProperty "
+       "DataProperty DateComponentsProperty"},
+      {257,
+       "MultiStringProperty MultiIntegerProperty MultiRealProperty MultiDateProperty MultiArrayProperty "
+       "MultiDictionaryProperty MultiDataProperty MultiDateComponentsProperty"},
+  };
+  std::vector<std::pair<std::string, std::int64_t>> expected;
+  for (auto [value, text] : groups) {
+    std::istringstream names(text);
+    for (std::string name; names >> name; ++value) {
+      expected.emplace_back(name.starts_with("AB") ? name : "kAB" + name, value);
+    }
   }
+  const Host host{};
+  std::vector<std::pair<std::string, std::int64_t>> declared;
+  for (const auto& [name, value] : host::requireClass(kBook).constants) declared.emplace_back(name, value);
+  EXPECT_EQ(declared, expected);
+  EXPECT_EQ(declared.size(), 59U);
+  EXPECT_EQ(host::constant("ABSearchElementVXR", "kABSearchAnd"), 0);
+  EXPECT_EQ(host::constant("ABSearchElementVXR", "kABSearchOr"), 1);
 }

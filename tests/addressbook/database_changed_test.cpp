@@ -3,7 +3,7 @@
 #include "host/memory_blocks.h"
 #include "platform/contacts/address_book.h"
 #include "platform/foundation/notification.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 
 #include <chrono>
 #include <thread>

@@ -1,6 +1,6 @@
 #include "platform/contacts/group.h"
 #include "tests/addressbook/book_text.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 #include "tests/contacts/in_child.h"
 
 #include <set>
@@ -19,45 +19,7 @@ Value bookOf(const Host& host) { return host.shared(kBook, "sharedAddressbook");
 
 Value recordOf(const Host& host, const char* id) { return bookOf(host).call("recordForUniqueId", id); }
 
-// Of the first group, in an order in which each row finds what it needs.
-MemberRows rows(const Host& host) {
-  const Value ada = recordOf(host, "p1:ABPerson");
-  const Value grace = recordOf(host, "p2:ABPerson");
-  const Value play = recordOf(host, "g2:ABGroup");
-  const Value second = ada.call("valueForProperty", "Email").call("identifierAtIndex", 0);
-  return {
-      {"members", {}, "members", "[p1:ABPerson]", "[]"},
-      {"subgroups", {}, "subgroups", "[g2:ABGroup]", "[]"},
-      {"parentGroups", {}, "parentGroups", "[g3:ABGroup]", "[]"},
-      {"distributionIdentifierForProperty",
-       {"Email", ada},
-       "distributionIdentifierForProperty:person:",
-       shown(second),
-       "''"},
-      {"addMember", {grace}, "addMember:", "Boolean True", "Boolean False"},
-      {"removeMember", {grace}, "removeMember:", "Boolean True", "Boolean False"},
-      {"removeSubgroup", {play}, "removeSubgroup:", "Boolean True", "Boolean False"},
-      {"addSubgroup", {play}, "addSubgroup:", "Boolean True", "Boolean False"},
-  };
-}
-
 }  // namespace
-
-TEST(Group, SendsAndConverts) {
-  const Host host{.contacts = kContacts};
-  expectResults(recordOf(host, "g1:ABGroup"), rows(host));
-}
-
-TEST(Group, AnswersNeutrallyWhereSomethingIsMissing) {
-  const Host host{.contacts = kContacts};
-  expectNeutralWithoutArguments(recordOf(host, "g1:ABGroup"), rows(host));
-  expectNeutralWhenEmpty(emptyInstance("ABGroupVXR"), rows(host));
-}
-
-TEST(Group, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  expectNeutralWhenRaising(recordOf(host, "g1:ABGroup"), rows(host));
-}
 
 TEST(Group, IsMadeWithOrWithoutABook) {
   const Host host{.contacts = kContacts};

@@ -2,7 +2,7 @@
 #include "host/dictionaries.h"
 #include "host/memory_blocks.h"
 #include "tests/addressbook/book_text.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 #include "tests/contacts/in_child.h"
 
 #include <set>

@@ -3,7 +3,7 @@
 #include "host/dictionaries.h"
 #include "host/memory_blocks.h"
 #include "tests/addressbook/book_text.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 #include "tests/contacts/in_child.h"
 
 namespace {
@@ -23,74 +23,7 @@ Value adaOf(const Host& host) {
 
 Value phonesOf(const Host& host) { return adaOf(host).call("valueForProperty", "Phone"); }
 
-MemberRows readingRows(const Value& phones) {
-  const Value second = phones.call("identifierAtIndex", 1);
-  return {
-      {"count", {}, "count", "Integer 3", "Integer 0"},
-      {"propertyType", {}, "propertyType", "Integer 257", "Integer 0"},
-      {"primaryIdentifier", {}, "primaryIdentifier", shown(second), "''"},
-      {"indexForIdentifier", {second}, "indexForIdentifier:", "UInt32 1", "UInt32 0", {0}},
-      {"identifierAtIndex", {1}, "identifierAtIndex:", shown(second), "''"},
-      {"labelAtIndex", {1}, "labelAtIndex:", "'_$!<Work>!$_'", "''"},
-      {"valueAtIndex", {1}, "valueAtIndex:", "'2'", "Nil"},
-      {"labelForIdentifier", {second}, "labelAtIndex:", "'_$!<Work>!$_'", "''", {0}},
-      {"valueForIdentifier", {second}, "valueAtIndex:", "'2'", "Nil", {0}},
-      {"valueForLabel", {kWork}, "labelAtIndex:", "'2'", "Nil"},
-      {"Description", {}, "description", kAnything, "''"},
-      {"edit", {}, "mutableCopy", "ABMutableMultiValueVXR", "Nil"},
-      {"copy", {}, "copy", "ABMultiValueVXR", "Nil"},
-  };
-}
-
-// Each leaves an entry for the next.
-MemberRows editingRows(const Value& phones) {
-  return {
-      {"addValue", {"4", kWork}, "addValue:withLabel:", kAnything, "''"},
-      {"insertValue", {"0", kHome, 0}, "insertValue:withLabel:atIndex:", kAnything, "''"},
-      {"replaceValueAtIndex", {0, "5"}, "replaceValueAtIndex:withValue:", "Boolean True", "Boolean False"},
-      {"replaceLabelAtIndex", {0, "boat"}, "replaceLabelAtIndex:withLabel:", "Boolean True", "Boolean False"},
-      {"setPrimaryIdentifier",
-       {phones.call("identifierAtIndex", 0)},
-       "setPrimaryIdentifier:",
-       "Boolean True",
-       "Boolean False"},
-      {"removeValueAndLabelAtIndex", {0}, "removeValueAndLabelAtIndex:", "Boolean True", "Boolean False"},
-  };
-}
-
 }  // namespace
-
-TEST(MultiValue, SendsAndConverts) {
-  const Host host{.contacts = kContacts};
-  const Value phones = phonesOf(host);
-  expectResults(phones, readingRows(phones));
-  const Value edited = phones.call("edit");
-  expectResults(edited, readingRows(phones));
-  expectResults(edited, editingRows(phones));
-  EXPECT_EQ(multiValueText(phones), multiValueText(phonesOf(host)));
-}
-
-TEST(MultiValue, AnswersNeutrallyWhereSomethingIsMissing) {
-  const Host host{.contacts = kContacts};
-  const Value phones = phonesOf(host);
-  expectNeutralWithoutArguments(phones, readingRows(phones));
-  expectNeutralWhenEmpty(host.make("ABMultiValueVXR"), readingRows(phones));
-  const Value edited = phones.call("edit");
-  expectNeutralWithoutArguments(edited, editingRows(phones));
-  EXPECT_EQ(multiValueText(edited), multiValueText(phones));
-  expectNeutralWhenEmpty(emptyInstance("ABMutableMultiValueVXR"), readingRows(phones));
-  expectNeutralWhenEmpty(emptyInstance("ABMutableMultiValueVXR"), editingRows(phones));
-}
-
-TEST(MultiValue, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  const Value phones = phonesOf(host);
-  expectNeutralWhenRaising(phones, readingRows(phones));
-  expectNeutralWhenRaising(phones.call("edit"), editingRows(phones));
-  // The entry found before stays.
-  const MemberRow byLabel{"valueForLabel", {kHome}, "labelAtIndex:", "", ""};
-  EXPECT_EQ(byLabel.outcome(phones, {kHome}, 3).first, "'1'");
-}
 
 TEST(MultiValue, LeavesUnknownEntriesToTheFramework) {
   const Host host{.contacts = kContacts};

@@ -4,7 +4,7 @@
 #include "platform/appkit/workspace.h"
 #include "platform/objc/class_builder.h"
 #include "tests/addressbook/book_text.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 
 namespace {
 
@@ -37,48 +37,7 @@ bool noteOpened(NSWorkspace, NSURL url) {
 
 void replaceWorkspace() { objc::ClassBuilder(Class("NSWorkspace")).method<&noteOpened>("openURL:"); }
 
-// In an order in which each row finds what it needs.
-MemberRows rows() {
-  return {
-      {"vCardRepresentation", {}, "vCardRepresentation", kAnything, "Nil"},
-      {"parentGroups", {}, "parentGroups", "[g1:ABGroup g2:ABGroup]", "[]"},
-      {"setImageData", {host::memoryBlock(picture())}, "setImageData:", "Boolean True", "Boolean False", {0}},
-      {"imageData", {}, "imageData", "block " + picture(), "Nil"},
-      {"image", {}, "initWithData:", "NSImageVXR", "Nil"},
-      {"ShowInAddressbook", {}, "openURL:", "Boolean True", "Boolean False"},
-      {"EditInAddressbook", {}, "openURL:", "Boolean True", "Boolean False"},
-      {"linkedPeople", {}, "linkedPeople", "[p1:ABPerson]", "[]"},
-  };
-}
-
 }  // namespace
-
-TEST(Person, SendsAndConverts) {
-  const Host host{.contacts = kContacts};
-  replaceWorkspace();
-  expectResults(adaOf(host), rows());
-}
-
-TEST(Person, AnswersNeutrallyWhereSomethingIsMissing) {
-  const Host host{.contacts = kContacts};
-  replaceWorkspace();
-  expectNeutralWhenEmpty(emptyInstance("ABPersonVXR"), rows());
-  expectNeutralWhenEmpty(host.make("ABPersonVXR", host::memoryBlock("no card")), rows());
-  EXPECT_EQ(opened, "");
-}
-
-TEST(Person, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  const Value ada = adaOf(host);
-  ada.call("setImageData", host::memoryBlock(picture()));
-  for (const MemberRow& row : rows()) {
-    if (row.member == std::string("image")) continue;
-    expectNeutralWhenRaising(ada, {row});
-  }
-  expectNeutralWhenRaising(ada, {{"image", {}, "imageData", "", "Nil"}});
-  expectNeutralWhenRaising(ada, {{"ShowInAddressbook", {}, "uniqueId", "", "Boolean False"}});
-  EXPECT_EQ((MemberRow{"parentGroups", {}, "nextObject", "", ""}.outcome(ada, {}, 2).first), "[g1:ABGroup]");
-}
 
 TEST(Person, LeavesAnUnknownSelectorToTheFramework) {
   const Host host{.contacts = kContacts, .withoutSelectors = {"linkedPeople"}};

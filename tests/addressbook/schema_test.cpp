@@ -2,33 +2,11 @@
 #include "platform/contacts/group.h"
 #include "platform/foundation/number.h"
 #include "platform/objc/class_builder.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 
 namespace {
 
-using host::Value;
-
 constexpr const char* kClasses[] = {"ABPersonVXR", "ABGroupVXR"};
-
-Value strings(const std::vector<Value>& texts) { return host::stringArray(texts); }
-
-// In an order in which each row finds what it needs.
-MemberRows rows(const char* sharedBy) {
-  return {
-      {"addProperty", {"mine", 257}, "addPropertiesAndTypes:", "Integer 1", "Integer 0", {}, sharedBy},
-      {"typeOfProperty", {"mine"}, "typeOfProperty:", "Integer 257", "Integer 0", {}, sharedBy},
-      {"properties", {}, "properties", kAnything, "[]", {}, sharedBy},
-      {"removeProperty", {"mine"}, "removeProperties:", "Integer 1", "Integer 0", {}, sharedBy},
-      {"removeProperties", {strings({"mine", ""})}, "removeProperties:", "Integer 0", "Integer 0", {}, sharedBy},
-      {"searchElementForProperty",
-       {"UID", "", "", "x", 0},
-       "searchElementForProperty:label:key:value:comparison:",
-       "ABSearchElementVXR",
-       "Nil",
-       {1, 2},
-       sharedBy},
-  };
-}
 
 // The type that the framework was given last.
 std::int64_t givenType = 0;
@@ -40,37 +18,21 @@ NSInteger noteType(Class, NSDictionary properties) {
 
 }  // namespace
 
-TEST(Schema, SendsAndConverts) {
+TEST(Schema, IsOfItsClass) {
   const Host host{};
-  for (const char* sharedBy : kClasses) {
-    SCOPED_TRACE(sharedBy);
-    expectResults(nullptr, rows(sharedBy));
-    EXPECT_EQ(host.shared(sharedBy, "typeOfProperty", "Creation"), 4);
-    EXPECT_EQ(host.shared(sharedBy, "typeOfProperty", "mine"), 0);
-  }
   EXPECT_EQ(host.shared("ABGroupVXR", "properties").at(3), "GroupName");
   EXPECT_EQ(host.shared("ABPersonVXR", "properties").at(3), "First");
-}
-
-TEST(Schema, AnswersNeutrallyWhereSomethingIsMissing) {
-  const Host host{};
-  for (const char* sharedBy : kClasses) expectNeutralWithoutArguments(nullptr, rows(sharedBy));
-}
-
-TEST(Schema, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.without = {"RuntimeRaiseException"}};
-  for (const char* sharedBy : kClasses) {
-    expectNeutralWhenRaising(nullptr, rows(sharedBy));
-    const MemberRow properties{"properties", {}, "nextObject", "", "", {}, sharedBy};
-    EXPECT_EQ(properties.outcome(nullptr, {}, 2).first, "['UID']");
-  }
+  EXPECT_EQ(host.shared("ABGroupVXR", "addProperty", "mine", 3), 1);
+  EXPECT_EQ(host.shared("ABGroupVXR", "typeOfProperty", "mine"), 3);
+  EXPECT_EQ(host.shared("ABPersonVXR", "typeOfProperty", "mine"), 0);
 }
 
 TEST(Schema, HandsAnEmptyListOn) {
   const Host host{};
   for (const char* sharedBy : kClasses) {
-    const MemberRow row{"removeProperties", {}, "removeProperties:", "", "", {}, sharedBy};
-    EXPECT_EQ(row.outcome(nullptr, {strings({})}), std::pair(std::string("Integer 0"), 1));
+    const Sends sends("removeProperties:");
+    EXPECT_EQ(host.shared(sharedBy, "removeProperties", host::stringArray({})), 0);
+    EXPECT_EQ(sends.count(), 1);
   }
 }
 

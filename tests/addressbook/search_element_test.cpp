@@ -1,6 +1,6 @@
 #include "host/arrays.h"
 #include "host/dates.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
 
 #include <ctime>
 
@@ -145,30 +145,11 @@ TEST(SearchElement, JoinsOthersThroughBothClasses) {
   }
 }
 
-TEST(SearchElement, AnswersNeutrallyWhereSomethingIsMissing) {
+TEST(SearchElement, NeedsAValueThatTheFrameworkCanHave) {
   const Host host{.contacts = kContacts};
-  const Value ada = bookOf(host).call("people").at(0);
-  const MemberRows rows{{"matchesRecord", {ada}, "matchesRecord:", "Boolean True", "Boolean False"},
-                        {"Description", {}, "description", kAnything, "''"}};
-  const Value element = nameElement(host, "Ada");
-  expectResults(element, rows);
-  expectNeutralWithoutArguments(element, rows);
-  expectNeutralWhenEmpty(host.make(kElement), rows);
-  expectNeutralWhenEmpty(emptyInstance(kElement), rows);
   for (const Value& unfit : {Value(), Value(""), host.make("RuntimeException")}) {
     EXPECT_TRUE(host.shared("ABPersonVXR", "searchElementForProperty", "First", "", "", unfit, 0).isNil());
   }
-}
-
-TEST(SearchElement, AnswersNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  const Value element = nameElement(host, "Ada");
-  const Value children = host::objectArray({element});
-  expectNeutralWhenRaising(
-      element,
-      {{"matchesRecord", {bookOf(host).call("people").at(0)}, "matchesRecord:", "", "Boolean False"},
-       {"Description", {}, "description", "", "''"},
-       {"searchElementForConjunction", {0, children}, "searchElementForConjunction:children:", "", "Nil", {}, kBook}});
 }
 
 TEST(SearchElement, KeepsItsChildrenAlive) {

@@ -3,7 +3,13 @@
 #include "platform/contacts/address_book.h"
 #include "platform/foundation/cf_dictionary.h"
 #include "platform/objc/class_builder.h"
-#include "tests/addressbook/member_rows.h"
+#include "tests/addressbook/framework_calls.h"
+
+#include <dlfcn.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cerrno>
 
 namespace {
 
@@ -90,6 +96,26 @@ TEST(SharedAddressbook, IsOpenedHereWhenTheWorkerCouldNot) {
   }
   EXPECT_EQ(liveBooks(), 1);
   EXPECT_EQ(host.shared(kBook, "sharedAddressbook").call("people").size(), 2U);
+}
+
+namespace {
+
+std::atomic<bool> noThreads{false};
+
+}  // namespace
+
+// Stands before the system's own.
+extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
+                              void* argument) noexcept {
+  if (noThreads) return EAGAIN;
+  static auto* system = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
+  return system(thread, attributes, start, argument);
+}
+
+TEST(SharedAddressbook, IsOpenedWhereThereIsNoThreadToBeHad) {
+  const Host host{.contacts = kContacts};
+  noThreads = true;
+  EXPECT_EQ(host.shared(kBook, "sharedAddressbookMT").call("people").size(), 2U);
 }
 
 namespace {

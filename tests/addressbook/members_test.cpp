@@ -1,0 +1,332 @@
+#include "host/arrays.h"
+#include "host/dictionaries.h"
+#include "host/memory_blocks.h"
+#include "platform/appkit/workspace.h"
+#include "platform/objc/class_builder.h"
+#include "tests/addressbook/framework_calls.h"
+
+#include <algorithm>
+#include <vector>
+
+// Every member as a row: what it sends to the framework, what it answers, and what when something is missing or the
+// framework raises.
+namespace {
+
+using host::Value;
+
+constexpr const char* kAnything = "*";
+constexpr const char* kTrue = "Boolean True";
+constexpr const char* kFalse = "Boolean False";
+
+struct Row {
+  const char* member;
+  host::Arguments arguments;
+  const char* selector;  // of the framework's part
+  std::string result;    // kAnything: not compared
+  std::string neutral;
+  std::vector<std::size_t> passedOn = {};  // arguments that may be missing
+  const char* sharedBy = nullptr;          // the class of a shared method
+
+  // The answer, and how often the selector was sent.
+  [[nodiscard]] std::pair<std::string, int> outcome(const Value& self, const host::Arguments& given,
+                                                    int raiseAt = 0) const {
+    Value answer;
+    int count = 0;
+    {
+      const Sends sends(selector, raiseAt);
+      answer =
+          sharedBy == nullptr ? host::callMember(self, member, given) : host::callSharedMember(sharedBy, member, given);
+      count = sends.count();
+    }
+    return {told(answer), count};
+  }
+};
+
+using Rows = std::vector<Row>;
+
+const std::vector<Card> kContacts{
+    person("Ada", "Lovelace", "p1",
+           {"EMAIL:ada@x.org", "EMAIL:2@x.org", "TEL;TYPE=HOME:1", "TEL;TYPE=WORK:2", "TEL;TYPE=HOME:3"}),
+    person("Grace", "Hopper", "p2", {"EMAIL:ADA@x.org"}), group("work", "g1", {"p1", "g2"}),
+    group("Work", "g2", {"p1"}), group("Work", "g3", {"g1"})};
+
+constexpr const char* kBook = "ABAddressBookVXR";
+
+// One white pixel.
+const std::string kPicture(
+    "GIF89a\x01\0\x01\0\x80\0\0\xff\xff\xff\0\0\0,\0\0\0\0\x01\0\x01\0\0\x02\x02"
+    "D\x01\0;",
+    35);
+
+Value bookOf(const Host& host) { return host.shared(kBook, "sharedAddressbook"); }
+Value recordOf(const Host& host, const char* id) { return bookOf(host).call("recordForUniqueId", id); }
+Value ada(const Host& host) { return recordOf(host, "p1:ABPerson"); }
+Value work(const Host& host) { return recordOf(host, "g1:ABGroup"); }
+Value phones(const Host& host) { return ada(host).call("valueForProperty", "Phone"); }
+Value editedPhones(const Host& host) { return phones(host).call("edit"); }
+Value nothing(const Host&) { return {}; }
+Value search(const Host& host) {
+  return host.shared("ABPersonVXR", "searchElementForProperty", "First", "", "", "Ada", 0);
+}
+
+// The rows below stand in an order in which each finds what it needs.
+
+Rows bookRows(const Host& host) {
+  return {
+      {"recordsMatchingSearchElement", {search(host)}, "recordsMatchingSearchElement:", "[p1:ABPerson]", "[]"},
+      {"groups", {}, "groups", "[g1:ABGroup g2:ABGroup g3:ABGroup]", "[]"},
+      {"people", {}, "people", "[p1:ABPerson p2:ABPerson]", "[]"},
+      {"setMe", {ada(host)}, "setMe:", "Nil", "Nil", {0}},
+      {"owner", {}, "me", "p1:ABPerson", "Nil"},
+      {"hasUnsavedChanges", {}, "hasUnsavedChanges", kTrue, kFalse},
+      {"save", {}, "save", kTrue, kFalse},
+      {"defaultCountryCode", {}, "defaultCountryCode", "'us'", "''"},
+      {"defaultNameOrdering", {}, "defaultNameOrdering", "Integer 32", "Integer 0"},
+      {"recordClassFromUniqueId", {"g1:ABGroup"}, "recordClassFromUniqueId:", "'ABGroup'", "''"},
+      {"recordForUniqueId", {"g1:ABGroup"}, "recordForUniqueId:", "g1:ABGroup", "Nil"},
+      {"personForUniqueId", {"p2:ABPerson"}, "recordForUniqueId:", "p2:ABPerson", "Nil"},
+      {"groupForUniqueId", {"g2:ABGroup"}, "recordForUniqueId:", "g2:ABGroup", "Nil"},
+      {"groupForName", {"Work"}, "groups", "g2:ABGroup", "Nil", {0}},
+      {"peopleForEmail", {"aDA@x.org"}, "recordsMatchingSearchElement:", "[p1:ABPerson p2:ABPerson]", "[]", {0}},
+      {"removeRecord", {ada(host)}, "removeRecord:", kTrue, kFalse},
+      {"addRecord", {ada(host)}, "addRecord:", kTrue, kFalse},
+      {"formattedAddressFromDictionary",
+       {host::dictionary({{"City", "Ghent"}})},
+       "formattedAddressFromDictionary:",
+       "NSAttributedStringVXR",
+       "Nil"},
+  };
+}
+
+Rows recordRows(const char* id, const char* property) {
+  return {
+      {"setValue", {"Countess", property}, "setValue:forProperty:", kTrue, kFalse, {0}},
+      {"valueForProperty", {property}, "valueForProperty:", "'Countess'", "Nil"},
+      {"uniqueId", {}, "uniqueId", id, "''"},
+      {"isReadOnly", {}, "isReadOnly", kFalse, kFalse},
+      {"DisplayName", {}, "displayNameVXR", kAnything, "''"},
+      {"Description", {}, "description", kAnything, "''"},
+      {"removeValueForProperty", {property}, "removeValueForProperty:", kTrue, kFalse},
+  };
+}
+
+Rows personRecordRows(const Host&) { return recordRows("'p1:ABPerson'", "Nickname"); }
+Rows groupRecordRows(const Host&) { return recordRows("'g1:ABGroup'", "GroupName"); }
+
+bool openNothing(NSWorkspace, NSURL) { return true; }
+
+Rows personRows(const Host&) {
+  objc::ClassBuilder(Class("NSWorkspace")).method<&openNothing>("openURL:");
+  return {
+      {"vCardRepresentation", {}, "vCardRepresentation", kAnything, "Nil"},
+      {"parentGroups", {}, "parentGroups", "[g1:ABGroup g2:ABGroup]", "[]"},
+      {"setImageData", {host::memoryBlock(kPicture)}, "setImageData:", kTrue, kFalse, {0}},
+      {"imageData", {}, "imageData", "block " + kPicture, "Nil"},
+      {"image", {}, "imageData", "NSImageVXR", "Nil"},
+      {"ShowInAddressbook", {}, "openURL:", kTrue, kFalse},
+      {"EditInAddressbook", {}, "uniqueId", kTrue, kFalse},
+      {"linkedPeople", {}, "linkedPeople", "[p1:ABPerson]", "[]"},
+  };
+}
+
+Rows groupRows(const Host& host) {
+  const Value grace = recordOf(host, "p2:ABPerson");
+  const Value sub = recordOf(host, "g2:ABGroup");
+  return {
+      {"members", {}, "members", "[p1:ABPerson]", "[]"},
+      {"subgroups", {}, "subgroups", "[g2:ABGroup]", "[]"},
+      {"parentGroups", {}, "parentGroups", "[g3:ABGroup]", "[]"},
+      {"distributionIdentifierForProperty",
+       {"Email", ada(host)},
+       "distributionIdentifierForProperty:person:",
+       shown(ada(host).call("valueForProperty", "Email").call("identifierAtIndex", 0)),
+       "''"},
+      {"addMember", {grace}, "addMember:", kTrue, kFalse},
+      {"removeMember", {grace}, "removeMember:", kTrue, kFalse},
+      {"removeSubgroup", {sub}, "removeSubgroup:", kTrue, kFalse},
+      {"addSubgroup", {sub}, "addSubgroup:", kTrue, kFalse},
+  };
+}
+
+Rows multiValueRows(const Host& host) {
+  const Value second = phones(host).call("identifierAtIndex", 1);
+  return {
+      {"count", {}, "count", "Integer 3", "Integer 0"},
+      {"propertyType", {}, "propertyType", "Integer 257", "Integer 0"},
+      {"primaryIdentifier", {}, "primaryIdentifier", shown(phones(host).call("identifierAtIndex", 0)), "''"},
+      {"indexForIdentifier", {second}, "indexForIdentifier:", "UInt32 1", "UInt32 0", {0}},
+      {"identifierAtIndex", {1}, "identifierAtIndex:", shown(second), "''"},
+      {"labelAtIndex", {1}, "labelAtIndex:", "'_$!<Work>!$_'", "''"},
+      {"valueAtIndex", {1}, "valueAtIndex:", "'2'", "Nil"},
+      {"labelForIdentifier", {second}, "labelAtIndex:", "'_$!<Work>!$_'", "''", {0}},
+      {"valueForIdentifier", {second}, "valueAtIndex:", "'2'", "Nil", {0}},
+      {"valueForLabel", {"_$!<Work>!$_"}, "labelAtIndex:", "'2'", "Nil"},
+      {"Description", {}, "description", kAnything, "''"},
+      {"edit", {}, "mutableCopy", "ABMutableMultiValueVXR", "Nil"},
+      {"copy", {}, "copy", "ABMultiValueVXR", "Nil"},
+  };
+}
+
+Rows editingRows(const Host& host) {
+  const Value first = phones(host).call("identifierAtIndex", 0);
+  return {
+      {"addValue", {"4", "car"}, "addValue:withLabel:", kAnything, "''"},
+      {"insertValue", {"0", "car", 0}, "insertValue:withLabel:atIndex:", kAnything, "''"},
+      {"replaceValueAtIndex", {0, "5"}, "replaceValueAtIndex:withValue:", kTrue, kFalse},
+      {"replaceLabelAtIndex", {0, "boat"}, "replaceLabelAtIndex:withLabel:", kTrue, kFalse},
+      {"setPrimaryIdentifier", {first}, "setPrimaryIdentifier:", kTrue, kFalse},
+      {"removeValueAndLabelAtIndex", {0}, "removeValueAndLabelAtIndex:", kTrue, kFalse},
+  };
+}
+
+Rows searchRows(const Host& host) {
+  return {{"matchesRecord", {ada(host)}, "matchesRecord:", kTrue, kFalse},
+          {"Description", {}, "description", kAnything, "''"}};
+}
+
+Rows sharedRows(const Host& host) {
+  Rows rows;
+  for (const char* by : {kBook, "ABSearchElementVXR"}) {
+    rows.push_back({"searchElementForConjunction",
+                    {0, host::objectArray({search(host)})},
+                    "searchElementForConjunction:children:",
+                    "ABSearchElementVXR",
+                    "Nil",
+                    {},
+                    by});
+  }
+  constexpr const char* kFactory = "searchElementForProperty:label:key:value:comparison:";
+  for (const auto& [member, by] : {std::pair("searchElementForPersonProperty", kBook),
+                                   {"searchElementForGroupProperty", kBook},
+                                   {"searchElementForProperty", "ABPersonVXR"},
+                                   {"searchElementForProperty", "ABGroupVXR"}}) {
+    rows.push_back({member, {"UID", "", "", "x", 0}, kFactory, "ABSearchElementVXR", "Nil", {1, 2}, by});
+  }
+  for (const char* by : {"ABPersonVXR", "ABGroupVXR"}) {
+    const Value list = host::stringArray({"mine", ""});
+    rows.insert(rows.end(), {{"addProperty", {"mine", 257}, "addPropertiesAndTypes:", "Integer 1", "Integer 0", {}, by},
+                             {"typeOfProperty", {"mine"}, "typeOfProperty:", "Integer 257", "Integer 0", {}, by},
+                             {"properties", {}, "properties", kAnything, "[]", {}, by},
+                             {"removeProperty", {"mine"}, "removeProperties:", "Integer 1", "Integer 0", {}, by},
+                             {"removeProperties", {list}, "removeProperties:", "Integer 0", "Integer 0", {}, by}});
+  }
+  return rows;
+}
+
+struct Subject {
+  const char* name;
+  Value (*object)(const Host& host);
+  Rows (*rows)(const Host& host);
+};
+
+void PrintTo(const Subject& subject, std::ostream* stream) { *stream << subject.name; }
+
+class Members : public testing::TestWithParam<Subject> {};
+
+constexpr Subject kSubjects[] = {{"Book", bookOf, bookRows},
+                                 {"PersonAsRecord", ada, personRecordRows},
+                                 {"GroupAsRecord", work, groupRecordRows},
+                                 {"Person", ada, personRows},
+                                 {"Group", work, groupRows},
+                                 {"MultiValue", phones, multiValueRows},
+                                 {"MutableMultiValue", editedPhones, multiValueRows},
+                                 {"Editing", editedPhones, editingRows},
+                                 {"SearchElement", search, searchRows},
+                                 {"SharedMethods", nothing, sharedRows}};
+
+INSTANTIATE_TEST_SUITE_P(Of, Members, testing::ValuesIn(kSubjects),
+                         [](const auto& tested) { return tested.param.name; });
+
+}  // namespace
+
+TEST_P(Members, SendAndConvert) {
+  const Host host{.contacts = kContacts};
+  const Value self = GetParam().object(host);
+  for (const Row& row : GetParam().rows(host)) {
+    SCOPED_TRACE(row.member);
+    const auto [result, count] = row.outcome(self, row.arguments);
+    EXPECT_EQ(row.result == kAnything ? kAnything : result, row.result);
+    EXPECT_GE(count, 1) << row.selector << " was not sent";
+  }
+}
+
+TEST_P(Members, AnswerNeutrallyWhenTheObjectIsEmpty) {
+  const Host host{.contacts = kContacts};
+  const Value self = GetParam().object(host);
+  if (self.isNil()) return;
+  for (const Row& row : GetParam().rows(host)) {
+    EXPECT_EQ(row.outcome(emptyInstance(self.typeName()), row.arguments), std::pair(row.neutral, 0)) << row.member;
+  }
+}
+
+// Each argument in turn is nil, "" or an empty object of its class.
+TEST_P(Members, AnswerNeutrallyWhenAnArgumentIsMissing) {
+  const Host host{.contacts = kContacts};
+  const Value self = GetParam().object(host);
+  for (const Row& row : GetParam().rows(host)) {
+    for (std::size_t i = 0; i < row.arguments.size(); ++i) {
+      const Value& present = row.arguments[i].value();
+      std::vector<Value> missing;
+      if (std::holds_alternative<host::StringRef>(present.data())) missing = {""};
+      if (std::holds_alternative<host::ObjectRef>(present.data())) missing = {nullptr};
+      if (present.typeName().ends_with("VXR")) missing.push_back(emptyInstance(present.typeName()));
+      if (std::ranges::find(row.passedOn, i) != row.passedOn.end()) missing.clear();
+      for (const Value& value : missing) {
+        host::Arguments given = row.arguments;
+        given[i] = value;
+        EXPECT_EQ(row.outcome(self, given), std::pair(row.neutral, 0)) << row.member << ", argument " << i + 1;
+      }
+    }
+  }
+}
+
+// On a host that raises nothing, so that the answer is seen.
+TEST_P(Members, AnswerNeutrallyWhenTheFrameworkRaises) {
+  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
+  const Value self = GetParam().object(host);
+  for (const Row& row : GetParam().rows(host)) {
+    EXPECT_EQ(row.outcome(self, row.arguments, 1).first, row.neutral) << row.member;
+  }
+}
+
+TEST(Lists, KeepWhatWasThereWhenTheFrameworkRaises) {
+  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
+  const std::pair<Value, Row> rows[] = {
+      {bookOf(host), {"people", {}, "nextObject", "[p1:ABPerson]", ""}},
+      {bookOf(host), {"groups", {}, "nextObject", "[g1:ABGroup]", ""}},
+      {bookOf(host), {"peopleForEmail", {"ada@x.org"}, "nextObject", "[p1:ABPerson]", ""}},
+      {ada(host), {"parentGroups", {}, "nextObject", "[g1:ABGroup]", ""}},
+      {phones(host), {"valueForLabel", {"_$!<Home>!$_"}, "labelAtIndex:", "'1'", ""}},
+      {Value(), {"properties", {}, "nextObject", "['UID']", "", {}, "ABPersonVXR"}},
+  };
+  for (const auto& [self, row] : rows) EXPECT_EQ(row.outcome(self, row.arguments, 2).first, row.result) << row.member;
+}
+
+TEST(Members, LeaveTheExceptionToHostCode) {
+  const Host host{.contacts = kContacts};
+  const Value book = bookOf(host);
+  for (const char* selector : {"people", "nextObject"}) {
+    const Sends sends(selector, 1);
+    EXPECT_EQ(thrownBy([&] { book.call("people"); }), kRefused);
+  }
+  EXPECT_EQ(book.call("people").size(), 2U);
+}
+
+TEST(Members, AnswerNeutrallyWhatAnOldFrameworkLacks) {
+  const std::vector<std::string> later{"defaultCountryCode", "defaultNameOrdering",
+                                       "recordClassFromUniqueId:", "isReadOnly"};
+  const Host host{.contacts = kContacts, .withoutSelectors = later};
+  for (const auto& [self, rows] : {std::pair(bookOf(host), bookRows(host)), {ada(host), personRecordRows(host)}}) {
+    for (const Row& row : rows) {
+      if (std::ranges::find(later, row.selector) == later.end()) continue;
+      EXPECT_EQ(row.outcome(self, row.arguments), std::pair(row.neutral, 0)) << row.member;
+    }
+  }
+}
+
+TEST(Members, LeaveHostCodesOwnInstancesEmpty) {
+  const Host host{.contacts = kContacts};
+  for (const char* className : {"ABRecordVXR", "ABMultiValueVXR", "ABSearchElementVXR"}) {
+    EXPECT_EQ(host.make(className).get("Handle"), 0) << className;
+  }
+}
