@@ -32,36 +32,39 @@ SaveResult Database::save(const SaveRequest& request) {
 }
 
 SaveResult DatabaseSave::run() {
-  constexpr std::chrono::seconds kPatience{10};
   constexpr int kTries = 5;
-  Folder& folder = database_.folder_;
-  for (int i = 0; i < kTries; ++i) {
-    const bool isOther = folder.followOrMake();
-    const FolderLock writing(folder, FolderLock::Kind::kWrite, kPatience);
-    try {
-      prepare(isOther);
-      for (const CardUpdate& update : request_.updates) place(update);
-      write();
-      // Programs that don't know of the lock may have changed a file since it was read.
-      if (isUndisturbed()) {
-        if (!steps_.empty()) commitJournal(folder, steps_);
-        return finish();
-      }
-    } catch (...) {
-      dropTemporaries();
-      keepForeign();
-      throw;
+  foreign_ = std::exchange(database_.untold_, {});
+  try {
+    for (int i = 0; i < kTries; ++i) {
+      if (std::optional<SaveResult> result = saveOnce()) return *std::move(result);
     }
-    dropTemporaries();
+    throw FileError("the files keep changing", EBUSY);
+  } catch (...) {
+    database_.untold_ = std::move(foreign_);
+    throw;
   }
-  keepForeign();
-  throw FileError("the files keep changing", EBUSY);
 }
 
-// For the next who asks what has changed.
-void DatabaseSave::keepForeign() {
-  std::vector<CardChange>& untold = database_.untold_;
-  untold.insert(untold.end(), foreign_.begin(), foreign_.end());
+// Nothing when programs that don't know of the lock have changed a file since it was read.
+std::optional<SaveResult> DatabaseSave::saveOnce() {
+  constexpr std::chrono::seconds kPatience{10};
+  Folder& folder = database_.folder_;
+  const bool isOther = folder.followOrMake();
+  const FolderLock writing(folder, FolderLock::Kind::kWrite, kPatience);
+  try {
+    prepare(isOther);
+    for (const CardUpdate& update : request_.updates) place(update);
+    write();
+    if (isUndisturbed()) {
+      if (!steps_.empty()) commitJournal(folder, steps_);
+      return finish();
+    }
+  } catch (...) {
+    dropTemporaries();
+    throw;
+  }
+  dropTemporaries();
+  return std::nullopt;
 }
 
 // Finishes what a save that ended in the middle left, and removes what one left that never came to its end.
@@ -264,14 +267,20 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
 
 // A record that is removed lives on, and may be added again: with all that its card had.
 void DatabaseSave::keepRemoved(SaveResult& result) const {
+  for (std::size_t i = 0; i < request_.updates.size(); ++i) {
+    if (!request_.updates[i].isRemoval) continue;
+    auto whole = std::make_shared<StoredCard>(*request_.updates[i].card);
+    whole->database = nullptr;
+    result.saved[i].before = std::move(whole);
+  }
   for (const auto& [name, plan] : plans_) {
     const std::vector<std::string_view> sections = cardSections(plan.text);
     for (const auto& [position, update] : plan.byPosition) {
       if (!update->isRemoval) continue;
-      auto whole = std::make_shared<StoredCard>(*update->card);
-      whole->database = nullptr;
+      StoredCardPointer& before = result.saved[static_cast<std::size_t>(update - request_.updates.data())].before;
+      auto whole = std::make_shared<StoredCard>(*before);
       whole->text = sections[position];
-      result.saved[static_cast<std::size_t>(update - request_.updates.data())].before = std::move(whole);
+      before = std::move(whole);
     }
   }
 }

@@ -33,6 +33,7 @@ class DatabaseSave {
     std::vector<const CardUpdate*> added;
   };
 
+  std::optional<SaveResult> saveOnce();
   void prepare(bool isOtherFolder);
   void lookEverywhere();
   void place(const CardUpdate& update);
@@ -45,7 +46,6 @@ class DatabaseSave {
   void addStep(JournalStep::Target target, const std::string& name, Plan& plan);
   [[nodiscard]] bool isUndisturbed() const;
   void dropTemporaries();
-  void keepForeign();
   SaveResult finish();
   std::vector<CardChange> adoptWritten();
   void keepRemoved(SaveResult& result) const;

@@ -1,0 +1,274 @@
+#include "platform/contacts/address_book.h"
+#include "platform/foundation/log.h"
+#include "tests/contacts/contacts_folder.h"
+#include "tests/contacts/in_child.h"
+#include "tests/contacts/shown.h"
+#include "tests/contacts/store_scenarios.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<std::string> logged;
+
+void keepLog(NSString message) { logged.push_back(message.UTF8String()); }
+
+std::ptrdiff_t timesLogged(const std::string& text) {
+  return std::ranges::count_if(logged, [&](const std::string& line) { return line.find(text) != std::string::npos; });
+}
+
+std::string repeated(const std::string& text, std::size_t count) {
+  std::string all;
+  all.reserve(text.size() * count);
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+std::string card(const std::string& lines) { return "BEGIN:VCARD\nVERSION:3.0\n" + lines + "END:VCARD\n"; }
+
+void makeSocket(const fs::path& path) {
+  sockaddr_un address{};
+  address.sun_family = AF_UNIX;
+  std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
+  const int file = socket(AF_UNIX, SOCK_STREAM, 0);
+  EXPECT_EQ(bind(file, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0) << path;
+  close(file);
+}
+
+NSArray everybody() { return ABAddressBook::addressBook().people(); }
+
+// Every record gets a note, and all of it is saved.
+void changeAll() {
+  const ABAddressBook book = ABAddressBook::addressBook();
+  for (const NSArray& records : {book.people(), book.groups()}) {
+    for (NSUInteger i = 0; i < records.count(); ++i) {
+      const auto record = records.objectAtIndex(i).as<ABRecord>();
+      const bool isPerson = shown(record.uniqueId()).ends_with(":ABPerson");
+      EXPECT_TRUE(record.setValue("changed"_ns, isPerson ? kABNoteProperty : kABGroupNameProperty));
+    }
+  }
+  NSError error;
+  EXPECT_TRUE(book.save(&error)) << shown(error.localizedDescription());
+}
+
+class HostileFolder : public testing::Test {
+ protected:
+  HostileFolder() {
+    outside_.write("victim.vcf", card("UID:victim\nN:Victim\n"));
+    setenv("ADDRESSBOOK_FOLDER", folder_.path().c_str(), 1);
+  }
+  ~HostileFolder() override {
+    EXPECT_EQ(bytesOf(outside_.path() / "victim.vcf"), card("UID:victim\nN:Victim\n"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(outside_.path()), fs::directory_iterator()), 1);
+  }
+
+  [[nodiscard]] fs::path victim() const { return outside_.path() / "victim.vcf"; }
+  [[nodiscard]] fs::path data(const char* name) const { return folder_.path() / ".addressbook" / name; }
+
+  ContactsFolder outside_;
+  ContactsFolder folder_;
+};
+
+TEST_F(HostileFolder, RefusesWhatIsNoCardFileOnceByName) {
+  fs::create_symlink(victim(), folder_.path() / "link.vcf");
+  fs::create_symlink("nowhere", folder_.path() / "dangling.vcf");
+  fs::create_directory(folder_.path() / "directory.vcf");
+  EXPECT_EQ(mkfifo((folder_.path() / "fifo.vcf").c_str(), 0600), 0);
+  makeSocket(folder_.path() / "socket.vcf");
+  folder_.write("empty.vcf", "");
+  folder_.write("text.vcf", "not a card\n");
+  folder_.write("open.vcf", "BEGIN:VCARD\nVERSION:3.0\nN:Open\n");
+  folder_.write("large.vcf", "");
+  fs::resize_file(folder_.path() / "large.vcf", std::uintmax_t{33} << 20);
+  folder_.write("new\nline \xFF.vcf", "nothing");
+  const char* ignored[] = {".hidden.vcf", "a.vcf.tmp", "noextension", "b.vcf~", "c.vcfx1y2z3"};
+  for (const char* name : ignored) folder_.writeCard(name, "UID:x\nN:Ignored\n");
+  folder_.writeCard("good.vcf", "UID:good\nN:Good\n");
+  fs::create_hard_link(folder_.path() / "good.vcf", folder_.path() / "hard.vcf");
+  inChild([&] {
+    NSSetLogHook(&keepLog);
+    EXPECT_EQ(everybody().count(), 2U);
+    EXPECT_EQ(everybody().count(), 2U);
+    const char* refused[] = {
+        "link.vcf: is a symbolic link", "dangling.vcf: is a symbolic link", "directory.vcf: is no regular file",
+        "fifo.vcf: is no regular file", "socket.vcf: is no regular file",   "empty.vcf: is empty",
+        "text.vcf: is not a vCard",     "open.vcf: is not a vCard",         "large.vcf: is larger than 32 MB"};
+    for (const char* text : refused) EXPECT_EQ(timesLogged(text), 1) << text;
+    EXPECT_EQ(logged.size(), std::size(refused) + 1);
+    for (const std::string& line : logged) EXPECT_EQ(line.find('\n'), std::string::npos) << line;
+    changeAll();
+  });
+  for (const char* name : {"empty.vcf", "text.vcf", "open.vcf", "large.vcf", "fifo.vcf", "link.vcf", "directory.vcf"}) {
+    EXPECT_TRUE(fs::exists(fs::symlink_status(folder_.path() / name))) << name;
+  }
+  EXPECT_EQ(fs::file_size(folder_.path() / "empty.vcf"), 0U);
+}
+
+TEST_F(HostileFolder, ReadsAbsurdContentsAndSavesThem) {
+  const std::pair<const char*, std::string> files[] = {
+      {"nul.vcf", card(std::string("UID:nul\nN:a\0b\nX-NUL:\0\n", 22))},
+      {"bytes.vcf", card("UID:bytes\nN:\xFF\xFE\x80\n")},
+      {"cr.vcf", "BEGIN:VCARD\rVERSION:3.0\rUID:cr\rN:Cr\rEND:VCARD\r"},
+      {"line.vcf", card("UID:line\nN:Line\nNOTE:" + std::string(std::size_t{4} << 20, 'x') + "\n")},
+      {"lines.vcf", card("UID:lines\nN:Lines\n" + repeated("X:1\n", 200'000))},
+      {"parameters.vcf", card("UID:parameters\nN:P\nTEL" + repeated(";TYPE=x", 100'000) + ":1\n")},
+      {"nested.vcf", repeated("BEGIN:VCARD\n", 100'000) + card("UID:nested\nN:Nested\n")},
+      {"agents.vcf", repeated("BEGIN:VCARD\nAGENT:\n", 50'000) + "N:A\nUID:agents\n" + repeated("END:VCARD\n", 50'000)},
+      {"quotes.vcf", card("UID:quotes\nN:Q\nTEL;TYPE=\"open:1\nEMAIL;TYPE=,,;=;:x@y\n")},
+      {"base64.vcf", card("UID:base64\nN:B\nPHOTO;ENCODING=b:!!!" + std::string(3000, '=') + "\n")},
+      {"soft.vcf",
+       "BEGIN:VCARD\nVERSION:2.1\nUID:soft\nN;ENCODING=QUOTED-PRINTABLE;CHARSET=UTF-8:=C3=\n=A4\nEND:VCARD\n"},
+      {"orphans.vcf", card("UID:orphans\nN:O\nitem1.X-ABLabel:Nobody\nitem2.X-ABADR:de\n")},
+      {"twin1.vcf", card("UID:twin\nN:First\n")},
+      {"twin2.vcf", card("UID:twin\nN:Second\n")},
+      {"Case.vcf", card("UID:CASE\nN:Upper\n")},
+      {"case.vcf", card("UID:case\nN:Lower\n")},
+      {"caf\xC3\xA9.vcf", card("UID:composed\nN:Composed\n")},
+      {"cafe\xCC\x81.vcf", card("UID:decomposed\nN:Decomposed\n")},
+      {"-rf.vcf", card("N:No Uid\n")},
+      {"ring1.vcf",
+       card("UID:ring1\nN:Ring\nX-ADDRESSBOOKSERVER-KIND:group\nX-ADDRESSBOOKSERVER-MEMBER:urn:uuid:ring2\n")},
+      {"ring2.vcf",
+       card("UID:ring2\nN:Ring\nX-ADDRESSBOOKSERVER-KIND:group\nX-ADDRESSBOOKSERVER-MEMBER:urn:uuid:ring1\n"
+            "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:nobody\n")},
+  };
+  for (const auto& [name, bytes] : files) folder_.write(name, bytes);
+  inChild([&] {
+    const NSArray people = everybody();
+    EXPECT_EQ(people.count(), std::size(files) - 2);
+    for (NSUInteger i = 0; i < people.count(); ++i) {
+      const auto person = people.objectAtIndex(i).as<ABPerson>();
+      for (const NSString& property : {kABPhoneProperty, kABEmailProperty, kABLastNameProperty, kABNoteProperty}) {
+        shown(person, property.UTF8String());
+      }
+      EXPECT_FALSE(person.imageData());
+    }
+    const NSArray groups = ABAddressBook::addressBook().groups();
+    EXPECT_EQ(groups.count(), 2U);
+    changeAll();
+  });
+  inChild([&] {
+    const NSArray people = everybody();
+    EXPECT_EQ(people.count(), std::size(files) - 2);
+    for (NSUInteger i = 0; i < people.count(); ++i) {
+      EXPECT_EQ(shown(people.objectAtIndex(i).as<ABRecord>(), "Note"), "changed");
+    }
+  });
+}
+
+TEST_F(HostileFolder, FollowsAUidThatOthersChange) {
+  folder_.writeCard("a.vcf", "UID:old\nN:Adams\n");
+  inChild([&] {
+    const ABAddressBook book = ABAddressBook::addressBook();
+    const auto person = book.people().objectAtIndex(0).as<ABPerson>();
+    EXPECT_TRUE(person.setValue("mine"_ns, kABNoteProperty));
+    folder_.writeCard("a.vcf", "UID:new\nN:Adams\n");
+    EXPECT_TRUE(book.save());
+  });
+  // Which of both it is nobody knows: nothing of either is lost.
+  inChild([] {
+    EXPECT_EQ(everybody().count(), 2U);
+    EXPECT_TRUE(ABAddressBook::addressBook().recordForUniqueId("new:ABPerson"_ns));
+    EXPECT_EQ(shown(ABAddressBook::addressBook().recordForUniqueId("old:ABPerson"_ns), "Note"), "mine");
+  });
+}
+
+TEST_F(HostileFolder, WritesNothingThroughItsOwnFiles) {
+  enum class Kind { kLink, kDirectory, kFifo };
+  for (const char* name : {"journal", "me", "properties", "lock"}) {
+    for (const Kind kind : {Kind::kLink, Kind::kDirectory, Kind::kFifo}) {
+      SCOPED_TRACE(std::string(name) + " of kind " + std::to_string(static_cast<int>(kind)));
+      fs::remove_all(folder_.path());
+      fs::create_directories(data(name).parent_path());
+      folder_.writeCard("a.vcf", "UID:a\nN:Adams\n");
+      if (kind == Kind::kLink) fs::create_symlink(victim(), data(name));
+      if (kind == Kind::kDirectory) fs::create_directory(data(name));
+      if (kind == Kind::kFifo) mkfifo(data(name).c_str(), 0600);
+      inChild([&] {
+        const ABAddressBook book = ABAddressBook::addressBook();
+        ASSERT_EQ(book.people().count(), 1U);
+        const auto person = book.people().objectAtIndex(0).as<ABPerson>();
+        EXPECT_TRUE(person.setValue("x"_ns, kABNoteProperty));
+        book.setMe(person);
+        NSError error;
+        EXPECT_EQ(book.save(&error), std::string(name) == "properties");
+        EXPECT_TRUE(!error || shown(error.localizedDescription()).find(name) != std::string::npos)
+            << shown(error.localizedDescription());
+        fs::remove_all(data(name));
+        EXPECT_TRUE(book.save());
+      });
+      EXPECT_NE(bytesOf(folder_.path() / "a.vcf").find("NOTE:x"), std::string::npos);
+    }
+  }
+}
+
+// As the store computes it for its journal.
+std::uint64_t hashOf(std::string_view bytes) {
+  constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
+  std::uint64_t hash = bytes.size() * kPrime;
+  for (; !bytes.empty(); bytes.remove_prefix(std::min<std::size_t>(bytes.size(), 8))) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes.data(), std::min<std::size_t>(bytes.size(), 8));
+    hash = (hash ^ word) * kPrime;
+    hash ^= hash >> 29;
+  }
+  return hash;
+}
+
+TEST_F(HostileFolder, AppliesNoJournalThatLeadsOutOfIt) {
+  const std::string way = "../" + outside_.path().filename().string();
+  const std::tuple<const char*, std::string, std::string, bool> steps[] = {
+      {"card", "bmV3LnZjZg==", "bmV3LTEudG1w", true},               // new.vcf from new-1.tmp
+      {"card", "Li4vZXZpbC52Y2Y=", "bmV3LTEudG1w", false},          // ../evil.vcf
+      {"card", "bmV3LnZjZg==", "bmV3LS8uLi8uLi9hLnRtcA==", false},  // from new-/../../a.tmp
+      {"data", "Li4vbmV3LnZjZg==", "bmV3LTEudG1w", false},          // ../new.vcf
+      {"data", "bG9jaw==", "bmV3LTEudG1w", false},                  // lock
+      {"other", "bmV3LnZjZg==", "bmV3LTEudG1w", false},
+  };
+  for (const auto& [target, name, temporary, isGood] : steps) {
+    SCOPED_TRACE(std::string(target) + " " + name);
+    fs::remove_all(folder_.path());
+    fs::create_directories(folder_.path() / ".addressbook");
+    std::ofstream(data("new-1.tmp")) << card("UID:new\nN:New\n");
+    const std::string text = std::string("addressbook-journal 2\n") + target + " " + name + " " + temporary + " -\n";
+    std::ofstream(data("journal")) << text << "end " << hashOf(text) << "\n";
+    inChild([&, isGood = isGood] {
+      const ABAddressBook book = ABAddressBook::addressBook();
+      EXPECT_EQ(book.people().count(), isGood ? 1U : 0U);
+      store_scenarios::addLater(book);
+      EXPECT_EQ(book.save(), isGood);
+    });
+    EXPECT_EQ(fs::exists(data("journal")), !isGood);
+    EXPECT_FALSE(fs::exists(folder_.path().parent_path() / "evil.vcf"));
+  }
+}
+
+TEST_F(HostileFolder, HoldsAHundredThousandFiles) {
+  if (!store_scenarios::isTorture()) GTEST_SKIP() << "takes long";
+  constexpr int kFiles = 100'000;
+  for (int i = 0; i < kFiles; ++i) {
+    const std::string id = std::to_string(i);
+    folder_.writeCard(id + ".vcf", "UID:" + id + "\nN:Name " + id + "\nEMAIL:" + id + "@example.org\n");
+  }
+  inChild([&] {
+    EXPECT_EQ(everybody().count(), static_cast<NSUInteger>(kFiles));
+    const ABAddressBook book = ABAddressBook::addressBook();
+    EXPECT_TRUE(book.recordForUniqueId("77777:ABPerson"_ns).setValue("x"_ns, kABNoteProperty));
+    EXPECT_TRUE(book.save());
+  });
+}
+
+}  // namespace
