@@ -20,7 +20,7 @@ test:
 	@scripts/test-presets $$(scripts/widths)
 
 check:
-	@scripts/install-packages build check bench
+	@scripts/install-packages build check bench interop
 	@scripts/check
 
 bench:

@@ -104,7 +104,7 @@ TEST(VCards, AreReadBackEqual) {
 
 TEST(VCards, AreReadByAnotherProgram) {
   const std::string scripts = (fs::path(__FILE__).parent_path() / "../../scripts").string();
-  if (!runs(kFindReader)) runs(scripts + "/install-packages vcards");
+  if (!runs(kFindReader)) runs(scripts + "/install-packages interop");
   if (!runs(kFindReader)) GTEST_SKIP() << "python3-vobject is not here and can't be installed";
 
   const Host host{};
