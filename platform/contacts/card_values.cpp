@@ -46,7 +46,7 @@ std::string nameFromCard(const TextProperty& property, const vcard::Card& card) 
   if (property.property == "GroupName") return textFromCard("N", 0, card);
   const bool isFirst = property.property == "First" && !hasNameFields(card) && !isNamedAsCompany(card);
   const bool isCompany = property.property == "Organization" && isNamedAsCompany(card);
-  return isFirst || isCompany ? textFromCard("FN", kWholeValue, card) : std::string();
+  return isFirst || isCompany ? std::string(vcard::trimmed(textFromCard("FN", kWholeValue, card))) : std::string();
 }
 
 Retained<NSObject> flagsFromCard(const vcard::Card& card) {

@@ -112,9 +112,7 @@ std::optional<Retained<NSObject>> checkedValue(const Property& property, NSObjec
   }
   // What is read back from the text is a copy that nobody changes.
   if (property.isCustom) return valueFromText(property.type, typedText(value));
-  if (property.type == kABDateComponentsProperty) {
-    return Retained<NSObject>::adopt(value.as<NSDateComponents>().copy());
-  }
+  if (property.type == kABDateComponentsProperty) return newDateComponents(*dateOf(value.as<NSDateComponents>()));
   return Retained<NSObject>::share(value);
 }
 

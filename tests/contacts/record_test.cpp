@@ -145,6 +145,9 @@ TEST_F(Record, ShowsOneValueUnderTwoNames) {
   person->setValue(person->valueForProperty(kABBirthdayProperty), kABBirthdayProperty);
   EXPECT_EQ(shown(person.get(), "BirthdayComponents"), "?-2-29");
 
+  person->setValue(components(1604, 2, 29), kABBirthdayComponentsProperty);
+  EXPECT_EQ(shown(person.get(), "BirthdayComponents"), "?-2-29");
+
   // The day is the one that the date has on the spot.
   setenv("TZ", "XXX-10", 1);
   tzset();

@@ -72,6 +72,7 @@ TEST(VCardReader, ReadsLogicalLines) {
       {"3.0", "item1.EMAIL;type=HOME:a@b\n", "{item1|EMAIL|a@b}"},
       {"3.0", "NOTE:one\r\n  two\r\n\tthree\n", "{|NOTE|one twothree}"},
       {"3.0", "NO\n TE:one\n", "{|NOTE|one}"},
+      {"3.0", "NOTE;X=\xe9;CHARSET=UTF-8:\xc3\xa9\n", "{|NOTE|é}"},
       {"3.0", "FN\n:x\n\nTEL 1:2\nX Y:z\n", "{||}{||}{||}{||}{||}"},
       {"3.0", "NOTE:a\\nb\\Nc\\,d\\;e\\\\f\\:g\\x\n", "{|NOTE|a\nb\nc,d;e\\f:g\\x}"},
       {"2.1", "NOTE:a\\nb\\;c\n", "{|NOTE|a\\nb;c}"},
@@ -104,6 +105,7 @@ TEST(VCardReader, ReadsParameters) {
       {"NOTE;quoted-printable;Charset=UTF-8:1", "ENCODING=quoted-printable CHARSET=UTF-8 "},
       {"TEL;TYPE=\"voice,home\":1", "TYPE=voice TYPE=home "},
       {"ADR;LABEL=\"a;b,c:d\";X= :1", "LABEL=a;b,c:d X= "},
+      {"ADR;ALTID=\xe9;\xc9=2:1", "ALTID=é É=2 "},
       {"X;A=b,,\"c\":1", "A=b A= A=c "},
   };
   for (const auto& row : rows) {

@@ -99,8 +99,9 @@ Card parseCard(std::string_view section) {
   while (!section.empty()) {
     const std::string_view physicalLine = takePhysicalLine(section);
     const Boundary boundary = boundaryOf(physicalLine);
-    const bool isLast = section.empty();  // the END line, whatever stands before it
-    if (isLast || !(current.continuesWith(physicalLine) || current.takesNestedCard(boundary))) {
+    const bool isLast = section.empty();      // the END line, whatever stands before it
+    const bool isFirst = card.lines.empty();  // what is behind the BEGIN line isn't part of it
+    if (isLast || isFirst || !(current.continuesWith(physicalLine) || current.takesNestedCard(boundary))) {
       if (!current.isEmpty()) card.lines.push_back(current.finish());
     }
     current.append(physicalLine, boundary);

@@ -33,12 +33,15 @@ constexpr std::array kKnownLines{
     KnownLine{"KEY", Form::kBinary},     KnownLine{"BDAY", Form::kDate},     KnownLine{"UID", Form::kText},
 };
 
-// Text in another character set becomes UTF-8, and so says its parameter.
-std::string recoded(std::string_view text, std::string_view charset) {
-  std::string result = decodeCharset(text, charset);
-  const std::size_t place = charset.empty() ? std::string::npos : result.find(charset);
-  if (place != std::string::npos) result.replace(place, charset.size(), "UTF-8");
-  return result;
+// The line's content in UTF-8 where its value was in another character set, and its parameter says so.
+std::string recoded(const Line& line) {
+  if (line.name().empty()) return decodeCharset(line.content(), "");
+  const std::vector<Parameter> parameters = line.parameters();
+  const std::string_view charset = firstParameter(parameters, "CHARSET");
+  std::string head = decodeCharset(line.content().substr(0, line.content().size() - line.value().size()), "");
+  const std::size_t place = charset.empty() ? std::string::npos : head.find(charset);
+  if (place != std::string::npos) head.replace(place, charset.size(), "UTF-8");
+  return head + decodeCharset(line.value(), charset);
 }
 
 // With CR LF for each physical line's break, and for one that is missing.
@@ -48,15 +51,15 @@ void appendWithBreaks(std::string& text, std::string_view raw) {
 
 // A line whose meaning is left alone.
 void appendUnchanged(std::string& text, const Line& line, Version version) {
-  const bool keepsFolds = version == Version::k30 || line.name().empty() || line.is("AGENT");
-  const std::string_view bytes = keepsFolds ? line.raw() : line.content();
-  const bool isRecoded = !isValidUtf8(bytes);
-  const std::vector<Parameter> parameters = isRecoded ? line.parameters() : std::vector<Parameter>();
-  const std::string_view charset = firstParameter(parameters, "CHARSET");
-  if (!keepsFolds || (isRecoded && !line.is("AGENT"))) {
-    appendFolded(text, isRecoded ? recoded(line.content(), charset) : std::string(line.content()));
+  const bool keepsFolds = version == Version::k30 || line.name().empty();
+  if (line.is("AGENT")) {
+    appendWithBreaks(text, decodeCharset(line.raw(), ""));
+  } else if (!line.name().empty() && isBlank(line.raw().front())) {
+    appendFolded(text, trimmed(recoded(line)));  // indented behind the BEGIN line, where it would be a fold elsewhere
+  } else if (keepsFolds && isValidUtf8(line.raw())) {
+    appendWithBreaks(text, line.raw());
   } else {
-    appendWithBreaks(text, isRecoded ? recoded(bytes, charset) : std::string(bytes));
+    appendFolded(text, isValidUtf8(line.content()) ? std::string(line.content()) : recoded(line));
   }
 }
 

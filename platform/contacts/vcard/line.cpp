@@ -1,6 +1,7 @@
 #include "platform/contacts/vcard/line.h"
 
 #include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/sections.h"
 
 #include <algorithm>
@@ -36,8 +37,9 @@ std::string_view nameForBareWord(std::string_view word) {
   return "TYPE";
 }
 
-// ^n, ^' and ^^ stand for what a parameter can't hold.
-std::string withoutCarets(std::string_view text) {
+// ^n, ^' and ^^ stand for what a parameter can't hold. Always valid UTF-8.
+std::string withoutCarets(std::string_view bytes) {
+  const std::string text = decodeCharset(bytes, "");
   std::string result;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char next = text[i] == '^' && i + 1 < text.size() ? text[i + 1] : '\0';
@@ -69,7 +71,7 @@ void appendParameter(std::vector<Parameter>& parameters, std::string_view text) 
   const std::size_t equals = findOutsideQuotes(text, 0, '=', '=');
   std::string name(nameForBareWord(trimmed(text)));
   if (equals != kNone) {
-    name = uppercased(trimmed(text.substr(0, equals)));
+    name = uppercased(decodeCharset(trimmed(text.substr(0, equals)), ""));
     text.remove_prefix(equals + 1);
   } else if (trimmed(text).empty()) {
     return;

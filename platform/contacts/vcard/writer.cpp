@@ -1,5 +1,7 @@
 #include "platform/contacts/vcard/writer.h"
 
+#include "platform/contacts/vcard/charset.h"
+
 #include <cstddef>
 
 namespace vcard {
@@ -68,7 +70,7 @@ void appendFolded(std::string& card, std::string_view content) {
 void appendLine(std::string& card, std::string_view group, std::string_view name,
                 const std::vector<Parameter>& parameters, std::string_view value) {
   std::string content;
-  if (!group.empty()) content.append(group).push_back('.');
+  if (!group.empty()) content.append(decodeCharset(group, "")).push_back('.');
   content += name;
   for (const Parameter& parameter : parameters) {
     content.append(";").append(parameter.name).push_back('=');
