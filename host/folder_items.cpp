@@ -12,6 +12,7 @@
 #include <climits>
 #include <iterator>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 namespace host {
@@ -34,6 +35,7 @@ std::filesystem::path withoutTrailingSlash(const std::filesystem::path& path) {
 }
 
 std::optional<FSRef> refOf(const std::filesystem::path& path) {
+  if (path.native().find('\0') != std::string::npos) return std::nullopt;
   FSRef ref;
   const auto* text = reinterpret_cast<const std::uint8_t*>(path.c_str());
   return FSPathMakeRef(text, &ref, nullptr) == noErr ? std::optional(ref) : std::nullopt;
@@ -52,7 +54,14 @@ std::string utf8Of(const HFSUniStr255& name) {
   return std::string(bytesOf(string.get()));
 }
 
+// Whether it names an item in a folder, and not a place elsewhere.
+bool isItemName(std::string_view name) {
+  constexpr std::string_view kNotInNames("/\0", 2);
+  return !name.empty() && name != "." && name != ".." && name.find_first_of(kNotInNames) == std::string_view::npos;
+}
+
 bool fillName(HFSUniStr255* name, const std::string& utf8) {
+  if (!isItemName(utf8)) return false;
   const auto string = StringRef::adopt(newString(utf8, kEncodingUTF8));
   CFStringRef text = copyCFString(string.get());
   if (text == nullptr) return false;
@@ -133,7 +142,8 @@ REALfolderItem newFolderItem(const FSRef* parent, const HFSUniStr255* name) {
     if (const auto path = pathOf(ref)) return handOver(folderItem(*path));
   }
   const auto folder = pathOf(*parent);
-  return folder ? handOver(folderItem(*folder / utf8Of(*name))) : nullptr;
+  const std::string item = utf8Of(*name);
+  return folder && isItemName(item) ? handOver(folderItem(*folder / item)) : nullptr;
 }
 
 bool fillSpec(FSSpec* spec, REALfolderItem item) {

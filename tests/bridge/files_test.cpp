@@ -107,6 +107,15 @@ TEST(Files, WithoutAFolderAreNothing) {
   EXPECT_EQ(REALFolderItemFromFSRef(FSRef{}), nullptr);
 }
 
+TEST(Files, HaveNamesThatStayInTheirFolder) {
+  const Host host{};
+  const std::string folder = "file://" + host.folder().native() + "/";
+  for (const char* name : {"%00b", "a%00", "%2E%2E%2Fx", "a%2Fb"}) {
+    EXPECT_EQ(NSURLRBFile(url(folder + name)), nullptr) << name;
+  }
+  EXPECT_FALSE(urlOf(host::folderItem(host.folder() / std::string("\0b", 2))));
+}
+
 TEST(Files, OfTheWebAreTextAlone) {
   const Host host{};
   for (const char* text : {"http://example.com/a%20b?c#d", "mailto:a@example.com", "http://example.com"}) {
