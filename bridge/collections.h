@@ -18,8 +18,15 @@ void fillHostArray(Array array, NSArray list, Convert convert) {
   }
 }
 
-// What convertAt(index) makes of each index of the host array, autoreleased; nil is left out. Nil for a nil array, and
-// for an empty one if nilIfEmpty.
+// Adds what convertAt(index) makes of each index up to the bound; nil is left out.
+template <class ConvertAt>
+void addFromHost(NSMutableArray result, REALinteger upperBound, ConvertAt convertAt) {
+  for (REALinteger index = 0; index <= upperBound; ++index) {
+    if (NSObject object = convertAt(index)) result.addObject(object);
+  }
+}
+
+// The same for the elements of a host array, autoreleased. Nil for a nil array, and for an empty one if nilIfEmpty.
 template <class ConvertAt>
 NSMutableArray arrayFromHost(REALarray array, bool nilIfEmpty, ConvertAt convertAt) {
   if (array == nullptr) return nullptr;
@@ -27,8 +34,6 @@ NSMutableArray arrayFromHost(REALarray array, bool nilIfEmpty, ConvertAt convert
   if (nilIfEmpty && upperBound == -1) return nullptr;
   auto result = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(upperBound + 1));
   if (!result) return nullptr;
-  for (REALinteger index = 0; index <= upperBound; ++index) {
-    if (NSObject object = convertAt(index)) result.addObject(object);
-  }
+  addFromHost(result, upperBound, convertAt);
   return result;
 }

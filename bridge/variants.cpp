@@ -153,21 +153,25 @@ REALarrayOf<Element>* asArray(REALvariant variant) {
 template <class Element, class Read, class Number>
 NSMutableArray numbersFromVariant(REALvariant variant, NSNumber (*makeNumber)(Number)) {
   auto* array = asArray<Element>(variant);
-  return arrayFromHost(array, false, [array, makeNumber](REALinteger index) -> NSObject {
+  auto result = NSMutableArray::array();
+  addFromHost(result, REALGetArrayUBound(array), [array, makeNumber](REALinteger index) -> NSObject {
     Read value{};
     REALGetArrayValue(array, index, &value);
     return makeNumber(static_cast<Number>(value));
   });
+  return result;
 }
 
 template <class Element, class Converted>
 NSMutableArray handlesFromVariant(REALvariant variant, Converted (*convert)(Element)) {
   auto* array = asArray<Element>(variant);
-  return arrayFromHost(array, false, [array, convert](REALinteger index) -> NSObject {
+  auto result = NSMutableArray::array();
+  addFromHost(result, REALGetArrayUBound(array), [array, convert](REALinteger index) -> NSObject {
     Element value = nullptr;
     REALGetArrayValue(array, index, &value);
     return convert(adoptHost(value).get());
   });
+  return result;
 }
 
 NSObject objectFromString(REALvariant variant) {
