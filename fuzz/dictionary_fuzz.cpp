@@ -38,6 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       try {
         roundTrip(sample.value);
       } catch (const NSException&) {
+        host::takePendingException();
         sample.value.call("Remove", "itself");
         throw;
       }
