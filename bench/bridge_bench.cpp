@@ -1,0 +1,251 @@
+// Values between host and Foundation, each beside its floor: what takes the same bytes across without any framework.
+// The argument is the number of characters, entries or elements.
+
+#include "bench/plain_text.h"
+#include "bridge/dictionaries.h"
+#include "bridge/instance_registry.h"
+#include "bridge/strings.h"
+#include "bridge/variants.h"
+#include "bridge/wrappers.h"
+#include "frame/host_ref.h"
+#include "host/arrays.h"
+#include "host/classes.h"
+#include "host/dictionaries.h"
+#include "host/exceptions.h"
+#include "host/loader.h"
+#include "host/objects.h"
+#include "host/strings.h"
+#include "platform/objc/retained.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstring>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+extern "C" void REALPluginMain(REALresolver resolver);
+
+namespace {
+
+void startHost() {
+  [[maybe_unused]] static const bool isStarted = [] {
+    host::startPlugin(REALPluginMain);
+    CocoaInit();
+    return true;
+  }();
+}
+
+// Runs the conversion as one call into the plug-in.
+template <class Convert>
+void measure(benchmark::State& state, Convert convert) {
+  for (auto _ : state) {
+    const host::PluginScope scope;
+    benchmark::DoNotOptimize(convert());
+  }
+}
+
+void copyBytes(benchmark::State& state, std::string_view pattern) {
+  const std::string text = sample(pattern, state.range(0));
+  std::string copy(text.size(), '\0');
+  for (auto _ : state) {
+    std::memcpy(copy.data(), text.data(), text.size());
+    benchmark::ClobberMemory();
+  }
+}
+
+// A plain loop and the two allocations that a string of its own needs.
+void stringToFoundationPlainly(benchmark::State& state, std::string_view pattern) {
+  const std::string text = sample(pattern, state.range(0));
+  for (auto _ : state) {
+    const auto object = std::make_unique<char[]>(32);
+    const std::unique_ptr<char16_t[]> units(new char16_t[text.size()]);
+    benchmark::DoNotOptimize(object.get());
+    benchmark::DoNotOptimize(plainDecode(text.c_str(), units.get()));
+    benchmark::ClobberMemory();
+  }
+}
+
+void stringToFoundation(benchmark::State& state, std::string_view pattern) {
+  startHost();
+  const auto string = adoptHost(host::newString(sample(pattern, state.range(0)), kEncodingUTF8));
+  measure(state, [&] { return NewNSString(string.get()); });
+}
+
+void stringToHostPlainly(benchmark::State& state, std::string_view pattern) {
+  const std::string text = sample(pattern, state.range(0));
+  std::vector<char16_t> units(text.size());
+  units.resize(plainDecode(text.c_str(), units.data()));
+  for (auto _ : state) {
+    const auto object = std::make_unique<char[]>(32);
+    const std::unique_ptr<char[]> bytes(new char[3 * units.size() + 1]);
+    benchmark::DoNotOptimize(object.get());
+    benchmark::DoNotOptimize(plainEncode(units.data(), units.size(), bytes.get()));
+    benchmark::ClobberMemory();
+  }
+}
+
+void stringToHost(benchmark::State& state, std::string_view pattern) {
+  startHost();
+  const auto string = adoptHost(host::newString(sample(pattern, state.range(0)), kEncodingUTF8));
+  const auto text = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(string.get())));
+  measure(state, [&] { return adoptHost(NSStringRB(text.get())).get(); });
+}
+
+#define CHARACTERS Arg(5)->Arg(50)->Arg(500)->Arg(50000)
+#define TEXTS(function)                                   \
+  BENCHMARK_CAPTURE(function, ascii, kAscii)->CHARACTERS; \
+  BENCHMARK_CAPTURE(function, mixed, kMixed)->CHARACTERS
+TEXTS(copyBytes);
+TEXTS(stringToFoundationPlainly);
+TEXTS(stringToFoundation);
+TEXTS(stringToHostPlainly);
+TEXTS(stringToHost);
+
+std::string keyAt(std::int64_t index) { return "key " + std::to_string(index); }
+
+// A table of as many copied texts.
+void dictionaryPlainly(benchmark::State& state) {
+  std::vector<std::string> keys;
+  for (std::int64_t i = 0; i < state.range(0); ++i) keys.push_back(keyAt(i));
+  for (auto _ : state) {
+    std::unordered_map<std::string, std::string> table;
+    for (const std::string& key : keys) table.emplace(key, key);
+    benchmark::DoNotOptimize(table);
+  }
+}
+
+host::Value dictionaryOf(std::int64_t count) {
+  host::Value entries = host::dictionary({});
+  for (std::int64_t i = 0; i < count; ++i) entries.assign("Value", keyAt(i), keyAt(i));
+  return entries;
+}
+
+REALdictionary handleOf(const host::Value& dictionary) { return static_cast<REALdictionary>(dictionary.object()); }
+
+void dictionaryToFoundation(benchmark::State& state) {
+  startHost();
+  const host::Value entries = dictionaryOf(state.range(0));
+  measure(state, [&] { return NewNSDictionary(handleOf(entries)); });
+}
+
+void dictionaryToHost(benchmark::State& state) {
+  startHost();
+  const host::Value entries = dictionaryOf(state.range(0));
+  Retained<NSDictionary> dictionary;
+  {
+    const host::PluginScope scope;
+    dictionary = Retained<NSDictionary>::share(NewNSDictionary(handleOf(entries)));
+  }
+  measure(state, [&] { return adoptHost(NSDictionaryRB(dictionary.get())).get(); });
+}
+
+BENCHMARK(dictionaryPlainly)->Arg(100)->Arg(1000)->Arg(10000);
+BENCHMARK(dictionaryToFoundation)->Arg(100)->Arg(1000)->Arg(10000);
+BENCHMARK(dictionaryToHost)->Arg(100)->Arg(1000)->Arg(10000);
+
+// As many allocations as there are elements, and a table of them.
+void arrayPlainly(benchmark::State& state) {
+  for (auto _ : state) {
+    std::vector<std::unique_ptr<std::int64_t>> list;
+    for (std::int64_t i = 0; i < state.range(0); ++i) list.push_back(std::make_unique<std::int64_t>(i));
+    benchmark::DoNotOptimize(list);
+  }
+}
+
+host::Value arrayOf(std::int64_t count) {
+  std::vector<host::Value> elements;
+  for (std::int64_t i = 0; i < count; ++i) elements.emplace_back(i);
+  return host::objectArray(elements);
+}
+
+void arrayToFoundation(benchmark::State& state) {
+  startHost();
+  const host::Value array = arrayOf(state.range(0));
+  measure(state, [&] { return GetVariantAsNSObject(array.object()); });
+}
+
+void arrayToHost(benchmark::State& state) {
+  startHost();
+  const host::Value array = arrayOf(state.range(0));
+  Retained<NSObject> list;
+  {
+    const host::PluginScope scope;
+    list = Retained<NSObject>::share(GetVariantAsNSObject(array.object()));
+  }
+  measure(state, [&] { return adoptHost(NewVariantFromNSObject(list.get())).get(); });
+}
+
+BENCHMARK(arrayPlainly)->Arg(1000)->Arg(10000);
+BENCHMARK(arrayToFoundation)->Arg(1000)->Arg(10000);
+BENCHMARK(arrayToHost)->Arg(1000)->Arg(10000);
+
+// Wrappers for as many objects as the argument says, and their addresses in a plain table.
+class Wrappers {
+ public:
+  explicit Wrappers(std::int64_t count) {
+    startHost();
+    for (std::int64_t i = 0; i < count; ++i) {
+      wrappers_.push_back(host::newObject("ABMutableMultiValueVXR"));
+      objects_.push_back(wrapped<ABMutableMultiValue>(wrappers_.back().object()));
+    }
+  }
+  [[nodiscard]] ABMutableMultiValue next() { return objects_[at_ = (at_ + 7) % objects_.size()]; }
+
+ private:
+  std::vector<host::Value> wrappers_;
+  std::vector<ABMutableMultiValue> objects_;
+  std::size_t at_ = 0;
+};
+
+void lookUpPlainly(benchmark::State& state) {
+  Wrappers wrappers(state.range(0));
+  std::unordered_map<const void*, const void*> table;
+  for (std::int64_t i = 0; i < state.range(0); ++i) table.emplace(wrappers.next().get(), &table);
+  for (auto _ : state) benchmark::DoNotOptimize(table.find(wrappers.next().get())->second);
+}
+BENCHMARK(lookUpPlainly)->Arg(1000);
+
+void findWrapperAgain(benchmark::State& state) {
+  Wrappers wrappers(state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(FindInstance(wrappers.next()));
+}
+BENCHMARK(findWrapperAgain)->Arg(1000);
+
+void handOutWrapperAgain(benchmark::State& state) {
+  Wrappers wrappers(state.range(0));
+  for (auto _ : state) benchmark::DoNotOptimize(adoptHost(NewABMutableMultiValueVXR(wrappers.next())).get());
+}
+BENCHMARK(handOutWrapperAgain)->Arg(1000);
+
+REALinteger neutral(REALobject) { return 0; }
+
+void callFunction(benchmark::State& state) {
+  REALinteger (*function)(REALobject) = &neutral;
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(function);
+    benchmark::DoNotOptimize(function(nullptr));
+  }
+}
+BENCHMARK(callFunction);
+
+// The function of the table, which guards, sends and converts.
+void callTableFunction(benchmark::State& state) {
+  startHost();
+  const host::Value values = host::newObject("ABMutableMultiValueVXR");
+  const auto& objectClass = host::requireClass("ABMutableMultiValueVXR");
+  const host::Method* method = host::findMethod(objectClass, host::parseDeclaration("count as integer"));
+  auto* function = reinterpret_cast<REALinteger (*)(REALobject)>(method->record->function);
+  for (auto _ : state) benchmark::DoNotOptimize(function(values.object()));
+}
+BENCHMARK(callTableFunction);
+
+// The same by name, as host code does.
+void callMemberByName(benchmark::State& state) {
+  startHost();
+  const host::Value values = host::newObject("ABMutableMultiValueVXR");
+  for (auto _ : state) benchmark::DoNotOptimize(values.call("count"));
+}
+BENCHMARK(callMemberByName);
+
+}  // namespace
