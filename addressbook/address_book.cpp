@@ -247,9 +247,9 @@ REALobjectArray peopleForEmail(REALobject self, REALstring email) {
   auto result = REALCreateArrayObject(-1);
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
-    if (!book || result == nullptr) return;
-    auto search =
-        ABPerson::searchElement(kABEmailProperty, nullptr, nullptr, NewNSString(email), kABEqualCaseInsensitive);
+    const NSString address = NewNSString(email);
+    if (!book || !address || result == nullptr) return;
+    auto search = ABPerson::searchElement(kABEmailProperty, nullptr, nullptr, address, kABEqualCaseInsensitive);
     NSEnumerator records = book.recordsMatchingSearchElement(search).objectEnumerator();
     REALinteger index = 0;
     while (NSObject record = records.nextObject()) {

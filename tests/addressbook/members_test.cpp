@@ -87,7 +87,7 @@ Rows bookRows(const Host& host) {
       {"personForUniqueId", {"p2:ABPerson"}, "recordForUniqueId:", "p2:ABPerson", "Nil"},
       {"groupForUniqueId", {"g2:ABGroup"}, "recordForUniqueId:", "g2:ABGroup", "Nil"},
       {"groupForName", {"Work"}, "groups", "g2:ABGroup", "Nil", {0}},
-      {"peopleForEmail", {"aDA@x.org"}, "recordsMatchingSearchElement:", "[p1:ABPerson p2:ABPerson]", "[]", {0}},
+      {"peopleForEmail", {"aDA@x.org"}, "recordsMatchingSearchElement:", "[p1:ABPerson p2:ABPerson]", "[]"},
       {"removeRecord", {ada(host)}, "removeRecord:", kTrue, kFalse},
       {"addRecord", {ada(host)}, "addRecord:", kTrue, kFalse},
       {"formattedAddressFromDictionary",
