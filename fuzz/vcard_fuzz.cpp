@@ -93,7 +93,8 @@ void tryCard(std::string_view text) {
   for (std::size_t i = 0; i < card.lines.size(); ++i) expectSame(card.lines[i], card.version, again.lines[i]);
   // A card without a version is read as 3.0, one with another has been given it.
   expect(again.version == Version::k30, "a written card is of version 3.0");
-  expectEqual(vcard::Editor(written).text(), written, "a card written twice");
+  // Bytes that are no UTF-8 may be left in heads, for the next time.
+  if (vcard::isValidUtf8(written)) expectEqual(vcard::Editor(written).text(), written, "a card written twice");
 }
 
 void tryText(const std::string& text) {
