@@ -49,10 +49,19 @@ void appendWithBreaks(std::string& text, std::string_view raw) {
   while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
 }
 
+// Whether the line ends in a soft break because the card does: it would take in a line put behind it.
+bool endsInSoftBreak(const Line& line) {
+  return withoutBreak(line.raw()).ends_with('=') && isQuotedPrintable(line.content());
+}
+
 // A line whose meaning is left alone.
 void appendUnchanged(std::string& text, const Line& line, Version version) {
   const bool keepsFolds = version == Version::k30 || line.name().empty();
-  if (line.is("AGENT")) {
+  if (endsInSoftBreak(line)) {
+    std::string content = recoded(line);
+    if (content.ends_with('=')) content += "3D";
+    appendFolded(text, content);
+  } else if (line.is("AGENT")) {
     appendWithBreaks(text, decodeCharset(line.raw(), ""));
   } else if (!line.name().empty() && isBlank(line.raw().front())) {
     appendFolded(text, trimmed(recoded(line)));  // indented behind the BEGIN line, where it would be a fold elsewhere
