@@ -26,8 +26,9 @@ struct PickerObject : objc::Object {
   ~PickerObject();
 
   void databaseChanged(NSNotification);
-  // What is in sight may have changed.
+  // What is in sight may have changed; of the model, perhaps only what is selected.
   void refresh() const;
+  void refreshSelection() const;
   void setVisible(bool visible);
 
   PickerModel model;
@@ -66,6 +67,12 @@ void PickerObject::databaseChanged(NSNotification) {
 void PickerObject::refresh() const {
   if (!window_) return;
   window_->reload();
+  window_->draw();
+}
+
+void PickerObject::refreshSelection() const {
+  if (!window_) return;
+  window_->reloadSelection();
   window_->draw();
 }
 
@@ -243,6 +250,13 @@ void change(ABPickerRef picker, Change change) {
   objectOf(picker).refresh();
 }
 
+template <class Change>
+void changeSelection(ABPickerRef picker, Change change) {
+  const AutoreleasePool pool;
+  change(objectOf(picker).model);
+  objectOf(picker).refreshSelection();
+}
+
 }  // namespace
 
 void ABPickerChangeAttributes(ABPickerRef picker, ABPickerAttributes attributesToSet,
@@ -271,11 +285,11 @@ void ABPickerSelectGroup(ABPickerRef picker, ABGroupRef group, bool extendSelect
 }
 
 void ABPickerSelectRecord(ABPickerRef picker, ABRecordRef record, bool extendSelection) {
-  change(picker, [&](auto& model) { model.selectRecord(contacts::object(record), extendSelection); });
+  changeSelection(picker, [&](auto& model) { model.selectRecord(contacts::object(record), extendSelection); });
 }
 
 void ABPickerSelectIdentifier(ABPickerRef picker, ABPersonRef person, CFStringRef identifier, bool extendSelection) {
-  change(picker, [&](auto& model) {
+  changeSelection(picker, [&](auto& model) {
     model.selectIdentifier(contacts::object(person), contacts::textOf(identifier), extendSelection);
   });
 }
@@ -285,12 +299,12 @@ void ABPickerDeselectGroup(ABPickerRef picker, ABGroupRef group) {
 }
 
 void ABPickerDeselectRecord(ABPickerRef picker, ABRecordRef record) {
-  change(picker, [&](auto& model) { model.deselectRecord(contacts::object(record)); });
+  changeSelection(picker, [&](auto& model) { model.deselectRecord(contacts::object(record)); });
 }
 
 void ABPickerDeselectIdentifier(ABPickerRef picker, ABPersonRef person, CFStringRef identifier) {
-  change(picker,
-         [&](auto& model) { model.deselectIdentifier(contacts::object(person), contacts::textOf(identifier)); });
+  changeSelection(
+      picker, [&](auto& model) { model.deselectIdentifier(contacts::object(person), contacts::textOf(identifier)); });
 }
 
 void ABPickerDeselectAll(ABPickerRef picker) {

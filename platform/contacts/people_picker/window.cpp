@@ -52,7 +52,7 @@ std::string withoutLastCharacter(std::string text) {
 }  // namespace
 
 PickerWindow::PickerWindow(std::unique_ptr<PickerTerminal> terminal, PickerModel& model)
-    : terminal_(std::move(terminal)), model_(model), hasMarks_(model.selectedRecords().size() > 1) {
+    : terminal_(std::move(terminal)), model_(model) {
   reload();
 }
 
@@ -66,8 +66,16 @@ void PickerWindow::reload() {
   const ABRecord wanted = !selected.empty() && !at ? selected.front().record.get() : at.get();
   const std::size_t index = names_.indexOf(wanted);
   if (index < names_.count()) place.cursor = index;
-  loadValues();
+  focus_ = std::min(focus_, lastColumn());
+  reloadSelection();
   for (const Column column : {kGroups, kNames, kValues}) keepInSight(column);
+}
+
+void PickerWindow::reloadSelection() {
+  const AutoreleasePool pool;
+  const std::size_t count = model_.selectedRecords().size();
+  hasMarks_ = count > 1 || (hasMarks_ && count > 0 && model_.allowsMultiple());
+  loadValues();
 }
 
 std::size_t PickerWindow::rowCount(Column column) const {

@@ -27,6 +27,8 @@ class PickerWindow {
   Outcome handle(const PickerInput& input);
   // The address book or the model isn't what it was.
   void reload();
+  // Nothing of the model but what is selected.
+  void reloadSelection();
   void draw();
 
  private:
