@@ -19,7 +19,9 @@ namespace {
 constexpr Word kPickerFlags = 0x100000;
 constexpr Word kPickerPropertyFlags = 0x100002;
 
-ABPickerRef& pickerOf(REALobject self) { return *reinterpret_cast<ABPickerRef*>(dataBlock(self)); }
+ABPickerRef pickerOf(REALobject self) { return reinterpret_cast<ABPickerRef>(*dataBlock(self)); }
+
+void setPicker(REALobject self, ABPickerRef picker) { *dataBlock(self) = reinterpret_cast<Word>(picker); }
 
 // What a Copy function of the picker answered.
 template <objc::HandleType Handle>
@@ -32,9 +34,8 @@ void raiseUnsupported() {
 }
 
 void releasePicker(REALobject self) {
-  ABPickerRef& picker = pickerOf(self);
-  if (picker != nullptr) CFRelease(picker);
-  picker = nullptr;
+  if (ABPickerRef picker = pickerOf(self)) CFRelease(picker);
+  setPicker(self, nullptr);
 }
 
 void PickerConstructor(REALobject) {
@@ -55,7 +56,7 @@ void PickerDestructor(REALobject self) {
 
 void PickerCreate(REALobject self) {
   releasePicker(self);
-  if (PLATFORM_HAS(ABPickerCreate)) pickerOf(self) = ABPickerCreate();
+  if (PLATFORM_HAS(ABPickerCreate)) setPicker(self, ABPickerCreate());
 }
 
 // A side of the frame: Part is HIRect's, Side the part's.
@@ -211,6 +212,7 @@ REALstringArray PickerCopySelectedValues(REALobject self) {
 // Inserts the converted values of that class side by side.
 template <class Array, class Convert>
 Array valuesOfClass(REALobject self, Array result, Class kind, Convert convert) {
+  if (result == nullptr) return result;
   guard([&] {
     const auto values = selectedValues(self);
     const NSUInteger count = values->count();
