@@ -1,9 +1,5 @@
 #include "platform/contacts/group.h"
-#include "tests/addressbook/book_text.h"
 #include "tests/addressbook/framework_calls.h"
-#include "tests/contacts/in_child.h"
-
-#include <set>
 
 namespace {
 
@@ -68,49 +64,4 @@ TEST(Group, AssignsDistributionIdentifiersThatAreThere) {
   // A missing name is passed on, and refused there.
   EXPECT_NE(thrownBy([&] { work.assign(kMember, "", ada, second); }).find("NSInvalidArgumentException"),
             std::string::npos);
-}
-
-TEST(Group, IsTheSameAfterReopening) {
-  const Host host{.contacts = kContacts};
-  const auto expected = host.folder() / "expected";
-  const auto describe = [&host] {
-    std::set<std::string> texts;  // new records come last until the folder is read
-    for (const Value& record : bookOf(host).call("groups").elements()) {
-      std::string text = recordText(record) + told(record.call("members")) + told(record.call("subgroups")) +
-                         told(record.call("parentGroups")) + "\n";
-      for (const Value& member : record.call("members").elements()) {
-        for (const char* property : {"Email", "Phone"}) {
-          text += record.call("distributionIdentifierForProperty", property, member).text() + "\n";
-        }
-      }
-      texts.insert(text);
-    }
-    std::string all;
-    for (const std::string& text : texts) all += text;
-    return all;
-  };
-  inChild([&] {
-    const Value book = bookOf(host);
-    const Value work = recordOf(host, "g1:ABGroup");
-    const Value ada = recordOf(host, "p1:ABPerson");
-    const Value grace = recordOf(host, "p2:ABPerson");
-    const Value boats = host.make("ABGroupVXR", book);
-    boats.call("setValue", "Boats; and \"ships\"", "GroupName");
-    EXPECT_EQ(boats.call("addMember", ada), true);
-    EXPECT_EQ(boats.call("addMember", ada), false);
-    EXPECT_EQ(boats.call("addMember", grace), true);
-    EXPECT_EQ(recordOf(host, "g2:ABGroup").call("addSubgroup", boats), true);
-    EXPECT_EQ(work.call("removeSubgroup", recordOf(host, "g2:ABGroup")), true);
-    for (const Value& record : {work, boats}) {
-      for (const char* property : {"Email", "Phone"}) {
-        const Value values = ada.call("valueForProperty", property);
-        record.assign("distributionIdentifierForProperty", property, ada,
-                      values.call("identifierAtIndex", record == work ? 1 : 0));
-      }
-    }
-    EXPECT_EQ(book.call("save"), true);
-    std::ofstream(expected) << describe();
-  });
-  EXPECT_EQ(describe(), bytesOf(expected));
-  EXPECT_NE(describe().find("Boats"), std::string::npos);
 }

@@ -40,9 +40,11 @@ class Program {
       EXPECT_EQ(towns[at(i % kTowns)].call("addMember", people[at(i)]), true);
       if (i % 7 != 0) continue;
       EXPECT_EQ(towns[at((i + 1) % kTowns)].call("addMember", people[at(i)]), true);
-      const Value emails = people[at(i)].call("valueForProperty", "Email");
-      towns[at(i % kTowns)].assign("distributionIdentifierForProperty", "Email", people[at(i)],
-                                   emails.call("identifierAtIndex", 1));
+      for (const char* property : {"Email", "Phone"}) {
+        const Value entries = people[at(i)].call("valueForProperty", property);
+        towns[at(i % kTowns)].assign("distributionIdentifierForProperty", property, people[at(i)],
+                                     entries.call("identifierAtIndex", i % 2));
+      }
     }
     book_.call("setMe", people[42]);
     save();
@@ -68,13 +70,16 @@ class Program {
     save();
   }
 
-  // Takes away every tenth person and one town; its people stay.
+  // Takes away every tenth person, a town whose people stay, and a country of the world that stays.
   void remove() {
     for (const Value& person : peopleWhere("Nickname", "nick 9").elements()) {
       EXPECT_EQ(book_.call("removeRecord", person), true);
     }
     EXPECT_EQ(book_.call("removeRecord", book_.call("groupForName", "Town 3")), true);
     EXPECT_TRUE(book_.call("groupForName", "Town 3").isNil());
+    const Value world = book_.call("groupForName", "World");
+    EXPECT_EQ(world.call("removeSubgroup", book_.call("groupForName", "Country 1")), true);
+    EXPECT_EQ(book_.call("groupForName", "Country 1").call("addSubgroup", world), true);
     save();
   }
 
@@ -88,7 +93,10 @@ class Program {
     for (const Value& group : book_.call("groups").elements()) {
       std::string text = recordText(group) + sorted(group.call("subgroups")) + sorted(group.call("parentGroups"));
       for (const Value& member : group.call("members").elements()) {
-        text += "\n" + told(member) + " " + group.call("distributionIdentifierForProperty", "Email", member).text();
+        text += "\n" + told(member);
+        for (const char* property : {"Email", "Phone"}) {
+          text += " " + group.call("distributionIdentifierForProperty", property, member).text();
+        }
       }
       records.insert(text);
     }

@@ -16,8 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 using host::Value;
 
-constexpr const char* kBook = "ABAddressBookVXR";
-
 void addMultiValue(const Value& record, const char* property,
                    const std::vector<std::pair<Value, std::string>>& entries) {
   const Value values = host::newObject("ABMutableMultiValueVXR");
