@@ -54,6 +54,8 @@ struct Picked {
   std::vector<std::string> values;
 };
 
+bool isGroup(const host::Value& record) { return record.typeName() == "ABGroupVXR"; }
+
 // The picker gives the values of all records in one list, in the records' order.
 std::vector<Picked> pickedRecords(const host::Value& picker, const PickOptions& options) {
   std::vector<Picked> all;
@@ -64,7 +66,7 @@ std::vector<Picked> pickedRecords(const host::Value& picker, const PickOptions& 
   const std::vector<host::Value> values = picker.call("SelectedValues").elements();
   std::size_t next = 0;
   for (Picked& picked : all) {
-    if (options.property.empty() || picked.record.typeName() != "ABPersonVXR") continue;
+    if (options.property.empty() || isGroup(picked.record)) continue;
     const host::Value value = picked.record.call("valueForProperty", options.property);
     std::size_t count = value.isNil() ? 0 : 1;
     if (count > 0 && value.typeName() == "ABMultiValueVXR") {
@@ -83,7 +85,8 @@ std::string onOneLine(std::string text) {
 void printJson(const std::vector<Picked>& all, const PickOptions& options) {
   auto list = nlohmann::ordered_json::array();
   for (const Picked& picked : all) {
-    nlohmann::ordered_json entry{{"uniqueId", picked.record.call("uniqueId").text()},
+    nlohmann::ordered_json entry{{"id", picked.record.call("uniqueId").text()},
+                                 {"kind", isGroup(picked.record) ? "group" : "person"},
                                  {"name", picked.record.call("DisplayName").text()}};
     if (!options.property.empty()) entry[options.property] = picked.values;
     list.push_back(std::move(entry));
@@ -95,8 +98,7 @@ void printLines(const std::vector<Picked>& all, const PickOptions& options) {
   bool isEmpty = true;
   for (const Picked& picked : all) {
     std::vector<std::string> lines = picked.values;
-    const bool isGroup = picked.record.typeName() == "ABGroupVXR";
-    if (options.property.empty() || isGroup) lines = {picked.record.call("DisplayName").text()};
+    if (options.property.empty() || isGroup(picked.record)) lines = {picked.record.call("DisplayName").text()};
     for (const std::string& line : lines) std::cout << onOneLine(line) << '\n';
     isEmpty = isEmpty && lines.empty();
   }
@@ -105,12 +107,11 @@ void printLines(const std::vector<Picked>& all, const PickOptions& options) {
 
 }  // namespace
 
-bool pick(const PickOptions& options) {
+bool pick(const PickOptions& given) {
   requireTerminal();
-  const host::Value book = openAddressBook();
-  if (!options.property.empty() && host::callShared("ABPersonVXR", "typeOfProperty", options.property) == 0) {
-    throw Failure("people have no property " + options.property);
-  }
+  const Vocabulary vocabulary(openAddressBook());
+  PickOptions options = given;
+  if (!options.property.empty()) options.property = vocabulary.property(options.property).name;
   const host::Value picker = makePicker(options);
   letUserPick(picker);
   const std::vector<Picked> all = pickedRecords(picker, options);

@@ -73,7 +73,7 @@ std::string escapedMouse(int button, int row, int column) {
 }  // namespace
 
 TEST_F(PickTest, GivesTheValueThatIsChosen) {
-  TerminalSession session(24, 80, pick({"--property", "Email"}));
+  TerminalSession session(24, 80, pick({"--property", "email"}));
   ASSERT_TRUE(session.waitFor("Grace Hopper")) << session.screen().text();
   EXPECT_TRUE(session.waitFor("  Groups           Names                     Email")) << session.screen().text();
   session.type("lov");
@@ -131,9 +131,10 @@ TEST_F(PickTest, KeepsMarksThroughSearches) {
   session.type(kEnter);
   EXPECT_EQ(session.finish(), 0);
   EXPECT_EQ(session.output(),
-            "[\n  {\n    \"uniqueId\": \"p2:ABPerson\",\n    \"name\": \"Grace Hopper\",\n    \"Email\": [\n"
-            "      \"grace@navy.example\"\n    ]\n  },\n  {\n    \"uniqueId\": \"p1:ABPerson\",\n"
-            "    \"name\": \"Ada Lovelace\",\n    \"Email\": [\n      \"ada@work.example\"\n    ]\n  }\n]\n");
+            "[\n  {\n    \"id\": \"p2:ABPerson\",\n    \"kind\": \"person\",\n    \"name\": \"Grace Hopper\",\n"
+            "    \"Email\": [\n      \"grace@navy.example\"\n    ]\n  },\n"
+            "  {\n    \"id\": \"p1:ABPerson\",\n    \"kind\": \"person\",\n    \"name\": \"Ada Lovelace\",\n"
+            "    \"Email\": [\n      \"ada@work.example\"\n    ]\n  }\n]\n");
 }
 
 TEST_F(PickTest, OpensAndGivesGroups) {
