@@ -60,7 +60,9 @@ void tryPath(const std::filesystem::path& folder, std::string_view name) {
   const NSURL url = urlOf(item);
   const host::Value back = itemOf(url);
   if (isPlainName(name) && name != "link") expectEqual(pathText(back), pathText(item), "a path by way of a URL");
-  if (url) expectEqual(textOf(urlOf(back)), textOf(url), "a URL by way of a path");
+  // Decomposed, a long name may have more than 255 units and be cut.
+  constexpr std::size_t kSafeSize = 170;
+  if (url && name.size() <= kSafeSize) expectEqual(textOf(urlOf(back)), textOf(url), "a URL by way of a path");
 }
 
 void tryUrl(const std::string& text) {

@@ -2,6 +2,7 @@
 // is.
 
 #include "fuzz/target.h"
+#include "platform/contacts/vcard/ascii.h"
 #include "platform/contacts/vcard/card.h"
 #include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/dates.h"
@@ -10,6 +11,7 @@
 #include "platform/contacts/vcard/sections.h"
 #include "platform/contacts/vcard/text.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
@@ -69,6 +71,11 @@ std::string meaning(const Line& line, Version version) {
 void expectSame(const Line& before, Version version, const Line& after) {
   // What isn't UTF-8 is recoded.
   if (before.is("VERSION") || !vcard::isValidUtf8(before.raw())) return;
+  if (!before.name().empty() && vcard::isBlank(before.raw().front())) {
+    // Indented, which only the first line can be without being a fold.
+    expectEqual(std::string(after.content()), std::string(vcard::trimmed(before.content())), "an indented line");
+    return;
+  }
   if (version == Version::k30 || before.name().empty() || before.is("AGENT")) {
     expectEqual(std::string(after.raw()), withCrLf(before.raw()), "a line that stays");
     return;
@@ -79,12 +86,23 @@ void expectSame(const Line& before, Version version, const Line& after) {
   expectEqual(meaning(after, Version::k30), meaning(before, version), "a line's value");
 }
 
+// A line that is nothing but letters of base64: behind a picture it is read as the rest of it, which some writers don't
+// indent.
+bool looksBinary(const Line& line) {
+  const auto isLetter = [](char c) {
+    return (vcard::upper(c) >= 'A' && vcard::upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '/' ||
+           c == '=';
+  };
+  return line.name().empty() && !line.content().empty() && std::ranges::all_of(line.content(), isLetter);
+}
+
 void tryCard(std::string_view text) {
   const Card card = vcard::parseCard(text);
   std::string raw;
   for (const Line& line : card.lines) raw += line.raw();
   expectEqual(raw, std::string(text), "a card's lines");
 
+  if (std::ranges::any_of(card.lines, looksBinary)) return;
   const std::string written = vcard::Editor(text).text();
   const auto sections = vcard::splitSections(written);
   expect(sections.size() == 1 && sections.front().isCard, "a written card is one card");
