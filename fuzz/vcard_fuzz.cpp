@@ -76,6 +76,10 @@ void expectSame(const Line& before, Version version, const Line& after) {
     expectEqual(std::string(after.content()), std::string(vcard::trimmed(before.content())), "an indented line");
     return;
   }
+  // A card's last line may end as if it went on, and is written so that it doesn't.
+  const bool isOpen = vcard::withoutBreak(before.raw()).ends_with('=') &&
+                      vcard::hasParameter(before.parameters(), "ENCODING", "QUOTED-PRINTABLE");
+  if (isOpen) return expectEqual(vcard::decodedValue(after), vcard::decodedValue(before), "a last line");
   if (version == Version::k30 || before.name().empty() || before.is("AGENT")) {
     expectEqual(std::string(after.raw()), withCrLf(before.raw()), "a line that stays");
     return;
