@@ -137,6 +137,18 @@ TEST_F(PickTest, KeepsMarksThroughSearches) {
             "    \"Email\": [\n      \"ada@work.example\"\n    ]\n  }\n]\n");
 }
 
+TEST_F(PickTest, MarksSeveralValues) {
+  TerminalSession session(24, 80, pick({"--multiple", "--property", "Email"}));
+  ASSERT_TRUE(session.waitFor("Grace Hopper")) << session.screen().text();
+  session.type(std::string(kMark) + kRight);
+  ASSERT_TRUE(session.waitFor(">*work ada@work.example")) << session.screen().text();
+  session.type(std::string(kUp) + kMark);
+  ASSERT_TRUE(session.waitFor(">*home ada@home.example")) << session.screen().text();
+  session.type(kEnter);
+  EXPECT_EQ(session.finish(), 0);
+  EXPECT_EQ(session.output(), "ada@work.example\nada@home.example\n");
+}
+
 TEST_F(PickTest, OpensAndGivesGroups) {
   TerminalSession session(24, 80, pick({"--groups"}));
   ASSERT_TRUE(session.waitFor("Grace Hopper")) << session.screen().text();

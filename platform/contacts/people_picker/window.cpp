@@ -250,7 +250,8 @@ void PickerWindow::move(std::ptrdiff_t steps, bool extend) {
     }
   }
   place.cursor = static_cast<std::size_t>(to);
-  if (to != from || rowCount(focus_) == 1) select(extend);
+  const bool onlyMoves = focus_ == kValues && !extend && model_.valueSelection() == PickerModel::ValueSelection::kMany;
+  if (!onlyMoves && (to != from || rowCount(focus_) == 1)) select(extend);
   keepInSight(focus_);
 }
 

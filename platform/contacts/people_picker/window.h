@@ -16,7 +16,8 @@ namespace contacts {
 // goes to the search field; arrow keys move in the column that Tab has chosen.
 //
 // A plain move selects the row it comes to. Once rows were marked one by one they stay selected, through searches and
-// groups as well, until the marks are taken away; plain moves then only move.
+// groups as well, until the marks are taken away; plain moves then only move. So they do among values of which any
+// number may be selected.
 class PickerWindow {
  public:
   enum class Outcome { kNone, kGroupChosen, kNameChosen, kCancelled };
