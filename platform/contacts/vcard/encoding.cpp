@@ -47,8 +47,8 @@ std::string decodeQuotedPrintable(std::string_view text) {
 
 std::string decodeBase64(std::string_view text) {
   static constexpr std::array<std::uint8_t, 256> kValues = base64Values();
-  std::string bytes;
-  bytes.reserve(text.size() / 4 * 3 + 3);
+  std::string bytes(text.size() / 4 * 3 + 3, '\0');
+  std::size_t length = 0;
   std::uint32_t bits = 0;
   int count = 0;
   for (const char c : text) {
@@ -59,9 +59,10 @@ std::string decodeBase64(std::string_view text) {
     count += 6;
     if (count >= 8) {
       count -= 8;
-      bytes.push_back(static_cast<char>(bits >> count & 0xFF));
+      bytes[length++] = static_cast<char>(bits >> count & 0xFF);
     }
   }
+  bytes.resize(length);
   return bytes;
 }
 
