@@ -3,24 +3,29 @@
 #include "host/counted.h"
 #include "platform/foundation/cf_string.h"
 
+#include <cstring>
 #include <mutex>
+#include <new>
 #include <optional>
+#include <type_traits>
 
 namespace host {
 
 namespace {
 
+// The buffer follows it in memory: a byte that is nobody's, the text, a terminator for the widest encoding.
 struct HostString {
   // What old plug-ins read: the text one byte past the buffer's start, its length in the fourth word. The other two
   // words are the host's.
   REALstringRecord record;
-  std::string storage;  // a byte that is nobody's, the text, a terminator for the widest encoding
   HostString* previous;
   HostString* next;
 
   Word& references() { return record.reserved1; }
   Word& encoding() { return record.reserved2; }
 };
+
+static_assert(std::is_trivially_destructible_v<HostString>);
 
 constexpr std::size_t kTextOffset = 1;
 constexpr std::size_t kTerminatorSize = 4;
@@ -110,10 +115,13 @@ std::optional<std::string> encoded(CFStringRef string, std::uint32_t encoding) {
 
 REALstring newString(std::string_view bytes, std::uint32_t encoding) {
   if (bytes.empty()) return nullptr;
-  auto* string = new HostString{};
-  string->storage.reserve(kTextOffset + bytes.size() + kTerminatorSize);
-  string->storage.append(kTextOffset, '\0').append(bytes).append(kTerminatorSize, '\0');
-  string->record = {1, string->storage.data(), encoding, bytes.size()};
+  const std::size_t bufferSize = kTextOffset + bytes.size() + kTerminatorSize;
+  auto* memory = static_cast<char*>(::operator new(sizeof(HostString) + bufferSize));
+  char* const buffer = memory + sizeof(HostString);
+  auto* string = new (memory) HostString{{1, buffer, encoding, bytes.size()}, nullptr, nullptr};
+  std::memset(buffer, 0, kTextOffset);
+  std::memcpy(buffer + kTextOffset, bytes.data(), bytes.size());
+  std::memset(buffer + kTextOffset + bytes.size(), 0, kTerminatorSize);
 
   LiveStrings& live = liveStrings();
   const std::scoped_lock guard(live.lock);
@@ -140,7 +148,7 @@ void unlock(REALstring string) {
     (dead->previous == nullptr ? live.first : dead->previous->next) = dead->next;
     if (dead->next != nullptr) dead->next->previous = dead->previous;
   }
-  delete dead;
+  ::operator delete(dead);
 }
 
 std::string_view bytesOf(REALstring string) {
