@@ -17,9 +17,10 @@ inline void* resolve(const char* name) {
   return found == entries.end() ? nullptr : found->second;
 }
 
+// The function is one that a lambda without captures turns into.
 template <class Function>
-void give(const char* name, Function* function) {
-  entries[name] = reinterpret_cast<void*>(function);
+void give(const char* name, Function function) {
+  entries[name] = reinterpret_cast<void*>(+function);
 }
 
 // To be called first: from then on the plug-in asks this host.

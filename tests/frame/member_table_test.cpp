@@ -4,40 +4,25 @@
 
 namespace {
 
-using member_table::Declaration;
-using member_table::fits;
 using member_table::fitsParameters;
+using member_table::fitsResult;
+
+template <FixedString Text, class Result, class... Parameters>
+constexpr bool kFits = fitsParameters<Text, Parameters...>() && fitsResult<Text, Result>();
+
+constexpr FixedString kAdd = "add(record as ABRecordVXR, byref error as NSErrorVXR) as boolean";
 
 // What a declaration takes and answers, and what it must not be confused with.
-static_assert(fitsParameters<"people as ABPersonVXR()">());
-static_assert(fitsParameters<"addRecord(record as ABRecordVXR, byref error as NSErrorVXR) as boolean", REALobject,
-                             REALobject*>());
-static_assert(!fitsParameters<"addRecord(record as ABRecordVXR, byref error as NSErrorVXR) as boolean", REALobject,
-                              REALobject>());
-static_assert(!fitsParameters<"addRecord(record as ABRecordVXR) as boolean", REALobject, REALobject*>());
-static_assert(fitsParameters<"valueAtIndex(index as UInt32) as variant", std::uint32_t>());
-static_assert(!fitsParameters<"valueAtIndex(index as UInt32) as variant", REALinteger>());
-static_assert(fitsParameters<"removeProperties(properties() as string) as integer", REALstringArray>());
-static_assert(!fitsParameters<"removeProperties(properties() as string) as integer", REALstring>());
-static_assert(fitsParameters<"f(children() as ABSearchElementVXR)", REALobjectArray>());
-static_assert(fitsParameters<"setImageData(data as Memoryblock) as boolean", REALmemoryBlock>());
-static_assert(!fitsParameters<"setImageData(data as Memoryblock) as boolean", REALobject>());
-
-template <class T>
-consteval bool answers(std::string_view declaration) {
-  return fits<T>(Declaration(declaration).result);
-}
-
-static_assert(answers<REALobjectArray>("people as ABPersonVXR()"));
-static_assert(!answers<REALobject>("people as ABPersonVXR()"));
-static_assert(answers<REALstringArray>("properties as string()"));
-static_assert(answers<REALdictionaryArray>("SelectedDictionaries as Dictionary()"));
-static_assert(answers<void>("setMe(moi as ABPersonVXR)"));
-static_assert(!answers<bool>("setMe(moi as ABPersonVXR)"));
-static_assert(answers<bool>("addRecord(record as ABRecordVXR, byref error as NSErrorVXR) as boolean"));
-static_assert(!answers<REALinteger>("save as boolean"));
-static_assert(answers<float>("Left as Single"));
-static_assert(answers<REALobject>("valueForProperty(PropertyName as string) as variant"));
+static_assert(kFits<"people as ABPersonVXR()", REALobjectArray> && !kFits<"people as ABPersonVXR()", REALobject>);
+static_assert(kFits<kAdd, bool, REALobject, REALobject*> && !kFits<kAdd, bool, REALobject, REALobject>);
+static_assert(!kFits<kAdd, REALinteger, REALobject, REALobject*> && !kFits<kAdd, bool, REALobject>);
+static_assert(kFits<"f(index as UInt32) as variant", REALobject, std::uint32_t>);
+static_assert(!kFits<"f(index as UInt32) as variant", REALobject, REALinteger>);
+static_assert(kFits<"f(names() as string)", void, REALstringArray> && !kFits<"f(names() as string)", void, REALstring>);
+static_assert(kFits<"f(children() as ABSearchElementVXR) as string()", REALstringArray, REALobjectArray>);
+static_assert(kFits<"f(data as Memoryblock) as Dictionary()", REALdictionaryArray, REALmemoryBlock>);
+static_assert(!kFits<"f(data as Memoryblock)", void, REALobject> && !kFits<"f(moi as ABPersonVXR)", bool, REALobject>);
+static_assert(kFits<"Left as Single", float>);
 
 }  // namespace
 

@@ -57,8 +57,7 @@ void idle(void* context) {
 class WorkerThread : public testing::Test {
  protected:
   WorkerThread() {
-    fake_resolver::give(
-        "REALYieldToRB", +[] { ++yields; });
+    fake_resolver::give("REALYieldToRB", [] { ++yields; });
     fake_resolver::install();
   }
 };
@@ -76,26 +75,21 @@ TEST_F(WorkerThread, RunsTheWorkElsewhereAndServesTheHostMeanwhile) {
   EXPECT_GE(yields, job.idles.load());  // one a round, one before the first
 }
 
-TEST_F(WorkerThread, IdlesOnceMoreAfterWorkThatEndsAtOnce) {
-  Job job;
-  EXPECT_TRUE(RunThreaded(&job, nullptr, idle));
-  EXPECT_GE(job.idles, 1);
-  EXPECT_GE(yields, 1);
-}
-
-TEST_F(WorkerThread, NeedsNoIdleFunction) {
-  Job job;
-  EXPECT_TRUE(RunThreaded(&job, work, nullptr));
-  EXPECT_EQ(job.runs, 1);
-  EXPECT_EQ(job.idles, 0);
-}
-
-TEST_F(WorkerThread, RunsManyJobsOneAfterTheOther) {
+TEST_F(WorkerThread, RunsManyJobsThatEndAtOnce) {
   for (int i = 0; i < 200; ++i) {
     Job job;
     ASSERT_TRUE(RunThreaded(&job, work, idle));
     ASSERT_EQ(job.runs, 1);
+    ASSERT_GE(job.idles, 1);
   }
+}
+
+TEST_F(WorkerThread, NeedsNoFunctions) {
+  Job job;
+  EXPECT_TRUE(RunThreaded(&job, work, nullptr));
+  EXPECT_TRUE(RunThreaded(&job, nullptr, idle));
+  EXPECT_EQ(job.runs, 1);
+  EXPECT_GE(job.idles, 1);
 }
 
 #if defined(WITHOUT_DISPATCH)
@@ -111,12 +105,6 @@ TEST_F(WorkerThread, SaysWhenThereIsNoThreadToBeHad) {
 TEST_F(WorkerThread, IgnoresMutexesThatAreNotThere) {
   pthread_mutex_t* mutex = nullptr;
   Lock(mutex);
-  Unlock(mutex);
-  Done(mutex);
-  Init(mutex);
-  ASSERT_NE(mutex, nullptr);
-  Lock(mutex);
-  EXPECT_EQ(pthread_mutex_trylock(mutex), EBUSY);
   Unlock(mutex);
   Done(mutex);
   EXPECT_EQ(mutex, nullptr);
