@@ -8,6 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <unistd.h>
+
 namespace {
 
 constexpr const char* kPicker = "ABPickerVXR";
@@ -292,6 +298,26 @@ TEST(Picker, GivesValuesAsReadableText) {
     const bool isSingle = std::string(property) != "Address";
     EXPECT_EQ(fixture.identifiers(fixture.ada).size(), isSingle ? 0U : 1U) << property;
   }
+}
+
+// In place of the desktop's opener: a program that keeps what it was given.
+TEST(Picker, OpensTheSelectionInTheDesktopsApplication) {
+  const Fixture fixture;
+  const std::filesystem::path opened = fixture.host.folder() / "opened.txt";
+  std::ofstream(fixture.host.folder() / "xdg-open")
+      << "#!/bin/sh\nprintf '%s' \"$1\" > " << opened << ".new; mv " << opened << ".new " << opened << "\n";
+  permissions(fixture.host.folder() / "xdg-open", std::filesystem::perms::owner_all);
+  setenv("PATH", (fixture.host.folder().string() + ":/bin:/usr/bin").c_str(), 1);
+  const auto openedBy = [&](const char* member) {
+    remove(opened);
+    fixture.picker.call(member);
+    for (int tries = 0; !exists(opened) && tries < 500; ++tries) usleep(10'000);
+    return bytesOf(opened);
+  };
+  fixture.picker.call("SelectGroup", fixture.work, false);
+  EXPECT_EQ(openedBy("SelectInAddressBook"), "addressbook://g1:ABGroup");
+  fixture.picker.call("SelectPerson", fixture.ada, false);
+  EXPECT_EQ(openedBy("EditInAddressBook"), "addressbook://p1:ABPerson?edit");
 }
 
 TEST(Picker, RefusesCarbonEvents) {
