@@ -79,12 +79,7 @@ TEST_P(CrashSweep, LeavesAllOrNothing) {
 }
 
 TEST_P(CrashSweep, FinishesWhatWasSavedHoweverOftenItIsKilled) {
-  // The first call before which there is a journal.
-  fill(folder_->path());
-  for (int at = 0; !fs::exists(journal()); ++at) {
-    fill(folder_->path());
-    ASSERT_TRUE(killedAt(at, scenario().edit, false));
-  }
+  fillUnfinished(folder_->path(), scenario());
   const ContactsFolder committed;
   fs::copy(folder_->path(), committed.path(), fs::copy_options::recursive);
   setenv("ADDRESSBOOK_FOLDER", folder_->path().c_str(), 1);

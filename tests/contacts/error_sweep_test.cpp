@@ -159,16 +159,7 @@ TEST_P(ErrorSweep, AnswersWhatARestartFinds) {
 }
 
 TEST_P(ErrorSweep, LosesNothingOfAnEarlierSave) {
-  // A journal that an earlier save left.
-  for (int at = 0; !fs::exists(folder_->path() / ".addressbook/journal"); ++at) {
-    fill(folder_->path());
-    statusInChild([&] {
-      const ABAddressBook book = ABAddressBook::addressBook();
-      scenario().edit(book);
-      file_faults::start(Fault{Fault::Effect::kKill, 0, false, at});
-      book.save();
-    });
-  }
+  fillUnfinished(folder_->path(), scenario());
   const ContactsFolder committed;
   fs::copy(folder_->path(), committed.path(), fs::copy_options::recursive);
   setenv("ADDRESSBOOK_FOLDER", folder_->path().c_str(), 1);
@@ -195,6 +186,23 @@ TEST_P(ErrorSweep, LosesNothingOfAnEarlierSave) {
       }
       EXPECT_EQ(stateFound().size(), afterSize);
     }
+  }
+}
+
+// A disk that is full or read-only hides no save that couldn't be finished, and no save pretends to have happened.
+TEST_P(ErrorSweep, ReadsWithoutWriting) {
+  for (const int error : {EROFS, ENOSPC}) {
+    SCOPED_TRACE(std::string(scenario().name) + ", " + std::strerror(error));
+    fillUnfinished(folder_->path(), scenario());
+    const auto [status, shownState] = answerOfChild([error] {
+      file_faults::start(Fault{Fault::Effect::kFail, error, true});
+      const std::string state = stateOf(ABAddressBook::addressBook());
+      EXPECT_TRUE(file_faults::stop().isHit);
+      return state;
+    });
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(fs::exists(folder_->path() / ".addressbook/journal"));
+    EXPECT_EQ(shownState, stateFound());
   }
 }
 

@@ -1,6 +1,7 @@
 #include "tests/contacts/store_scenarios.h"
 
 #include "platform/objc/retained.h"
+#include "tests/contacts/file_faults.h"
 #include "tests/contacts/in_child.h"
 #include "tests/contacts/shown.h"
 
@@ -90,6 +91,20 @@ void fill(const fs::path& folder) {
       << "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:g\r\nN:Group\r\nX-ADDRESSBOOKSERVER-KIND:group\r\n"
          "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p1\r\n"
          "X-ADDRESSBOOKSERVER-MEMBER:urn:uuid:p4\r\nEND:VCARD\r\n";
+}
+
+void fillUnfinished(const fs::path& folder, const Scenario& scenario) {
+  fill(folder);
+  for (int at = 0; !fs::exists(folder / ".addressbook/journal"); ++at) {
+    fill(folder);
+    const int status = statusInChild([&] {
+      const ABAddressBook book = ABAddressBook::addressBook();
+      scenario.edit(book);
+      file_faults::start(file_faults::Fault{file_faults::Fault::Effect::kKill, 0, false, at});
+      book.save();
+    });
+    ASSERT_NE(status, 0) << scenario.name << " leaves no journal wherever it is killed";
+  }
 }
 
 void addLater(ABAddressBook book) { add(book, "Later"); }

@@ -28,6 +28,9 @@ void useMemory();
 // Six persons and a group, in place of what was there.
 void fill(const std::filesystem::path& folder);
 
+// As fill, and then a process was killed when it had just committed the scenario's save.
+void fillUnfinished(const std::filesystem::path& folder, const Scenario& scenario);
+
 void addLater(ABAddressBook book);
 
 // Names, notes, pictures, groups and owner, without ids, which differ each time.
