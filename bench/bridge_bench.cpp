@@ -69,7 +69,9 @@ void stringToFoundationPlainly(benchmark::State& state, std::string_view pattern
 void stringToFoundation(benchmark::State& state, std::string_view pattern) {
   startHost();
   const auto string = adoptHost(host::newString(sample(pattern, state.range(0)), kEncodingUTF8));
-  measure(state, [&] { return NewNSString(string.get()); });
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(string.get()))).get());
+  }
 }
 
 void stringToHostPlainly(benchmark::State& state, std::string_view pattern) {
@@ -89,7 +91,7 @@ void stringToHost(benchmark::State& state, std::string_view pattern) {
   startHost();
   const auto string = adoptHost(host::newString(sample(pattern, state.range(0)), kEncodingUTF8));
   const auto text = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(string.get())));
-  measure(state, [&] { return adoptHost(NSStringRB(text.get())).get(); });
+  for (auto _ : state) benchmark::DoNotOptimize(adoptHost(NSStringRB(text.get())).get());
 }
 
 #define CHARACTERS Arg(5)->Arg(50)->Arg(500)->Arg(50000)

@@ -90,14 +90,15 @@ void expectSame(const Line& before, Version version, const Line& after) {
   expectEqual(meaning(after, Version::k30), meaning(before, version), "a line's value");
 }
 
-// A line that is nothing but letters of base64: behind a picture it is read as the rest of it, which some writers don't
-// indent.
+// A line that is nothing but letters of base64, as far as it may be folded: behind a picture it is read as the rest of
+// it, which some writers don't indent.
 bool looksBinary(const Line& line) {
+  constexpr std::size_t kShortestFold = 70;
   const auto isLetter = [](char c) {
     return (vcard::upper(c) >= 'A' && vcard::upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '/' ||
            c == '=';
   };
-  return line.name().empty() && !line.content().empty() && std::ranges::all_of(line.content(), isLetter);
+  return !line.content().empty() && std::ranges::all_of(line.content().substr(0, kShortestFold), isLetter);
 }
 
 void tryCard(std::string_view text) {
