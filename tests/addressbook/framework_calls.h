@@ -39,10 +39,13 @@ class Sends {
 // What host code gets of it.
 inline constexpr const char* kRefused = "NSExceptionVXR: A Cocoa Refused was not handled: because";
 
-// Records by their ids; lists of them; else as the bridge's tests write values.
+// Records by their ids; lists of them; else as the bridge's tests write values. A declared Integer is one at each
+// width.
 inline std::string told(const host::Value& value) {
   const std::string type = value.typeName();
   if (type == "ABPersonVXR" || type == "ABGroupVXR") return value.call("uniqueId").text();
+  if (type == "Int64" && sizeof(REALinteger) == sizeof(std::int64_t))
+    return "Integer " + std::to_string(value.integer());
   if (type != "Object()") return shown(value);
   std::string list;
   for (const host::Value& element : value.elements()) list = joined(list, told(element));
