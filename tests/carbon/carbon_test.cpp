@@ -11,7 +11,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
-#include <vector>
 
 #include <sys/time.h>
 
@@ -24,29 +23,26 @@ TEST(Gestalt, SharesAddressesUnderASelector) {
   std::intptr_t value = 42;
   EXPECT_EQ(Gestalt(kSelector, &value), gestaltUndefSelectorErr);
   EXPECT_EQ(value, 42);
-  int shared = 0;
-  EXPECT_EQ(SetGestaltValue(kSelector, reinterpret_cast<std::intptr_t>(&shared)), noErr);
-  EXPECT_EQ(Gestalt(kSelector, &value), noErr);
-  EXPECT_EQ(reinterpret_cast<int*>(value), &shared);
-  EXPECT_EQ(SetGestaltValue(kSelector, 0), noErr);
-  EXPECT_EQ(Gestalt(kSelector, &value), noErr);
-  EXPECT_EQ(value, 0);
+  for (const auto shared : {reinterpret_cast<std::intptr_t>(&value), std::intptr_t{0}}) {
+    EXPECT_EQ(SetGestaltValue(kSelector, shared), noErr);
+    EXPECT_EQ(Gestalt(kSelector, &value), noErr);
+    EXPECT_EQ(value, shared);
+  }
   EXPECT_EQ(Gestalt(kSelector, nullptr), paramErr);
 }
 
 TEST(Gestalt, IsSafeBetweenThreads) {
-  std::vector<std::thread> threads;
-  for (OSType i = 0; i < 4; ++i) {
-    threads.emplace_back([i] {
-      for (OSType k = 0; k < 200; ++k) {
-        SetGestaltValue(i * 1000 + k, static_cast<std::intptr_t>(k));
-        std::intptr_t value = 0;
-        Gestalt(i * 1000 + k, &value);
-        EXPECT_EQ(value, static_cast<std::intptr_t>(k));
-      }
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
+  const auto share = [](OSType first) {
+    for (OSType selector = first; selector < first + 200; ++selector) {
+      SetGestaltValue(selector, static_cast<std::intptr_t>(selector));
+      std::intptr_t value = 0;
+      Gestalt(selector, &value);
+      EXPECT_EQ(value, static_cast<std::intptr_t>(selector));
+    }
+  };
+  std::thread other(share, 1000);
+  share(2000);
+  other.join();
 }
 
 TEST(Folders, FindsTheFrameworksFolderOnly) {

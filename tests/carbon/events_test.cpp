@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -44,8 +45,6 @@ OSStatus send(std::uint32_t eventClass, std::uint32_t kind) {
   return status;
 }
 
-using Calls = std::vector<std::string>;
-
 }  // namespace
 
 TEST(Events, GoToTheLatestHandlerFirst) {
@@ -53,12 +52,12 @@ TEST(Events, GoToTheLatestHandlerFirst) {
   const EventHandlerRef middle = install("middle+");
   install("last");
   EXPECT_EQ(send(kClass, 2), eventNotHandledErr);
-  EXPECT_EQ(calls, (Calls{"last2", "/last", "middle+2", "first2", "/first", "/middle+"}));
+  EXPECT_EQ(calls, (std::vector<std::string>{"last2", "/last", "middle+2", "first2", "/first", "/middle+"}));
   EXPECT_EQ(RemoveEventHandler(middle), noErr);
   EXPECT_EQ(RemoveEventHandler(middle), paramErr);
   install("taker!");
   EXPECT_EQ(send(kClass, 1), noErr);
-  EXPECT_EQ(calls, (Calls{"taker!1", "/taker!"}));
+  EXPECT_EQ(calls, (std::vector<std::string>{"taker!1", "/taker!"}));
   EXPECT_EQ(send(kClass, 3), eventNotHandledErr);
   EXPECT_EQ(send(kClass + 1, 1), eventNotHandledErr);
   EXPECT_TRUE(calls.empty());
@@ -84,20 +83,18 @@ TEST(Events, CarryParameters) {
   ASSERT_EQ(CreateEvent(kCFAllocatorDefault, kClass, 1, 0, kEventAttributeNone, &event), noErr);
   EXPECT_EQ(GetEventClass(event), kClass);
   const int stored[] = {7, 8};
-  ASSERT_EQ(SetEventParameter(event, kName, kType, sizeof stored, stored), noErr);
-  ASSERT_EQ(SetEventParameter(event, kName, kType, sizeof stored, stored), noErr);
+  for (int i = 0; i < 2; ++i) ASSERT_EQ(SetEventParameter(event, kName, kType, sizeof stored, stored), noErr);
   int read[] = {0, 0};
   ByteCount size = 0;
   EventParamType type = 0;
   EXPECT_EQ(GetEventParameter(event, kName, kType, &type, sizeof read[0], &size, read), noErr);
   EXPECT_EQ(size, sizeof stored);
   EXPECT_EQ(type, kType);
-  EXPECT_EQ(read[0], 7);
-  EXPECT_EQ(read[1], 0);
-  EXPECT_EQ(GetEventParameter(event, kName, kOtherType, nullptr, sizeof read, nullptr, read),
-            eventParameterNotFoundErr);
-  EXPECT_EQ(GetEventParameter(event, kOtherName, kType, nullptr, sizeof read, nullptr, read),
-            eventParameterNotFoundErr);
+  EXPECT_EQ(read[0] * 10 + read[1], 70);
+  using Key = std::pair<EventParamName, EventParamType>;
+  for (const auto& [name, itsType] : {Key{kName, kOtherType}, Key{kOtherName, kType}}) {
+    EXPECT_EQ(GetEventParameter(event, name, itsType, nullptr, sizeof read, nullptr, read), eventParameterNotFoundErr);
+  }
   ReleaseEvent(event);
 }
 
