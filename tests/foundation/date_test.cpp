@@ -5,10 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <ctime>
-#include <string>
-
 namespace {
 
 NSDate at(NSTimeInterval seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }
@@ -42,16 +38,6 @@ TEST(Date, ComparesInstants) {
   EXPECT_TRUE(calendarDate.isEqual(at(0)));
   EXPECT_EQ(calendarDate.hash(), at(-0.0).hash());
   EXPECT_FALSE(at(0).isEqual(at(0.001)));
-  EXPECT_FALSE(at(0).isEqual(NSString::string()));
-}
-
-TEST(Date, IsNowWhenNothingElseIsSaid) {
-  const auto before = static_cast<NSTimeInterval>(std::time(nullptr));
-  const NSTimeInterval now = NSDate::date().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
-  const NSTimeInterval nowHere = send<NSDate>("NSCalendarDate"_class, "date"_sel).timeIntervalSinceReferenceDate();
-  EXPECT_GE(now, before);
-  EXPECT_LE(now, nowHere + NSTimeIntervalSince1970);
-  EXPECT_LE(nowHere + NSTimeIntervalSince1970, static_cast<NSTimeInterval>(std::time(nullptr)) + 1);
 }
 
 }  // namespace
