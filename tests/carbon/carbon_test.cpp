@@ -1,22 +1,15 @@
-#include "platform/carbon/folders.h"
 #include "platform/carbon/gestalt.h"
-#include "platform/carbon/process.h"
 #include "platform/carbon/time.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <thread>
 
 #include <sys/time.h>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(Gestalt, SharesAddressesUnderASelector) {
   constexpr OSType kSelector = 0x56585269;
@@ -45,18 +38,6 @@ TEST(Gestalt, IsSafeBetweenThreads) {
   other.join();
 }
 
-TEST(Folders, FindsTheFrameworksFolderOnly) {
-  FSRef ref;
-  ASSERT_EQ(FSFindFolder(kSystemDomain, kFrameworksFolderType, kCreateFolder, &ref), noErr);
-  std::uint8_t path[4096];
-  ASSERT_EQ(FSRefMakePath(&ref, path, sizeof path), noErr);
-  const fs::path folder(reinterpret_cast<const char*>(path));
-  EXPECT_EQ(folder.filename(), "Frameworks");
-  EXPECT_TRUE(fs::exists(folder / "Carbon.framework" / "Carbon"));
-  EXPECT_EQ(FSFindFolder(kSystemDomain, 0x70726566, kCreateFolder, &ref), fnfErr);
-  EXPECT_EQ(FSFindFolder(0, kFrameworksFolderType, kCreateFolder, &ref), fnfErr);
-}
-
 TEST(Time, CountsMillisecondsUpAndMicrosecondsDown) {
   const struct {
     Duration duration;
@@ -76,16 +57,6 @@ TEST(Time, DelaysInSpiteOfSignals) {
   EXPECT_GE(UpTime(), until);
   until = 0;
   EXPECT_EQ(MPDelayUntil(&until), noErr);
-}
-
-TEST(Process, EndsInOrder) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  EXPECT_EXIT(
-      {
-        std::atexit([] { std::fputs("handlers ran", stderr); });
-        ExitToShell();
-      },
-      testing::ExitedWithCode(0), "handlers ran");
 }
 
 }  // namespace

@@ -166,37 +166,14 @@ TEST_F(Files, AreNotFoundWhereThereAreNone) {
 }
 
 TEST_F(Files, OfTheLongestNameAreFound) {
-  const std::string longest(255, 'x');
-  makeFile(longest.c_str());
-  EXPECT_EQ(nameOf(*refOf(at(longest.c_str()))), std::u16string(255, u'x'));
-  EXPECT_TRUE(refInside(*refOf(folder_), std::u16string(255, u'x')));
+  makeFile(std::string(255, 'x').c_str());
+  EXPECT_EQ(nameOf(*refInside(*refOf(folder_), std::u16string(255, u'x'))), std::u16string(255, u'x'));
   // 255 bytes that no 255 units can tell.
   const std::string noUtf8(255, '\xFF');
-  makeFile(noUtf8.c_str());
-  const auto ref = refOf(at(noUtf8.c_str()));
+  const auto ref = refOf(makeFile(noUtf8.c_str()));
   HFSUniStr255 name{};
   EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr), bdNamErr);
   EXPECT_TRUE(refOfUrl(urlTextOf(*ref)));
-}
-
-TEST_F(Files, RootIsReachedThroughItsSpec) {
-  const auto root = refOf("/");
-  FSCatalogInfo info{};
-  FSRef parent = *root;
-  FSSpec spec{};
-  ASSERT_EQ(FSGetCatalogInfo(&*root, kFSCatInfoNodeID, &info, nullptr, &spec, &parent), noErr);
-  EXPECT_EQ(info.nodeID, 2U);
-  EXPECT_EQ(nameOf(*root), u"/");
-  EXPECT_EQ(check(parent), errFSBadFSRef);
-  EXPECT_EQ(spec.parID, 1);
-  FSRef again;
-  ASSERT_EQ(FSpMakeFSRef(&spec, &again), noErr);
-  EXPECT_EQ(urlTextOf(again), "file:///");
-  // The parent of the root's children is the root.
-  const auto child = refOf("/usr");
-  ASSERT_EQ(FSGetCatalogInfo(&*child, kFSCatInfoNodeID, &info, nullptr, nullptr, &parent), noErr);
-  EXPECT_EQ(pathOf(parent), "/");
-  EXPECT_GE(info.nodeID, 16U);
 }
 
 TEST_F(Files, OfASpecAreFoundOrRefused) {
