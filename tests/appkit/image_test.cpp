@@ -15,6 +15,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr int kWidth = 3;
@@ -52,25 +53,24 @@ class Image : public LiveObjectsTest {
     static_cast<Bytes*>(bytes)->insert(static_cast<Bytes*>(bytes)->end(), first, first + size);
   }
 
-  static Bytes png() {
+  // The pixels as one of the writers encodes them.
+  template <class Writer, class... Quality>
+  static Bytes encoded(Writer writer, Quality... quality) {
     Bytes bytes;
-    stbi_write_png_to_func(append, &bytes, kWidth, kHeight, 4, kPixels.data(), 0);
+    writer(append, &bytes, kWidth, kHeight, 4, kPixels.data(), quality...);
     return bytes;
   }
 
-  static Bytes bmp() {
-    Bytes bytes;
-    stbi_write_bmp_to_func(append, &bytes, kWidth, kHeight, 4, kPixels.data());
-    return bytes;
-  }
-
-  static Bytes jpeg() {
-    Bytes bytes;
-    stbi_write_jpg_to_func(append, &bytes, kWidth, kHeight, 4, kPixels.data(), 100);
-    return bytes;
-  }
-
+  static Bytes png() { return encoded(stbi_write_png_to_func, 0); }
+  static Bytes bmp() { return encoded(stbi_write_bmp_to_func); }
+  static Bytes jpeg() { return encoded(stbi_write_jpg_to_func, 100); }
   static Bytes tiff() { return tiffOf(imageOf(png()).get()); }
+
+  // The bytes with another value at some places.
+  static Bytes with(Bytes bytes, std::initializer_list<std::size_t> places, std::uint8_t value) {
+    for (const std::size_t place : places) bytes[place] = value;
+    return bytes;
+  }
 
   // Two pixels, red and blue.
   static Bytes gif() {
@@ -79,15 +79,12 @@ class Image : public LiveObjectsTest {
   }
 };
 
-TEST_F(Image, ReadsTheCommonFormats) {
+TEST_F(Image, ReadsTheCommonFormatsAndItsOwnTiff) {
   EXPECT_EQ(pixelsOf(png()), kPixels);
   EXPECT_EQ(pixelsOf(bmp()), kPixels);
   EXPECT_EQ(pixelsOf(gif()), (Bytes{255, 0, 0, 255, 0, 0, 255, 255}));
   EXPECT_EQ(pixelsOf(jpeg()).size(), kPixels.size());
   EXPECT_EQ(imageOf(jpeg())->size(), (NSSize{kWidth, kHeight}));
-}
-
-TEST_F(Image, ReturnsThroughItsTiff) {
   EXPECT_EQ(pixelsOf(tiff()), kPixels);
   EXPECT_EQ(tiffOf(imageOf(tiff()).get()), tiff());
 }
@@ -106,42 +103,28 @@ TEST_F(Image, ReadsOtherPlainTiffs) {
                       1,   40,  0, 3,  0, 0, 0, 1,  0,   2,   0,   0,   0, 0, 0, 0};
   EXPECT_EQ(pixelsOf(grey), (Bytes{7, 7, 7, 255, 100, 100, 100, 255, 200, 200, 200, 255, 250, 250, 250, 255}));
 
-  Bytes tooFewBytes = grey;
-  tooFewBytes[14 + 6 * 12 + 9] = 1;
-  EXPECT_FALSE(imageOf(tooFewBytes));
-  Bytes outside = grey;
-  outside[14 + 4 * 12 + 10] = 0xFF;
-  EXPECT_FALSE(imageOf(outside));
-  Bytes compressed = tiff();
-  compressed[10 + 3 * 12 + 8] = 5;
-  EXPECT_FALSE(imageOf(compressed));
+  EXPECT_FALSE(imageOf(with(grey, {14 + 6 * 12 + 9}, 1)));      // too few bytes
+  EXPECT_FALSE(imageOf(with(grey, {14 + 4 * 12 + 10}, 0xFF)));  // outside the data
+  EXPECT_FALSE(imageOf(with(tiff(), {10 + 3 * 12 + 8}, 5)));    // compressed
 }
 
 TEST_F(Image, IsNilForWhatIsNone) {
   EXPECT_FALSE(NSImage::alloc().initWithData(nullptr));
   for (const std::string& text :
-       {std::string(), std::string("GIF89a"), std::string("BEGIN:VCARD"), std::string("II*\0", 4),
-        std::string("\x89PNG\r\n\x1A\n"), std::string("\xFF\xD8\xFF"), std::string(1000, 'B')}) {
+       {""s, "GIF89a"s, "BEGIN:VCARD"s, "II*\0"s, "\x89PNG\r\n\x1A\n"s, "\xFF\xD8\xFF"s, std::string(1000, 'B')}) {
     EXPECT_FALSE(imageOf(Bytes(text.begin(), text.end()))) << text;
   }
   EXPECT_FALSE(imageOf(Bytes((std::size_t{64} << 20) + 1)));
   // Sizes beyond the limit, in headers that are good otherwise.
-  Bytes wide = gif();
-  wide[7] = wide[9] = 0xFF;
-  EXPECT_FALSE(imageOf(wide));
-  Bytes wideTiff = tiff();
-  wideTiff[10 + 8 + 2] = wideTiff[10 + 12 + 8 + 2] = 0xFF;
-  EXPECT_FALSE(imageOf(wideTiff));
-  Bytes flat = tiff();
-  flat[10 + 8] = 0;
-  EXPECT_FALSE(imageOf(flat));
+  EXPECT_FALSE(imageOf(with(gif(), {7, 9}, 0xFF)));
+  EXPECT_FALSE(imageOf(with(tiff(), {10 + 8 + 2, 10 + 12 + 8 + 2}, 0xFF)));
+  EXPECT_FALSE(imageOf(with(tiff(), {10 + 8}, 0)));
 }
 
 // Every beginning, and every bit turned over: nil or an image of a sane size, and nothing read or written outside.
 TEST_F(Image, SurvivesBrokenData) {
   for (const Bytes& whole : {png(), bmp(), gif(), jpeg(), tiff()}) {
-    for (std::size_t size = 0; size < whole.size(); ++size)
-      imageOf(Bytes(whole.begin(), whole.begin() + static_cast<long>(size)));
+    for (std::size_t size = 0; size < whole.size(); ++size) imageOf(Bytes(whole.data(), whole.data() + size));
     for (std::size_t bit = 0; bit < whole.size() * 8; ++bit) {
       Bytes broken = whole;
       broken[bit / 8] ^= static_cast<std::uint8_t>(1 << bit % 8);
@@ -150,12 +133,6 @@ TEST_F(Image, SurvivesBrokenData) {
       }
     }
   }
-}
-
-TEST_F(Image, WithoutDataIsEmpty) {
-  const auto image = Retained<NSImage>::adopt(send<NSImage>("NSImage"_class, "new"_sel));
-  EXPECT_EQ(image->size(), (NSSize{0, 0}));
-  EXPECT_FALSE(image->TIFFRepresentation());
 }
 
 }  // namespace
