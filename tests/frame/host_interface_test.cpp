@@ -88,22 +88,6 @@ void giveStringServices() {
 
 }  // namespace
 
-TEST_F(HostInterface, LeavesStringDataToTheHostThatHasIt) {
-  give("PluginGetStringData", [](REALstring, std::uint32_t encoding, REALstringData* data) {
-    *data = {nullptr, 5, encoding};
-    return encoding == kEncodingUTF8;
-  });
-  give("PluginDisposeStringData", [](REALstringData* data) { data->length = 99; });
-  giveStringServices();
-  REALstringData data{};
-  EXPECT_TRUE(REALGetStringData(text("x"), kEncodingUTF8, &data));
-  EXPECT_EQ(data.length, 5u);
-  EXPECT_FALSE(REALGetStringData(text("x"), kEncodingASCII, &data));
-  EXPECT_EQ(asked["StringGetCString"], 0);
-  REALDisposeStringData(&data);
-  EXPECT_EQ(data.length, 99u);
-}
-
 TEST_F(HostInterface, CopiesStringDataWhereTheHostHasNone) {
   REALstringData data{};
   EXPECT_FALSE(REALGetStringData(text("abc"), kEncodingAsStored, &data));  // without length or bytes
@@ -187,13 +171,4 @@ TEST_F(HostInterface, AsksTheHostsGetterForEachArray) {
   int unread = 11;
   REALGetArrayValue(static_cast<REALintegerArray>(nullptr), 0, &unread);
   EXPECT_EQ(unread, 11);
-}
-
-TEST_F(HostInterface, InsertsThroughTheProcedureOfTheArray) {
-  static REALinteger insertedAt = -1;
-  give("RuntimeArrayDirectGetInsertProc", [](REALarray) {
-    return reinterpret_cast<void*>(+[](REALarray, REALinteger index, REALobject) { insertedAt = index; });
-  });
-  REALInsertArrayValueObject(array(), 5, object());
-  EXPECT_EQ(insertedAt, 5);
 }
