@@ -1,34 +1,17 @@
 #include "platform/foundation/dispatch.h"
 
 #include "platform/foundation/string.h"
+#include "tests/objc/failing_threads.h"
 #include "tests/objc/live_objects.h"
 
 #include <atomic>
-#include <barrier>
-#include <cerrno>
 #include <chrono>
+#include <condition_variable>
 #include <csignal>
 #include <filesystem>
 #include <latch>
+#include <mutex>
 #include <thread>
-
-#include <dlfcn.h>
-#include <pthread.h>
-
-namespace {
-
-// While it is set no thread can be had.
-std::atomic<bool> threadsFail{false};
-
-}  // namespace
-
-// Stands before the system's own for every library of this program.
-extern "C" __attribute__((visibility("default"))) int pthread_create(pthread_t* thread,
-                                                                     const pthread_attr_t* attributes,
-                                                                     void* (*start)(void*), void* argument) noexcept {
-  static const auto real = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-  return threadsFail ? EAGAIN : real(thread, attributes, start, argument);
-}
 
 namespace {
 
@@ -60,18 +43,25 @@ TEST(DispatchQueue, IsTheDefaultOneOnly) {
 }
 
 TEST(DispatchQueue, GivesWaitingWorkThreadsOfItsOwn) {
-  // None passes before all have come, and all a thousand do.
+  // Each waits until a full round of them has come, and all a thousand do.
   constexpr int kTogether = 20;
   struct Meeting {
     std::thread::id caller = std::this_thread::get_id();
-    std::barrier<> all{kTogether};
+    std::mutex lock;
+    std::condition_variable someCame;
+    int come = 0;
     std::latch left{50 * kTogether};
   } meeting;
   for (int i = 0; i < 50 * kTogether; ++i) {
     dispatch_async(queue(), &meeting, [](void* context) {
       auto* shared = static_cast<Meeting*>(context);
       EXPECT_NE(std::this_thread::get_id(), shared->caller);
-      shared->all.arrive_and_wait();
+      {
+        std::unique_lock guard(shared->lock);
+        const int round = shared->come++ / kTogether;
+        shared->someCame.notify_all();
+        shared->someCame.wait(guard, [&] { return shared->come >= (round + 1) * kTogether; });
+      }
       shared->left.count_down();
     });
   }
