@@ -4,7 +4,6 @@
 #include "tests/objc/failing_threads.h"
 #include "tests/objc/live_objects.h"
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <csignal>
@@ -35,11 +34,6 @@ void expectNoWorkers() {
   const auto threads = [] { return std::distance(fs::directory_iterator("/proc/self/task"), {}); };
   for (int i = 0; i < 100 && threads() > kOwnThreads; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(50));
   EXPECT_LE(threads(), kOwnThreads);
-}
-
-TEST(DispatchQueue, IsTheDefaultOneOnly) {
-  EXPECT_EQ(dispatch_get_global_queue(2, 0), nullptr);
-  EXPECT_EQ(dispatch_get_global_queue(0, 1), nullptr);
 }
 
 TEST(DispatchQueue, GivesWaitingWorkThreadsOfItsOwn) {

@@ -1,33 +1,15 @@
 #include "frame/worker_thread.h"
 
 #include "tests/frame/fake_resolver.h"
+#include "tests/objc/failing_threads.h"
 
 #include <gtest/gtest.h>
 
-#include <dlfcn.h>
-
 #include <atomic>
-#include <cerrno>
 #include <chrono>
 #include <thread>
 
 // Built twice: with a platform that has dispatch queues, and with one that hasn't.
-
-#if defined(WITHOUT_DISPATCH)
-namespace {
-
-std::atomic<bool> noThreads{false};
-
-}  // namespace
-
-// Stands before the system's own.
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
-                              void* argument) noexcept {
-  if (noThreads) return EAGAIN;
-  static auto* system = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-  return system(thread, attributes, start, argument);
-}
-#endif
 
 namespace {
 
@@ -94,18 +76,10 @@ TEST_F(WorkerThread, NeedsNoFunctions) {
 
 #if defined(WITHOUT_DISPATCH)
 TEST_F(WorkerThread, SaysWhenThereIsNoThreadToBeHad) {
-  noThreads = true;
+  threadsFail = true;
   Job job;
   EXPECT_FALSE(RunThreaded(&job, work, idle));
   EXPECT_EQ(job.runs, 0);
   EXPECT_EQ(job.idles, 0);
 }
 #endif
-
-TEST_F(WorkerThread, IgnoresMutexesThatAreNotThere) {
-  pthread_mutex_t* mutex = nullptr;
-  Lock(mutex);
-  Unlock(mutex);
-  Done(mutex);
-  EXPECT_EQ(mutex, nullptr);
-}

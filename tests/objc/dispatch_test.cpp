@@ -36,18 +36,12 @@ class DispatchTest : public LiveObjectsTest {
         .classMethod<&countOfKinds>("kinds");
     objc::ClassBuilder::define<DogObject>("TestDog", "TestAnimal").method<&DogObject::noise>("noise");
     LiveObjectsTest::SetUp();
-    animal = Retained<NSObject>::adopt(alloc<NSObject>("TestAnimal"_class));
-    dog = Retained<NSObject>::adopt(alloc<NSObject>("TestDog"_class));
+    animal = Retained<NSObject>::adopt(alloc<NSObject>("TestAnimal"_class)).autorelease();
+    dog = Retained<NSObject>::adopt(alloc<NSObject>("TestDog"_class)).autorelease();
   }
 
-  void TearDown() override {
-    animal = {};
-    dog = {};
-    LiveObjectsTest::TearDown();
-  }
-
-  Retained<NSObject> animal;
-  Retained<NSObject> dog;
+  NSObject animal;
+  NSObject dog;
 };
 
 template <class Call>
@@ -61,20 +55,20 @@ std::string raisedBy(Call call) {
 }
 
 TEST_F(DispatchTest, MethodsAreInheritedAndOverridden) {
-  send<void>(dog.get(), "setLegs:"_sel, 3);
-  EXPECT_EQ(send<int>(dog.get(), "legs"_sel), 3);
-  EXPECT_EQ(send<int>(animal.get(), "legs"_sel), 4);
-  EXPECT_EQ(send<int>(dog.get(), "noise"_sel), 2);
-  EXPECT_EQ(send<int>(animal.get(), "noise"_sel), 1);
+  send<void>(dog, "setLegs:"_sel, 3);
+  EXPECT_EQ(send<int>(dog, "legs"_sel), 3);
+  EXPECT_EQ(send<int>(animal, "legs"_sel), 4);
+  EXPECT_EQ(send<int>(dog, "noise"_sel), 2);
+  EXPECT_EQ(send<int>(animal, "noise"_sel), 1);
   EXPECT_EQ(send<int>("TestDog"_class, "kinds"_sel), 2);
   EXPECT_EQ(send<double>(nullptr, "anything:"_sel, 1), 0);
   EXPECT_FALSE(send<NSObject>(Class("NoSuchClass"), "alloc"_sel));
 }
 
 TEST_F(DispatchTest, ClassesKnowTheirKind) {
-  EXPECT_TRUE(dog.get().isKindOfClass("TestAnimal"_class));
-  EXPECT_FALSE(animal.get().isKindOfClass("TestDog"_class));
-  EXPECT_FALSE(animal.get().isKindOfClass(nullptr));
+  EXPECT_TRUE(dog.isKindOfClass("TestAnimal"_class));
+  EXPECT_FALSE(animal.isKindOfClass("TestDog"_class));
+  EXPECT_FALSE(animal.isKindOfClass(nullptr));
   EXPECT_FALSE("NSObject"_class.superclass());
   // A class is an object too: of its metaclass, and at the root of NSObject.
   EXPECT_EQ("TestDog"_class.objectClass(), "TestDog"_class);
@@ -86,7 +80,7 @@ TEST_F(DispatchTest, ClassesKnowTheirKind) {
 TEST_F(DispatchTest, UnknownSelectorsRaise) {
   EXPECT_TRUE(
       raisedBy([&] {
-        send<void>(dog.get(), "fly:to:"_sel, 1, 2);
+        send<void>(dog, "fly:to:"_sel, 1, 2);
       }).starts_with("NSInvalidArgumentException: -[TestDog fly:to:]: unrecognized selector sent to instance 0x"));
   EXPECT_TRUE(raisedBy([] {
                 send<void>("TestDog"_class, "legs"_sel);
@@ -94,12 +88,12 @@ TEST_F(DispatchTest, UnknownSelectorsRaise) {
 }
 
 TEST_F(DispatchTest, CategoriesReachSubclassesAndReplaceRememberedMethods) {
-  EXPECT_FALSE(dog.get().respondsToSelector("added"_sel));
+  EXPECT_FALSE(dog.respondsToSelector("added"_sel));
   objc::ClassBuilder("TestAnimal"_class).method<&category>("added");
-  EXPECT_TRUE(dog.get().respondsToSelector("added"_sel));
-  EXPECT_EQ(send<int>(dog.get(), "added"_sel), 7);
+  EXPECT_TRUE(dog.respondsToSelector("added"_sel));
+  EXPECT_EQ(send<int>(dog, "added"_sel), 7);
   objc::ClassBuilder("TestAnimal"_class).method<&replacement>("added");
-  EXPECT_EQ(send<int>(dog.get(), "added"_sel), 8);
+  EXPECT_EQ(send<int>(dog, "added"_sel), 8);
   // A category of a class that is missing is dropped.
   objc::ClassBuilder(Class("NoSuchClass")).method<&category>("added");
 }
@@ -119,7 +113,7 @@ TEST_F(DispatchTest, SendsFromManyThreadsFindTheirMethods) {
     threads.emplace_back([&, t] {
       for (int i = 0; i < 20 * kSelectors; ++i) {
         const auto at = static_cast<std::size_t>((i * (t + 1)) % kSelectors);
-        if (sendSelector<int>(dog.get(), selectors[at]) != 7) ++wrong;
+        if (sendSelector<int>(dog, selectors[at]) != 7) ++wrong;
       }
     });
   }
@@ -130,8 +124,8 @@ TEST_F(DispatchTest, SendsFromManyThreadsFindTheirMethods) {
 
 #if !defined(NDEBUG)
 TEST_F(DispatchTest, ADifferentSignatureAborts) {
-  EXPECT_DEATH(send<long long>(dog.get(), "legs"_sel), "TestDog: legs: sent as q@:, method is i@:");
-  EXPECT_DEATH(send<void>(dog.get(), "setLegs:"_sel, 3.0), "sent as v@:d, method is v@:i");
+  EXPECT_DEATH(send<long long>(dog, "legs"_sel), "TestDog: legs: sent as q@:, method is i@:");
+  EXPECT_DEATH(send<void>(dog, "setLegs:"_sel, 3.0), "sent as v@:d, method is v@:i");
 }
 #endif
 
