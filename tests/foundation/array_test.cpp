@@ -45,15 +45,13 @@ TEST_F(ArrayTest, NilAndPositionsBeyondTheEndRaise) {
 }
 
 TEST_F(ArrayTest, EqualsByElements) {
-  const NSArray array = NSArray::arrayWithObjects({"a"_ns, "b"_ns});
+  const NSArray array = NSArray::arrayWithObject("a"_ns);
   const NSMutableArray other = NSMutableArray::array();
-  other.addObject(NSString::stringWithUTF8String("a"));
   EXPECT_FALSE(array.isEqual(other));
-  other.addObject(NSString::stringWithUTF8String("b"));
+  other.addObject(NSString::stringWithUTF8String("a"));
   EXPECT_TRUE(array.isEqual(other));
   EXPECT_EQ(array.hash(), other.hash());
   EXPECT_FALSE(array.isEqual("a"_ns));
-  EXPECT_STREQ(NSArray::array().description().UTF8String(), "(\n)");
 }
 
 }  // namespace

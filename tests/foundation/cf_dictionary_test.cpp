@@ -2,8 +2,8 @@
 
 #include "tests/objc/live_objects.h"
 
-#include <cstring>
 #include <string>
+#include <utility>
 
 namespace {
 

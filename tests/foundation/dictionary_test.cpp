@@ -103,12 +103,6 @@ TEST(Dictionary, CopiesStandAlone) {
   EXPECT_TRUE(Retained<NSDictionary>::adopt(copied->copy()).get() == copied.get());
 }
 
-int sendsLeft = 0;
-
-void failWhenSpent(objc::Object*, objc::Selector) {
-  if (sendsLeft-- == 0) throw std::string("a send failed");
-}
-
 // Each of the sends that storing makes fails in turn: nothing is stored, lost or leaked.
 TEST(Dictionary, IsUnchangedWhenStoringFails) {
   const AutoreleasePool pool;
@@ -119,10 +113,13 @@ TEST(Dictionary, IsUnchangedWhenStoringFails) {
   const NSObject object = number(2);
   const auto before = liveObjects();
   bool stored = false;
+  static int sendsLeft = 0;
   for (int sends = 0; !stored; ++sends) {
     const AutoreleasePool inner;
     sendsLeft = sends;
-    objc_setSendHook(failWhenSpent);
+    objc_setSendHook([](objc::Object*, objc::Selector) {
+      if (sendsLeft-- == 0) throw std::string("a send failed");
+    });
     try {
       dictionary.setObject(object, key);
       stored = true;

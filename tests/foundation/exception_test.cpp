@@ -40,16 +40,6 @@ TEST(UncaughtExceptionTest, RunsTheHandlerBeforeTheEnd) {
   EXPECT_EXIT(std::thread(raise).join(), testing::KilledBySignal(SIGABRT), "instance of 'NSException'");
 }
 
-std::string logged;
-
-TEST_F(ExceptionTest, LogLinesReachTheHookWithoutTheirEnd) {
-  NSSetLogHook([](NSString message) { logged += std::string("[") + message.UTF8String() + "]"; });
-  NSLog("A %@: %@\n"_ns, "b"_ns, nullptr);
-  NSLog("100%%"_ns);
-  NSSetLogHook(nullptr);
-  EXPECT_EQ(logged, "[A b: (null)][100%]");
-}
-
 TEST_F(ExceptionTest, LogLinesOfThreadsAreWhole) {
   testing::internal::CaptureStderr();
   const auto work = [] {
