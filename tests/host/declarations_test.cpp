@@ -31,7 +31,6 @@ TEST(Declarations, ReadParametersTypesAndResults) {
   EXPECT_TRUE(parseDeclaration("Create").parameters.empty());
   EXPECT_EQ(parseDeclaration("Create").result.kind, TypeKind::none);
   EXPECT_EQ(parseDeclaration("LenB( s as string ) as integer").parameters[0].name, "s");
-  EXPECT_TRUE(parseDeclaration("Properties as string()").result.isArray);
 }
 
 TEST(Declarations, AreTheSameWhateverTheirParametersAreCalled) {
