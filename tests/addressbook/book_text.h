@@ -6,33 +6,26 @@
 
 // Records as host code sees them, as texts that can be compared between processes.
 
-// With what is told of a record that isn't in its vCard: ids and times.
-enum class Detail { kAll, kInVCard };
-
 // Its type and its entries, with identifiers and labels; a star before the primary one.
-inline std::string multiValueText(const host::Value& values, Detail detail = Detail::kAll) {
+inline std::string multiValueText(const host::Value& values) {
   std::string text = "type " + std::to_string(values.call("propertyType").integer());
   const std::string primary = values.call("primaryIdentifier").text();
   for (int i = 0; i < values.call("count").integer(); ++i) {
     const std::string identifier = values.call("identifierAtIndex", i).text();
-    text += std::string("\n  ") + (identifier == primary ? "*" : "") + (detail == Detail::kAll ? identifier : "") +
-            " " + values.call("labelAtIndex", i).text() + ": " + shown(values.call("valueAtIndex", i));
+    text += std::string("\n  ") + (identifier == primary ? "*" : "") + identifier + " " +
+            values.call("labelAtIndex", i).text() + ": " + shown(values.call("valueAtIndex", i));
   }
   return text;
 }
 
-inline bool isInVCard(const std::string& property) {
-  return property != "UID" && property != "Creation" && property != "Modification";
-}
-
 // All its properties that have values, in the schema's order.
-inline std::string recordText(const host::Value& record, Detail detail = Detail::kAll) {
+inline std::string recordText(const host::Value& record) {
   std::string text;
   for (const host::Value& property : host::callShared(record.typeName(), "properties").elements()) {
     const host::Value value = record.call("valueForProperty", property);
-    if (value.isNil() || (detail == Detail::kInVCard && !isInVCard(property.text()))) continue;
+    if (value.isNil()) continue;
     const bool isMultiValue = value.typeName() == "ABMultiValueVXR";
-    text += property.text() + " " + (isMultiValue ? multiValueText(value, detail) : shown(value)) + "\n";
+    text += property.text() + " " + (isMultiValue ? multiValueText(value) : shown(value)) + "\n";
   }
   return text;
 }

@@ -52,6 +52,19 @@ inline std::string told(const host::Value& value) {
   return "[" + list + "]";
 }
 
+inline constexpr const char* kBook = "ABAddressBookVXR";
+
+inline host::Value bookOf(const Host& host) { return host.shared(kBook, "sharedAddressbook"); }
+inline host::Value recordOf(const Host& host, const char* id) { return bookOf(host).call("recordForUniqueId", id); }
+// The first person of each test's contacts.
+inline host::Value adaOf(const Host& host) { return recordOf(host, "p1:ABPerson"); }
+
+// One white pixel.
+inline const std::string kPicture(
+    "GIF89a\x01\0\x01\0\x80\0\0\xff\xff\xff\0\0\0,\0\0\0\0\x01\0\x01\0\0\x02\x02"
+    "D\x01\0;",
+    35);
+
 // An instance as a host makes it for a plug-in: nothing has run on it.
 inline host::Value emptyInstance(std::string_view className) {
   return host::Value::adopt(host::newInstance(host::requireClass(className)));

@@ -9,6 +9,7 @@
 #include "tests/addressbook/framework_calls.h"
 
 #include <map>
+#include <tuple>
 
 namespace {
 
@@ -16,73 +17,78 @@ using host::Value;
 
 const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1", {"TEL;TYPE=HOME:1"}), group("Work", "g1")};
 
-constexpr const char* kBook = "ABAddressBookVXR";
-
-Value recordOf(const Host& host, const char* id) {
-  return host.shared(kBook, "sharedAddressbook").call("recordForUniqueId", id);
-}
-
 }  // namespace
 
-TEST(Record, KeepsEachTypeOfValue) {
+TEST(Record, KeepsEachTypeOfValueAloneAndAmongOthers) {
   const Host host{.contacts = kContacts};
-  for (const char* name : {"string", "integer", "real", "date", "dictionary", "data"}) {
-    const auto type = host::constant(kBook, std::string("kAB") + name + "Property");
-    for (const char* className : {"ABPersonVXR", "ABGroupVXR"}) {
-      ASSERT_EQ(host.shared(className, "addProperty", name, type), 1);
-    }
-  }
   const struct {
     const char* property;
+    int type;
     Value value;
     std::string expected;
   } cases[] = {
-      {"string", "Zoë", "'Zoë'"},
-      {"integer", 7, "Integer 7"},
-      {"integer", true, "Integer 1"},
-      {"integer", 2.5, "Integer 2"},
-      {"real", 2.5, "Double 2.5"},
-      {"real", 7, "Double 7"},
-      {"date", host::date(2012, 7, 14, 9, 5, 7), "Date 2012-07-14 09:05:07"},
-      {"dictionary", host::dictionary({{"City", "Ghent"}}), "{'City'='Ghent'}"},
-      {"data", host::memoryBlock("abc"), "block abc"},
-      {"string", "", "Nil"},
-      {"data", nullptr, "Nil"},
+      {"string", 1, "Zoë", "'Zoë'"},
+      {"integer", 2, 7, "Integer 7"},
+      {"real", 3, 2.5, "Double 2.5"},
+      {"date", 4, host::date(2012, 7, 14, 9, 5, 7), "Date 2012-07-14 09:05:07"},
+      {"dictionary", 6, host::dictionary({{"City", "Ghent"}}), "{'City'='Ghent'}"},
+      {"data", 7, host::memoryBlock("abc"), "block abc"},
   };
-  for (const char* id : {"p1:ABPerson", "g1:ABGroup"}) {
+  const std::tuple<const char*, Value, std::string> converted[] = {{"integer", true, "Integer 1"},
+                                                                   {"integer", 2.5, "Integer 2"},
+                                                                   {"real", 7, "Double 7"},
+                                                                   {"string", "", "Nil"},
+                                                                   {"data", nullptr, "Nil"}};
+  for (const auto& [className, id] : {std::pair("ABPersonVXR", "p1:ABPerson"), {"ABGroupVXR", "g1:ABGroup"}}) {
     const Value record = recordOf(host, id);
     for (const auto& given : cases) {
-      EXPECT_EQ(record.call("setValue", given.value, given.property), true) << given.property;
-      EXPECT_EQ(shown(record.call("valueForProperty", given.property)), given.expected) << given.property;
+      SCOPED_TRACE(given.expected);
+      ASSERT_EQ(host.shared(className, "addProperty", given.property, given.type), 1);
+      EXPECT_EQ(record.call("setValue", given.value, given.property), true);
+      EXPECT_EQ(shown(record.call("valueForProperty", given.property)), given.expected);
+
+      const std::string several = std::string("several ") + given.property;
+      ASSERT_EQ(host.shared(className, "addProperty", several, given.type + 256), 1);
+      const Value values = host.make("ABMutableMultiValueVXR");
+      EXPECT_EQ(values.call("propertyType"), 0);
+      for (int i = 0; i < 2; ++i) EXPECT_NE(values.call("addValue", given.value, "label"), "");
+      EXPECT_EQ(record.call("setValue", values, several), true);
+      for (const Value& each : {values, record.call("valueForProperty", several)}) {
+        EXPECT_EQ(each.call("propertyType"), given.type + 256);
+        EXPECT_EQ(shown(each.call("valueAtIndex", 1)), given.expected);
+        EXPECT_EQ(shown(each.call("valueForLabel", "label")), given.expected);
+        EXPECT_EQ(shown(each.call("valueForIdentifier", each.call("identifierAtIndex", 1))), given.expected);
+      }
+    }
+    for (const auto& [property, value, expected] : converted) {
+      EXPECT_EQ(record.call("setValue", value, property), true) << property;
+      EXPECT_EQ(shown(record.call("valueForProperty", property)), expected) << property;
     }
     const std::string thrown = thrownBy([&] { record.call("setValue", 7, "string"); });
     EXPECT_TRUE(thrown.starts_with("NSExceptionVXR: A Cocoa NSInvalidArgumentException")) << thrown;
   }
 }
 
-TEST(Record, LeavesUnknownPropertiesToTheFramework) {
-  const Host host{.contacts = kContacts};
-  const Value ada = recordOf(host, "p1:ABPerson");
+TEST(Record, LeavesWhatIsUnknownToTheFramework) {
+  const Host host{.contacts = kContacts, .withoutSelectors = {"linkedPeople"}};
+  const Value ada = adaOf(host);
   EXPECT_TRUE(ada.call("valueForProperty", "NoSuchProperty").isNil());
   EXPECT_EQ(ada.call("setValue", "x", "NoSuchProperty"), false);
+  EXPECT_NE(thrownBy([&] { ada.call("linkedPeople"); }).find("unrecognized selector"), std::string::npos);
 }
 
-TEST(Record, HasOneObjectForAMultiValueWhileItLives) {
+TEST(Record, IsMadeWithOrWithoutABook) {
   const Host host{.contacts = kContacts};
-  const Value ada = recordOf(host, "p1:ABPerson");
-  const Value phones = ada.call("valueForProperty", "Phone");
-  EXPECT_EQ(phones.typeName(), "ABMultiValueVXR");
-  EXPECT_EQ(ada.call("valueForProperty", "Phone"), phones);
-}
-
-TEST(Record, OfNeitherKindHasNoName) {
-  const Host host{.contacts = kContacts};
-  const Value book = host.shared(kBook, "sharedAddressbook");
-  const Value odd = host.make("ABRecordVXR");
-  odd.set("Handle", book.get("Handle"));
-  EXPECT_NE(thrownBy([&] { odd.call("DisplayName"); }).find("displayNameVXR]: unrecognized selector"),
-            std::string::npos);
-  odd.set("Handle", 0);
+  const Value book = bookOf(host);
+  for (const auto& [className, list] : {std::pair("ABPersonVXR", "people"), {"ABGroupVXR", "groups"}}) {
+    EXPECT_NE(host.make(className).get("Handle"), 0);
+    for (const Value& nobody : {Value(), emptyInstance(kBook)}) {
+      EXPECT_TRUE(book.call("recordForUniqueId", host.make(className, nobody).call("uniqueId")).isNil());
+    }
+    const Value added = host.make(className, book);
+    EXPECT_EQ(book.call("recordForUniqueId", added.call("uniqueId")), added);  // registered
+    EXPECT_EQ(book.call(list).size(), 2U);
+  }
 }
 
 namespace {
@@ -106,7 +112,7 @@ TEST(DisplayName, FollowsFlagsAndTheBooksDefault) {
   objc::ClassBuilder(Class("ABPerson")).method<&fakeValue>("valueForProperty:");
   objc::ClassBuilder(Class("ABAddressBook")).method<&fakeOrdering>("defaultNameOrdering");
   const Host host{.contacts = kContacts};
-  const Value ada = recordOf(host, "p1:ABPerson");
+  const Value ada = adaOf(host);
   constexpr const char* kNone = nullptr;
   const struct {
     const char *title, *first, *middle, *last, *suffix, *organization;
@@ -148,7 +154,7 @@ TEST(DisplayName, FollowsFlagsAndTheBooksDefault) {
 
 TEST(DisplayName, IsOfTheRecordAsItIsNow) {
   const Host host{.contacts = kContacts};
-  const Value ada = recordOf(host, "p1:ABPerson");
+  const Value ada = adaOf(host);
   ada.call("setValue", "Engines", "Organization");
   ada.call("setValue", host::constant(kBook, "kABLastNameFirst"), "ABPersonFlags");
   EXPECT_EQ(ada.call("DisplayName"), "Lovelace Ada");

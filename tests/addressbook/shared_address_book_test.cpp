@@ -4,12 +4,8 @@
 #include "platform/foundation/cf_dictionary.h"
 #include "platform/objc/class_builder.h"
 #include "tests/addressbook/framework_calls.h"
-
-#include <dlfcn.h>
-#include <pthread.h>
-
-#include <atomic>
-#include <cerrno>
+#include "tests/contacts/in_child.h"
+#include "tests/objc/failing_threads.h"
 
 namespace {
 
@@ -17,7 +13,6 @@ using host::Value;
 
 const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1"), person("Grace", "Hopper", "p2")};
 
-constexpr const char* kBook = "ABAddressBookVXR";
 constexpr const char* kShared[] = {"sharedAddressbook", "sharedAddressbookMT"};
 
 // The host object that the family's registry has for the framework's shared book.
@@ -37,20 +32,16 @@ TEST(SharedAddressbook, IsOneObjectInEachOrder) {
   for (const char* first : kShared) {
     for (const char* second : kShared) {
       // Each in a process of its own: the object stays for good.
-      const auto check = [&] {
-        {
-          const Host host{.contacts = kContacts};
-          EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), false);
-          const Value book = host.shared(kBook, first);
-          EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), true);
-          const Sends sends("sharedAddressBook");
-          EXPECT_EQ(host.shared(kBook, second), book);
-          EXPECT_EQ(sends.count(), 0);  // no worker either
-          EXPECT_EQ(liveBooks(), 1);
-        }
-        std::exit(testing::Test::HasFailure() ? 1 : 0);
-      };
-      EXPECT_EXIT(check(), testing::ExitedWithCode(0), "") << first << ", " << second;
+      inChild([&] {
+        const Host host{.contacts = kContacts};
+        EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), false);
+        const Value book = host.shared(kBook, first);
+        EXPECT_EQ(host.shared(kBook, "GotSharedAddressbook"), true);
+        const Sends sends("sharedAddressBook");
+        EXPECT_EQ(host.shared(kBook, second), book) << first << ", " << second;
+        EXPECT_EQ(sends.count(), 0);  // no worker either
+        EXPECT_EQ(liveBooks(), 1);
+      });
     }
   }
 }
@@ -70,8 +61,7 @@ TEST(SharedAddressbook, MadeWhileTheWorkerRunsIsTheOnlyOne) {
   const Host host{.contacts = kContacts, .yield = [] {
                     if (made.isNil()) made = host::callShared(kBook, "sharedAddressbook");
                   }};
-  const Value book = host.shared(kBook, "sharedAddressbookMT");
-  EXPECT_EQ(book, made);
+  EXPECT_EQ(host.shared(kBook, "sharedAddressbookMT"), made);
   made = nullptr;
 }
 
@@ -98,23 +88,9 @@ TEST(SharedAddressbook, IsOpenedHereWhenTheWorkerCouldNot) {
   EXPECT_EQ(host.shared(kBook, "sharedAddressbook").call("people").size(), 2U);
 }
 
-namespace {
-
-std::atomic<bool> noThreads{false};
-
-}  // namespace
-
-// Stands before the system's own.
-extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*start)(void*),
-                              void* argument) noexcept {
-  if (noThreads) return EAGAIN;
-  static auto* system = reinterpret_cast<decltype(&pthread_create)>(dlsym(RTLD_NEXT, "pthread_create"));
-  return system(thread, attributes, start, argument);
-}
-
 TEST(SharedAddressbook, IsOpenedWhereThereIsNoThreadToBeHad) {
   const Host host{.contacts = kContacts};
-  noThreads = true;
+  threadsFail = true;
   EXPECT_EQ(host.shared(kBook, "sharedAddressbookMT").call("people").size(), 2U);
 }
 
@@ -153,12 +129,12 @@ TEST(AddressBook, MadeByHostCodeSharesTheBook) {
   Value first = host.make(kBook);
   EXPECT_EQ(registered(), first.object());
   const Value second = host.make(kBook);
-  const Value shared = host.shared(kBook, "sharedAddressbook");
-  EXPECT_NE(first, second);
-  EXPECT_NE(first, shared);
-  EXPECT_EQ(first.get("Handle"), second.get("Handle"));
-  EXPECT_EQ(first.get("Handle"), shared.get("Handle"));
-  EXPECT_EQ(first.call("people").at(0), second.call("people").at(0));
+  const Value shared = bookOf(host);
+  for (const Value& other : {second, shared}) {
+    EXPECT_NE(other, first);
+    EXPECT_EQ(other.get("Handle"), first.get("Handle"));
+    EXPECT_EQ(other.call("people").at(0), first.call("people").at(0));
+  }
   // The last one to register is found, until any of them goes.
   EXPECT_EQ(registered(), shared.object());
   first = nullptr;
