@@ -1,7 +1,5 @@
 #include "frame/member_table.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using member_table::fitsParameters;
@@ -25,17 +23,3 @@ static_assert(!kFits<"f(data as Memoryblock)", void, REALobject> && !kFits<"f(mo
 static_assert(kFits<"Left as Single", float>);
 
 }  // namespace
-
-TEST(MemberTable, RowsCarryFunctionSetterTextAndFlags) {
-  const REALmethodDefinition row = assignableMethod<"ColumnTitle(columntitle as String) as String">(
-      +[](REALobject, REALstring) -> REALstring { return nullptr; }, +[](REALobject, REALstring, REALstring) {},
-      Word{0x100000});
-  EXPECT_NE(row.function, nullptr);
-  EXPECT_NE(row.setter, nullptr);
-  EXPECT_STREQ(row.declaration, "ColumnTitle(columntitle as String) as String");
-  EXPECT_EQ(row.flags, 0x100000u);
-
-  const REALmethodDefinition plain = sharedMethod<"GotSharedAddressbook as boolean">(+[] { return true; });
-  EXPECT_EQ(plain.setter, nullptr);
-  EXPECT_EQ(plain.flags, 4u);
-}

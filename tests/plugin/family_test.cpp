@@ -22,29 +22,33 @@ struct SecondPlugin {
 
 void* wrappedBy(const host::Value& wrapper) { return reinterpret_cast<void*>(wrapper.get("Handle").integer()); }
 
+host::Value firstPerson(const Host& host) {
+  return host.shared("ABAddressBookVXR", "sharedAddressbook").call("people").at(0);
+}
+
+const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1")};
+
 }  // namespace
 
 TEST(Family, LaterPluginsFindTheFirstOnesWrappers) {
-  const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
+  const Host host{.contacts = kContacts};
   const SecondPlugin second = SecondPlugin::load();
-  void* wrappedObject = nullptr;
-  {
-    const host::Value ada = host.shared("ABAddressBookVXR", "sharedAddressbook").call("people").at(0);
-    wrappedObject = wrappedBy(ada);
-    EXPECT_EQ(second.find(wrappedObject), nullptr);
-    NSUncaughtExceptionHandler* handler = NSGetUncaughtExceptionHandler();
-    EXPECT_NE(handler, nullptr);
-    second.init();
-    EXPECT_EQ(second.find(wrappedObject), ada.object());
-    EXPECT_EQ(NSGetUncaughtExceptionHandler(), handler);
-  }
+  host::Value ada = firstPerson(host);
+  void* wrappedObject = wrappedBy(ada);
+  EXPECT_EQ(second.find(wrappedObject), nullptr);
+  NSUncaughtExceptionHandler* handler = NSGetUncaughtExceptionHandler();
+  EXPECT_NE(handler, nullptr);
+  second.init();
+  EXPECT_EQ(second.find(wrappedObject), ada.object());
+  EXPECT_EQ(NSGetUncaughtExceptionHandler(), handler);
+  ada = nullptr;
   EXPECT_EQ(second.find(wrappedObject), nullptr);
 }
 
 TEST(Family, ThePluginUsesARegistryThatIsThereAlready) {
-  const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
+  const Host host{.contacts = kContacts};
   const SecondPlugin first = SecondPlugin::load();
   first.init();
-  const host::Value ada = host.shared("ABAddressBookVXR", "sharedAddressbook").call("people").at(0);
+  const host::Value ada = firstPerson(host);
   EXPECT_EQ(first.find(wrappedBy(ada)), ada.object());
 }

@@ -48,7 +48,7 @@ REALobject newInstance(const char* className) { return byName.contains(className
 void lockObject(REALobject object) { ++of(object).references; }
 
 const REALclassDefinition* rootOf(const std::string& className) {
-  auto found = byName.find(className);
+  const auto found = byName.find(className);
   if (found == byName.end()) return nullptr;
   return found->second->superName == nullptr ? found->second : rootOf(found->second->superName);
 }
@@ -76,9 +76,6 @@ REALstring buildString(const char* bytes, std::int32_t length) {
   return string({bytes, static_cast<std::size_t>(length)});
 }
 
-void setEncoding(REALstring, std::uint32_t) {}
-std::uint32_t getEncoding(REALstring) { return kEncodingUTF8; }
-
 REALvariant stringToVariant(REALstring string) {
   REALvariant variant = newObject("Variant");
   of(variant).text = text(string);
@@ -100,8 +97,6 @@ void registerClass(REALclassDefinition* definition) {
   byName[definition->name] = definition;
 }
 
-void registerVersion(Word) {}
-
 template <class Function>
 void* entry(Function* function) {
   return reinterpret_cast<void*>(function);
@@ -109,7 +104,6 @@ void* entry(Function* function) {
 
 void* resolve(const char* name) {
   static const std::map<std::string, void*> entries{
-      {"RegisterPluginVersion", entry(registerVersion)},
       {"PluginRegisterClass", entry(registerClass)},
       {"PluginNewInstance", entry(newInstance)},
       {"REALLockObject", entry(lockObject)},
@@ -117,21 +111,12 @@ void* resolve(const char* name) {
       {"REALLockString", entry(lockString)},
       {"REALUnlockString", entry(unlockString)},
       {"REALBuildString", entry(buildString)},
-      {"REALSetStringEncoding", entry(setEncoding)},
-      {"REALGetStringEncoding", entry(getEncoding)},
       {"StringToVariant", entry(stringToVariant)},
       {"RuntimeArrayCreateSingleDimBoundedArray", entry(createArray)},
       {"RuntimeArrayDirectGetInsertProc", entry(insertProcedure)},
   };
   auto found = entries.find(name);
   return found == entries.end() ? nullptr : found->second;
-}
-
-void* find(REALmethodDefinition* methods, Word count, const std::string& declaration) {
-  for (Word i = 0; i < count; ++i) {
-    if (methods[i].declaration == declaration) return methods[i].function;
-  }
-  throw std::runtime_error("no member " + declaration);
 }
 
 }  // namespace
@@ -150,16 +135,15 @@ bool start(const std::vector<std::string>& frameworks) {
 
 const std::vector<REALclassDefinition*>& classes() { return registered; }
 
-const REALclassDefinition& classNamed(const std::string& name) { return *byName.at(name); }
-
-void* sharedMethod(const std::string& className, const std::string& declaration) {
-  const REALclassDefinition& definition = classNamed(className);
-  return find(definition.sharedMethods, definition.sharedMethodCount, declaration);
-}
-
-void* method(const std::string& className, const std::string& declaration) {
-  const REALclassDefinition& definition = classNamed(className);
-  return find(definition.methods, definition.methodCount, declaration);
+void* function(const std::string& className, const std::string& declaration) {
+  const REALclassDefinition& definition = *byName.at(className);
+  for (const auto& [methods, count] : {std::pair(definition.methods, definition.methodCount),
+                                       {definition.sharedMethods, definition.sharedMethodCount}}) {
+    for (Word i = 0; i < count; ++i) {
+      if (methods[i].declaration == declaration) return methods[i].function;
+    }
+  }
+  throw std::runtime_error("no member " + declaration);
 }
 
 REALstring string(const std::string& utf8) {
@@ -179,7 +163,6 @@ std::string classOf(REALobject object) { return *of(object).className; }
 long liveObjects() { return live; }
 
 void release(REALobject object) { unlockObject(object); }
-
 void release(REALstring string) { unlockString(string); }
 
 }  // namespace independent_host

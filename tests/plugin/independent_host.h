@@ -13,11 +13,8 @@ bool start(const std::vector<std::string>& frameworks);
 
 // The classes that the plug-in registered, in order.
 const std::vector<REALclassDefinition*>& classes();
-const REALclassDefinition& classNamed(const std::string& name);
-
-// The function of the shared or instance method with that declaration.
-void* sharedMethod(const std::string& className, const std::string& declaration);
-void* method(const std::string& className, const std::string& declaration);
+// The function of the instance or shared method with that declaration.
+void* function(const std::string& className, const std::string& declaration);
 
 REALstring string(const std::string& utf8);
 std::string text(REALstring string);

@@ -6,12 +6,14 @@
 // The plug-in with a host that shares no code with ours, in a program that links no framework.
 namespace {
 
-template <class Signature>
-Signature* shared(const char* declaration) {
-  return reinterpret_cast<Signature*>(independent_host::sharedMethod("ABAddressBookVXR", declaration));
+template <class Result, class... Arguments>
+Result call(const char* className, const char* declaration, Arguments... arguments) {
+  return reinterpret_cast<Result (*)(Arguments...)>(independent_host::function(className, declaration))(arguments...);
 }
 
-REALobject sharedBook() { return shared<REALobject()>("sharedAddressbook as ABAddressBookVXR")(); }
+constexpr const char* kBook = "ABAddressBookVXR";
+
+REALobject sharedBook() { return call<REALobject>(kBook, "sharedAddressbook as ABAddressBookVXR"); }
 
 }  // namespace
 
@@ -23,61 +25,39 @@ TEST(IndependentHost, ListsPeopleThroughTheTables) {
 
   REALobject book = sharedBook();
   ASSERT_NE(book, nullptr);
-  auto* people = reinterpret_cast<REALobjectArray (*)(REALobject)>(
-      independent_host::method("ABAddressBookVXR", "people as ABPersonVXR()"));
-  REALobjectArray all = people(book);
+  auto all = call<REALobjectArray>(kBook, "people as ABPersonVXR()", book);
   ASSERT_EQ(independent_host::elements(all).size(), 1U);
   REALobject zoe = independent_host::elements(all)[0];
   EXPECT_EQ(independent_host::classOf(zoe), "ABPersonVXR");
 
-  auto* valueForProperty = reinterpret_cast<REALvariant (*)(REALobject, REALstring)>(
-      independent_host::method("ABRecordVXR", "valueForProperty(PropertyName as string) as variant"));
   REALstring property = independent_host::string("First");
-  REALvariant first = valueForProperty(zoe, property);
+  auto first = call<REALvariant>("ABRecordVXR", "valueForProperty(PropertyName as string) as variant", zoe, property);
   EXPECT_EQ(independent_host::text(first), "Zoë");
-  auto* uniqueId =
-      reinterpret_cast<REALstring (*)(REALobject)>(independent_host::method("ABRecordVXR", "uniqueId as string"));
-  REALstring id = uniqueId(zoe);
+  auto id = call<REALstring>("ABRecordVXR", "uniqueId as string", zoe);
   EXPECT_EQ(independent_host::text(id), "1:ABPerson");
-  REALstring constant = shared<REALstring()>("kABFirstNameProperty as string")();
+  auto constant = call<REALstring>(kBook, "kABFirstNameProperty as string");
   EXPECT_EQ(independent_host::text(constant), "First");
 
   for (REALstring string : {property, id, constant}) independent_host::release(string);
-  independent_host::release(first);
-  independent_host::release(all);
-  independent_host::release(book);
+  for (REALobject object : std::initializer_list<REALobject>{first, all, book}) independent_host::release(object);
   EXPECT_EQ(independent_host::liveObjects(), 1);  // the shared object stays
 }
 
-namespace {
+class IndependentHostWith : public testing::TestWithParam<std::vector<std::string>> {};
 
-void expectNothing() {
+INSTANTIATE_TEST_SUITE_P(Frameworks, IndependentHostWith,
+                         testing::Values(std::vector<std::string>{"Foundation", "Carbon", "AppKit"},
+                                         std::vector<std::string>{"Foundation"}, std::vector<std::string>{}));
+
+TEST_P(IndependentHostWith, TooFewGetsNothing) {
+  ASSERT_TRUE(independent_host::start(GetParam()));
   EXPECT_EQ(independent_host::classes().size(), 8U);
   EXPECT_EQ(sharedBook(), nullptr);
-  EXPECT_EQ(shared<REALobject()>("sharedAddressbookMT as ABAddressBookVXR")(), nullptr);
-  EXPECT_EQ(shared<REALstring()>("kABFirstNameProperty as string")(), nullptr);
-  EXPECT_EQ(shared<REALstring()>("kABSocialProfileProperty as string")(), nullptr);
+  EXPECT_EQ(call<REALobject>(kBook, "sharedAddressbookMT as ABAddressBookVXR"), nullptr);
+  EXPECT_EQ(call<REALstring>(kBook, "kABFirstNameProperty as string"), nullptr);
+  EXPECT_EQ(call<REALstring>(kBook, "kABSocialProfileProperty as string"), nullptr);
   REALstring name = independent_host::string("First");
-  auto* typeOfProperty = reinterpret_cast<REALinteger (*)(REALstring)>(
-      independent_host::sharedMethod("ABPersonVXR", "typeOfProperty(propertyName as string) as integer"));
-  EXPECT_EQ(typeOfProperty(name), 0);
+  EXPECT_EQ(call<REALinteger>("ABPersonVXR", "typeOfProperty(propertyName as string) as integer", name), 0);
   independent_host::release(name);
   EXPECT_EQ(independent_host::liveObjects(), 0);
-}
-
-}  // namespace
-
-TEST(IndependentHost, GetsNothingWithoutTheAddressBookFramework) {
-  ASSERT_TRUE(independent_host::start({"Foundation", "Carbon", "AppKit"}));
-  expectNothing();
-}
-
-TEST(IndependentHost, GetsNothingWithFoundationAlone) {
-  ASSERT_TRUE(independent_host::start({"Foundation"}));
-  expectNothing();
-}
-
-TEST(IndependentHost, GetsNothingWithoutAnyFramework) {
-  ASSERT_TRUE(independent_host::start({}));
-  expectNothing();
 }
