@@ -1,9 +1,4 @@
-#include "platform/contacts/address_book.h"
-#include "platform/foundation/autorelease_pool.h"
-#include "tests/contacts/contacts_folder.h"
-#include "tests/contacts/shown.h"
-
-#include <gtest/gtest.h>
+#include "tests/contacts/book_test.h"
 
 #include <cstdlib>
 #include <string>
@@ -25,23 +20,18 @@ NSDictionary fullAddress(const char* countryCode) {
                   {kABAddressCountryCodeKey, countryCode}});
 }
 
-class AddressFormat : public ::testing::Test {
+class AddressFormat : public BookTest {
  protected:
   void SetUp() override { setenv("LC_ALL", "C", 1); }
 
   NSAttributedString formatted(NSDictionary parts) { return book_.formattedAddressFromDictionary(parts); }
   std::string text(NSDictionary parts) { return shown(formatted(parts).string()); }
 
-  AutoreleasePool pool_;
-  ContactsFolder folder_;
   ABAddressBook book_ = ABAddressBook::addressBook();
 };
 
 TEST_F(AddressFormat, FollowsTheCountry) {
-  const struct {
-    const char* code;
-    const char* text;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {"us", "1 Oak St\nSide door\nTown State 123\nLand"},   {"US", "1 Oak St\nSide door\nTown State 123\nLand"},
       {"de", "1 Oak St\nSide door\n123 Town\nLand"},         {"fr", "1 Oak St\nSide door\n123 Town\nLand"},
       {"gb", "1 Oak St\nSide door\nTown\nState\n123\nLand"}, {"uk", "1 Oak St\nSide door\nTown\nState\n123\nLand"},
@@ -50,7 +40,7 @@ TEST_F(AddressFormat, FollowsTheCountry) {
       {"xx", "1 Oak St\nSide door\nTown State 123\nLand"},   {"", "1 Oak St\nSide door\nTown State 123\nLand"},
       {" ", "1 Oak St\nSide door\nTown State 123\nLand"},
   };
-  for (const auto& row : rows) EXPECT_EQ(text(fullAddress(row.code)), row.text) << row.code;
+  for (const auto& [code, expected] : rows) EXPECT_EQ(text(fullAddress(code)), expected) << code;
 }
 
 TEST_F(AddressFormat, LeavesNoGapForWhatIsMissing) {

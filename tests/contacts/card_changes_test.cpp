@@ -1,10 +1,4 @@
-#include "platform/contacts/address_book.h"
-#include "platform/foundation/autorelease_pool.h"
-#include "platform/objc/retained.h"
-#include "tests/contacts/contacts_folder.h"
-#include "tests/contacts/shown.h"
-
-#include <gtest/gtest.h>
+#include "tests/contacts/book_test.h"
 
 #include <functional>
 #include <string>
@@ -13,17 +7,14 @@ namespace {
 
 using Edit = std::function<void(ABPerson)>;
 
-Retained<ABMutableMultiValue> edited(ABPerson person, NSString property) {
-  const auto value = person.valueForProperty(property).as<ABMultiValue>();
-  return Retained<ABMutableMultiValue>::adopt(value ? value.mutableCopy() : ABMutableMultiValue::alloc().init());
-}
-
 // Sets the property to what the body makes of a copy of it.
 Edit edit(NSString property, std::function<void(ABMutableMultiValue)> body) {
   return [property, body](ABPerson person) {
-    const auto value = edited(person, property);
-    body(value.get());
-    EXPECT_TRUE(person.setValue(value.get(), property));
+    const auto value = person.valueForProperty(property).as<ABMultiValue>();
+    const auto edited =
+        Retained<ABMutableMultiValue>::adopt(value ? value.mutableCopy() : ABMutableMultiValue::alloc().init());
+    body(edited.get());
+    EXPECT_TRUE(person.setValue(edited.get(), property));
   };
 }
 
@@ -63,23 +54,22 @@ struct Row {
   const char* after;
 };
 
-template <std::size_t N>
-void expectWritten(const Row (&rows)[N]) {
-  const ContactsFolder folder;
-  for (std::size_t i = 0; i < N; ++i) {
-    folder.writeCard(std::to_string(100 + i) + ".vcf", rows[i].before);
+class CardChanges : public BookTest {
+ protected:
+  void expectWritten(const std::vector<Row>& rows) {
+    int file = 100;
+    for (const Row& row : rows) folder_.writeCard(std::to_string(file++) + ".vcf", row.before);
+    const NSArray people = ABAddressBook::addressBook().people();
+    ASSERT_EQ(people.count(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      const auto person = people.objectAtIndex(i).as<ABPerson>();
+      rows[i].change(person);
+      EXPECT_EQ(writtenBy(person), rows[i].after) << rows[i].before;
+    }
   }
-  const NSArray people = ABAddressBook::addressBook().people();
-  ASSERT_EQ(people.count(), N);
-  for (std::size_t i = 0; i < N; ++i) {
-    const auto person = people.objectAtIndex(i).as<ABPerson>();
-    rows[i].change(person);
-    EXPECT_EQ(writtenBy(person), rows[i].after) << rows[i].before;
-  }
-}
+};
 
-TEST(CardChanges, TouchOnlyTheLinesTheyAreAbout) {
-  const AutoreleasePool pool;
+TEST_F(CardChanges, TouchOnlyTheLinesTheyAreAbout) {
   expectWritten({
       {"UID:1\nX-A;Q=1:a\\,b\n  c\nN:a;b\nFN:b a\nitem7.X-B:x\n", set(kABNoteProperty, "n"_ns),
        "UID:1\nX-A;Q=1:a\\,b c\nN:a;b\nFN:b a\nitem7.X-B:x\nNOTE:n\n"},
@@ -100,88 +90,74 @@ TEST(CardChanges, TouchOnlyTheLinesTheyAreAbout) {
   });
 }
 
-TEST(CardChanges, KeepEntriesThatStayTheSame) {
-  const AutoreleasePool pool;
+TEST_F(CardChanges, KeepEntriesThatStayTheSame) {
+  auto phones = [](std::function<void(ABMutableMultiValue)> body) { return edit(kABPhoneProperty, std::move(body)); };
   const char kThree[] =
       "N:a\nFN:a\nTEL;type=HOME;X-P=1:1\nX-A:x\nitem1.TEL;type=pref:2\nitem1.X-ABLabel:boat\n"
       "item1.X-FOO:y\nTEL;CELL:3\nUID:1\n";
   expectWritten({
-      {kThree, edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.addValue("4"_ns, kABPhoneWorkLabel); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.addValue("4"_ns, kABPhoneWorkLabel); }),
        "N:a\nFN:a\nTEL;type=HOME;X-P=1:1\nX-A:x\nitem1.TEL;type=pref:2\nitem1.X-ABLabel:boat\n"
        "item1.X-FOO:y\nTEL;CELL:3\nTEL;type=WORK;type=VOICE;X-ABID=*:4\nUID:1\n"},
-      {kThree, edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.replaceValueAtIndex(0, "9"_ns); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.replaceValueAtIndex(0, "9"_ns); }),
        "N:a\nFN:a\nTEL;type=HOME;type=VOICE;X-P=1;X-ABID=*:9\nX-A:x\nitem1.TEL;type=pref:2\n"
        "item1.X-ABLabel:boat\nitem1.X-FOO:y\nTEL;CELL:3\nUID:1\n"},
-      {kThree, edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.removeValueAndLabelAtIndex(1); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.removeValueAndLabelAtIndex(1); }),
        "N:a\nFN:a\nTEL;type=HOME;X-P=1:1\nX-A:x\nitem1.X-FOO:y\nTEL;CELL:3\nUID:1\n"},
-      {kThree, edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.replaceLabelAtIndex(2, "car"_ns); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.replaceLabelAtIndex(2, "car"_ns); }),
        "N:a\nFN:a\nTEL;type=HOME;X-P=1:1\nX-A:x\nitem1.TEL;type=pref:2\nitem1.X-ABLabel:boat\nitem1.X-FOO:y\n"
        "item2.TEL;X-ABID=*:3\nitem2.X-ABLabel:car\nUID:1\n"},
-      {kThree,
-       edit(kABPhoneProperty,
-            [](ABMutableMultiValue phones) { phones.setPrimaryIdentifier(phones.identifierAtIndex(2)); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.setPrimaryIdentifier(list.identifierAtIndex(2)); }),
        "N:a\nFN:a\nTEL;type=HOME;X-P=1:1\nX-A:x\nitem1.TEL;X-ABID=*:2\nitem1.X-ABLabel:boat\nitem1.X-FOO:y\n"
        "TEL;type=CELL;type=VOICE;type=pref;X-ABID=*:3\nUID:1\n"},
-      {kThree,
-       edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.insertValue("0"_ns, "_$!<Pager>!$_"_ns, 0); }),
+      {kThree, phones([](ABMutableMultiValue list) { list.insertValue("0"_ns, "_$!<Pager>!$_"_ns, 0); }),
        "N:a\nFN:a\nTEL;type=PAGER;X-ABID=*:0\nTEL;type=HOME;X-P=1:1\nitem1.TEL;type=pref:2\nitem1.X-ABLabel:boat\n"
        "TEL;CELL:3\nX-A:x\nitem1.X-FOO:y\nUID:1\n"},
       {kThree, set(kABPhoneProperty, nullptr), "N:a\nFN:a\nX-A:x\nitem1.X-FOO:y\nUID:1\n"},
   });
 }
 
-TEST(CardChanges, WriteEachPropertyInItsForm) {
-  const AutoreleasePool pool;
-  auto address = [](ABMutableMultiValue addresses) {
-    addresses.addValue(
-        NSDictionary::dictionaryWithObjects(
-            NSArray::arrayWithObjects({"1 Road\nBack"_ns, "Town; here"_ns, "de"_ns}),
-            NSArray::arrayWithObjects({kABAddressStreetKey, kABAddressCityKey, kABAddressCountryCodeKey})),
-        kABHomeLabel);
+TEST_F(CardChanges, WriteEachPropertyInItsForm) {
+  auto dictionary = [](std::initializer_list<NSObject> keys, std::initializer_list<NSObject> values) -> NSObject {
+    return NSDictionary::dictionaryWithObjects(NSArray::arrayWithObjects(values), NSArray::arrayWithObjects(keys));
   };
-  auto message = [](ABMutableMultiValue names) { names.addValue("mo"_ns, kABHomeLabel); };
-  auto profile = [](ABMutableMultiValue profiles) {
-    profiles.addValue(NSDictionary::dictionaryWithObjects(
-                          NSArray::arrayWithObjects({"twitter"_ns, "mo"_ns, "http://t/mo,1"_ns}),
-                          NSArray::arrayWithObjects(
-                              {kABSocialProfileServiceKey, kABSocialProfileUsernameKey, kABSocialProfileURLKey})),
-                      kABOtherLabel);
+  auto added = [](NSString property, NSObject value, NSString label) {
+    return edit(property, [=](ABMutableMultiValue entries) { entries.addValue(value, label); });
   };
-  auto date = [](ABMutableMultiValue dates) {
-    dates.addValue(NSDate::dateWithTimeIntervalSinceReferenceDate(0 + 43200), kABAnniversaryLabel);
-  };
-  auto text = [](NSString label) { return [label](ABMutableMultiValue texts) { texts.addValue("x,y"_ns, label); }; };
+  const NSObject address = dictionary({kABAddressStreetKey, kABAddressCityKey, kABAddressCountryCodeKey},
+                                      {"1 Road\nBack"_ns, "Town; here"_ns, "de"_ns});
+  const NSObject profile = dictionary({kABSocialProfileServiceKey, kABSocialProfileUsernameKey, kABSocialProfileURLKey},
+                                      {"twitter"_ns, "mo"_ns, "http://t/mo,1"_ns});
+  const NSObject date = NSDate::dateWithTimeIntervalSinceReferenceDate(43200);
   const char kCard[] = "N:a\nFN:a\nUID:1\n";
   expectWritten({
-      {kCard, edit(kABAddressProperty, address),
+      {kCard, added(kABAddressProperty, address, kABHomeLabel),
        "N:a\nFN:a\nitem1.ADR;type=HOME;type=pref;X-ABID=*:;;1 Road\\nBack;Town\\; here;;;\nitem1.X-ABADR:de\nUID:1\n"},
-      {kCard, edit(kABAIMInstantProperty, message),
+      {kCard, added(kABAIMInstantProperty, "mo"_ns, kABHomeLabel),
        "N:a\nFN:a\nIMPP;X-SERVICE-TYPE=AIM;type=HOME;type=pref;X-ABID=*:aim:mo\nX-AIM;type=HOME;type=pref:mo\nUID:1\n"},
-      {kCard, edit(kABSocialProfileProperty, profile),
+      {kCard, added(kABSocialProfileProperty, profile, kABOtherLabel),
        "N:a\nFN:a\nX-SOCIALPROFILE;type=twitter;X-USER=mo;type=pref;X-ABID=*:http://t/mo,1\nUID:1\n"},
-      {kCard, edit(kABOtherDatesProperty, date),
+      {kCard, added(kABOtherDatesProperty, date, kABAnniversaryLabel),
        "N:a\nFN:a\nitem1.X-ABDATE;type=pref;X-ABID=*:2001-01-01\nitem1.X-ABLabel:_$!<Anniversary>!$_\nUID:1\n"},
-      {kCard, edit(kABRelatedNamesProperty, text(kABFriendLabel)),
+      {kCard, added(kABRelatedNamesProperty, "x,y"_ns, kABFriendLabel),
        "N:a\nFN:a\nitem1.X-ABRELATEDNAMES;type=pref;X-ABID=*:x\\,y\nitem1.X-ABLabel:_$!<Friend>!$_\nUID:1\n"},
-      {kCard, edit(kABURLsProperty, text(kABHomePageLabel)),
+      {kCard, added(kABURLsProperty, "x,y"_ns, kABHomePageLabel),
        "N:a\nFN:a\nitem1.URL;type=pref;X-ABID=*:x,y\nitem1.X-ABLabel:_$!<HomePage>!$_\nUID:1\n"},
-      {kCard, edit(kABEmailProperty, text(kABWorkLabel)),
+      {kCard, added(kABEmailProperty, "x,y"_ns, kABWorkLabel),
        "N:a\nFN:a\nEMAIL;type=INTERNET;type=WORK;type=pref;X-ABID=*:x\\,y\nUID:1\n"},
-      {kCard, edit(kABCalendarURIsProperty, text(kABHomeLabel)),
+      {kCard, added(kABCalendarURIsProperty, "x,y"_ns, kABHomeLabel),
        "N:a\nFN:a\nCALURI;type=HOME;type=pref;X-ABID=*:x,y\nUID:1\n"},
   });
 }
 
-TEST(CardChanges, MakeCardsOfOtherVersionsOnesOfVersion3) {
-  const AutoreleasePool pool;
-  const ContactsFolder folder;
-  folder.write("a.vcf",
-               "BEGIN:VCARD\nVERSION:2.1\nN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=F6;A,B\n"
-               "TEL;CELL;X-Q:1\nNOTE;QUOTED-PRINTABLE:a=0D=0A=\nb;c\nX-OTHER;QUOTED-PRINTABLE:=41=\n=42\n"
-               "PHOTO;BASE64;JPEG:\n  AA\n  H/\n\nUID:1\nEND:VCARD\n");
-  folder.write("b.vcf",
-               "BEGIN:VCARD\nVERSION:4.0\nFN:x\nTEL;VALUE=uri;PREF=1;TYPE=\"cell,voice\":tel:+1\nBDAY:--0229\n"
-               "PHOTO:data:image/png;base64,AAH/\nGENDER:F\nUID:urn:uuid:2\nEND:VCARD\n");
+TEST_F(CardChanges, MakeCardsOfOtherVersionsOnesOfVersion3) {
+  folder_.write("a.vcf",
+                "BEGIN:VCARD\nVERSION:2.1\nN;CHARSET=ISO-8859-1;ENCODING=QUOTED-PRINTABLE:M=F6;A,B\n"
+                "TEL;CELL;X-Q:1\nNOTE;QUOTED-PRINTABLE:a=0D=0A=\nb;c\nX-OTHER;QUOTED-PRINTABLE:=41=\n=42\n"
+                "PHOTO;BASE64;JPEG:\n  AA\n  H/\n\nUID:1\nEND:VCARD\n");
+  folder_.write("b.vcf",
+                "BEGIN:VCARD\nVERSION:4.0\nFN:x\nTEL;VALUE=uri;PREF=1;TYPE=\"cell,voice\":tel:+1\nBDAY:--0229\n"
+                "PHOTO:data:image/png;base64,AAH/\nGENDER:F\nUID:urn:uuid:2\nEND:VCARD\n");
   const NSArray people = ABAddressBook::addressBook().people();
   const char* const written[] = {
       "N:Mö;A\\,B\nTEL;type=CELL;type=X-Q:1\nNOTE:n\nX-OTHER;QUOTED-PRINTABLE:=41=42\n"
@@ -196,12 +172,10 @@ TEST(CardChanges, MakeCardsOfOtherVersionsOnesOfVersion3) {
   }
 }
 
-TEST(CardChanges, CarryPictures) {
-  const AutoreleasePool pool;
-  const ContactsFolder folder;
+TEST_F(CardChanges, CarryPictures) {
   // Long enough to stay in the file until it is asked for.
   const std::string base64(4000, 'A');
-  folder.writeCard("a.vcf", "UID:1\nPHOTO;ENCODING=b;TYPE=JPEG:" + base64 + "\nN:a\nFN:a\n");
+  folder_.writeCard("a.vcf", "UID:1\nPHOTO;ENCODING=b;TYPE=JPEG:" + base64 + "\nN:a\nFN:a\n");
   const auto person = ABAddressBook::addressBook().people().objectAtIndex(0).as<ABPerson>();
   EXPECT_EQ(shown(person.imageData()), std::string(3000, '\0'));
   EXPECT_NE(shown(person.vCardRepresentation()).find(base64), std::string::npos);
@@ -214,26 +188,17 @@ TEST(CardChanges, CarryPictures) {
   EXPECT_EQ(writtenBy(person), "UID:1\nN:a\nFN:a\n");
 }
 
-TEST(CardChanges, GiveWhatIsReadBackAsANewPerson) {
-  const AutoreleasePool pool;
-  const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().init());
-  person->setValue("Mo"_ns, kABFirstNameProperty);
-  edit(kABPhoneProperty, [](ABMutableMultiValue phones) {
-    phones.addValue("1"_ns, "boat"_ns);
-    phones.setPrimaryIdentifier(phones.addValue("2"_ns, kABPhoneWorkFAXLabel));
-  })(person.get());
-  const NSData card = person->vCardRepresentation();
-  const auto copy = Retained<ABPerson>::adopt(ABPerson::alloc().initWithVCardRepresentation(card));
-  ASSERT_TRUE(copy);
-  EXPECT_EQ(shown(copy.get(), "First"), "Mo");
-  EXPECT_EQ(shown(copy.get(), "Phone"), "[boat=1 *WorkFAX=2]");
+TEST_F(CardChanges, GiveWhatIsReadBackAsANewPerson) {
+  const auto person = newPerson();
+  edit(kABPhoneProperty, [](ABMutableMultiValue phones) { phones.addValue("1"_ns, "boat"_ns); })(person.get());
+  const auto copy = imported(shown(person->vCardRepresentation()));
+  auto firstId = [](const Retained<ABPerson>& one) {
+    return shown(one->valueForProperty(kABPhoneProperty).as<ABMultiValue>().identifierAtIndex(0));
+  };
+  EXPECT_EQ(shown(copy.get(), "Phone"), "[*boat=1]");
   EXPECT_NE(shown(copy->uniqueId()), shown(person->uniqueId()));
-  EXPECT_NE(shown(copy->valueForProperty(kABPhoneProperty).as<ABMultiValue>().identifierAtIndex(0)),
-            shown(person->valueForProperty(kABPhoneProperty).as<ABMultiValue>().identifierAtIndex(0)));
-  for (const std::string bad : {"", "hello", "BEGIN:VCARD\nFN:x\n"}) {
-    const NSData data = NSData::dataWithBytes(bad.data(), bad.size());
-    EXPECT_FALSE(ABPerson::alloc().initWithVCardRepresentation(data));
-  }
+  EXPECT_NE(firstId(copy), firstId(person));
+  for (const char* bad : {"", "hello", "BEGIN:VCARD\nFN:x\n"}) EXPECT_FALSE(imported(bad)) << bad;
   EXPECT_FALSE(ABPerson::alloc().initWithVCardRepresentation(nullptr));
 }
 

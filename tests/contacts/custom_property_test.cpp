@@ -1,21 +1,11 @@
-#include "platform/contacts/address_book.h"
-#include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/run_loop.h"
-#include "platform/objc/retained.h"
-#include "tests/contacts/contacts_folder.h"
-#include "tests/contacts/in_child.h"
-#include "tests/contacts/shown.h"
-
-#include <gtest/gtest.h>
-#include <sys/stat.h>
+#include "tests/contacts/book_test.h"
 
 #include <string>
 
 namespace {
 
-constexpr char kProperties[] = ".addressbook/properties";
-
-class CustomProperties : public ::testing::Test {
+class CustomProperties : public BookTest {
  protected:
   static NSDictionary typesByName(std::initializer_list<std::pair<const char*, NSInteger>> properties) {
     NSMutableDictionary types = NSMutableDictionary::dictionary();
@@ -32,14 +22,6 @@ class CustomProperties : public ::testing::Test {
   static NSInteger remove(std::initializer_list<NSObject> names) {
     return ABPerson::removeProperties(NSArray::arrayWithObjects(names));
   }
-
-  static ABRecord onlyPerson() {
-    const ABAddressBook book = ABAddressBook::addressBook();
-    return Retained<ABRecord>::share(book.people().objectAtIndex(0).as<ABRecord>()).autorelease();
-  }
-
-  AutoreleasePool pool_;
-  ContactsFolder folder_;
 };
 
 TEST_F(CustomProperties, AreAddedOnceAndRemovedOnce) {
@@ -88,68 +70,55 @@ TEST_F(CustomProperties, CantBeAddedWhereNothingCanBeWritten) {
 }
 
 TEST_F(CustomProperties, KeepValuesOfEveryType) {
-  const char* const names[] = {"", "string", "integer", "real", "date", "array", "dictionary", "data", "components"};
-  NSMutableDictionary types = NSMutableDictionary::dictionary();
-  for (NSInteger type = 1; type <= 8; ++type) {
-    const NSString name = NSString::stringWithUTF8(names[type]);
-    types.setObject(NSNumber::numberWithLongLong(type), name);
-    types.setObject(NSNumber::numberWithLongLong(type | kABMultiValueMask),
-                    NSString::stringWithUTF8((std::string("multi;\"") + names[type]).c_str()));
-  }
-  EXPECT_EQ(ABPerson::addPropertiesAndTypes(types), 16);
-
   const auto components = Retained<NSDateComponents>::adopt(NSDateComponents::alloc().init());
   components->setMonth(2);
   const NSArray array = NSArray::arrayWithObjects({" a;\n\\,ü"_ns, NSNumber::numberWithDouble(0.1)});
-  const NSObject values[] = {nullptr,
-                             " a;\n\\,ü\t"_ns,
+  const std::string data("\0\xFFx", 3);
+  const NSObject values[] = {" a;\n\\,ü\t"_ns,
                              NSNumber::numberWithLongLong(-5000000000),
                              NSNumber::numberWithDouble(1.0 / 3),
                              NSDate::dateWithTimeIntervalSinceReferenceDate(0.123456789),
                              array,
                              NSDictionary::dictionaryWithObject(array, "k"_ns),
-                             NSData::dataWithBytes("\0\xFF"
-                                                   "x",
-                                                   3),
+                             NSData::dataWithBytes(data.data(), data.size()),
                              components.get()};
-  std::string id;
-  std::vector<std::string> expected;
-  {
-    const ABAddressBook book = ABAddressBook::addressBook();
-    const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book));
-    for (int type = 1; type <= 8; ++type) {
-      const NSString multiName = NSString::stringWithUTF8((std::string("multi;\"") + names[type]).c_str());
-      EXPECT_TRUE(person->setValue(values[type], NSString::stringWithUTF8(names[type])));
-      const auto entries = Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
-      entries->addValue(values[type], kABHomeLabel);
-      entries->setPrimaryIdentifier(entries->addValue(values[type], "a label"_ns));
-      EXPECT_TRUE(person->setValue(entries.get(), multiName));
-    }
-    EXPECT_TRUE(book.save());
-    for (int type = 1; type <= 8; ++type) {
-      expected.push_back(shown(values[type]));
-      expected.push_back("[Home=" + shown(values[type]) + " *a label=" + shown(values[type]) + "]");
+  auto nameOf = [](NSInteger type) { return NSString::stringWithUTF8("a;\"" + std::to_string(type)); };
+  NSMutableDictionary types = NSMutableDictionary::dictionary();
+  for (NSInteger type = 1; type <= 8; ++type) {
+    for (const NSInteger one : {type, type | kABMultiValueMask}) {
+      types.setObject(NSNumber::numberWithLongLong(one), nameOf(one));
     }
   }
+  EXPECT_EQ(ABPerson::addPropertiesAndTypes(types), 16);
   inChild([&] {
-    const ABRecord person = onlyPerson();
-    for (int type = 1; type <= 8; ++type) {
-      const auto place = static_cast<std::size_t>(type - 1) * 2;
-      const NSString multiName = NSString::stringWithUTF8((std::string("multi;\"") + names[type]).c_str());
-      const NSObject value = person.valueForProperty(NSString::stringWithUTF8(names[type]));
-      EXPECT_EQ(shown(value), expected[place]);
-      EXPECT_TRUE(send<bool>(values[type], "isEqual:"_sel, value)) << names[type];
-      EXPECT_EQ(shown(person.valueForProperty(multiName)), expected[place + 1]);
+    const ABAddressBook book = ABAddressBook::addressBook();
+    const auto person = newPerson(book);
+    for (NSInteger type = 1; type <= 8; ++type) {
+      const NSObject value = values[type - 1];
+      EXPECT_TRUE(person->setValue(value, nameOf(type)));
+      const auto entries = Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
+      entries->addValue(value, kABHomeLabel);
+      entries->setPrimaryIdentifier(entries->addValue(value, "a label"_ns));
+      EXPECT_TRUE(person->setValue(entries.get(), nameOf(type | kABMultiValueMask)));
     }
+    EXPECT_TRUE(book.save());
   });
+  const NSArray people = ABAddressBook::addressBook().people();
+  const auto person = people.objectAtIndex(0).as<ABPerson>();
+  for (NSInteger type = 1; type <= 8; ++type) {
+    const NSObject value = values[type - 1];
+    EXPECT_TRUE(send<bool>(value, "isEqual:"_sel, person.valueForProperty(nameOf(type)))) << type;
+    EXPECT_EQ(shown(person.valueForProperty(nameOf(type | kABMultiValueMask))),
+              "[Home=" + shown(value) + " *a label=" + shown(value) + "]");
+  }
 }
 
 TEST_F(CustomProperties, AreKnownToNewProcessesBeforeAnyBookIs) {
   inChild([] { EXPECT_EQ(add({{"shoe", kABRealProperty}}), 1); });
   inChild([] { EXPECT_EQ(ABPerson::typeOfProperty("shoe"_ns), kABRealProperty); });
-  inChild([] { EXPECT_EQ(ABPerson::properties().count(), 37U); });
   inChild([] {
-    const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().init());
+    EXPECT_EQ(ABPerson::properties().count(), 37U);
+    const auto person = newPerson();
     EXPECT_TRUE(person->setValue(NSNumber::numberWithInt(42), "shoe"_ns));
     EXPECT_TRUE(ABPerson::searchElement("shoe"_ns, nullptr, nullptr, NSNumber::numberWithInt(42), kABEqual)
                     .matchesRecord(person.get()));
@@ -196,16 +165,15 @@ TEST_F(CustomProperties, TakeTheirValuesWithThem) {
 }
 
 TEST_F(CustomProperties, LeaveWhatOthersWroteIntoTheirFile) {
+  const char kFile[] = ".addressbook/properties";
   std::filesystem::create_directory(folder_.path() / ".addressbook");
-  folder_.write(kProperties,
-                "person 1 ours\r\nplace 1 later\nperson x y\n\nperson 1\nperson 257 a\\nb\nperson 2 ours\n");
+  folder_.write(kFile, "person 1 ours\r\nplace 1 later\nperson x y\n\nperson 1\nperson 257 a\\nb\nperson 2 ours\n");
   EXPECT_EQ(ABPerson::properties().count(), 38U);
   EXPECT_EQ(ABPerson::typeOfProperty("a\nb"_ns), kABMultiStringProperty);
   EXPECT_EQ(ABPerson::typeOfProperty("ours"_ns), kABStringProperty);
   EXPECT_EQ(add({{"new", kABDateProperty}}), 1);
   EXPECT_EQ(remove({"ours"_ns}), 1);
-  EXPECT_EQ(bytesOf(folder_.path() / kProperties),
-            "place 1 later\nperson x y\n\nperson 1\nperson 257 a\\nb\nperson 4 new\n");
+  EXPECT_EQ(bytesOf(folder_.path() / kFile), "place 1 later\nperson x y\n\nperson 1\nperson 257 a\\nb\nperson 4 new\n");
 }
 
 }  // namespace

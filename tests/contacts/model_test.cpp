@@ -1,13 +1,7 @@
-#include "platform/contacts/address_book.h"
 #include "platform/foundation/run_loop.h"
-#include "platform/objc/retained.h"
-#include "tests/contacts/contacts_folder.h"
+#include "tests/contacts/book_test.h"
 #include "tests/contacts/file_faults.h"
-#include "tests/contacts/in_child.h"
-#include "tests/contacts/shown.h"
 #include "tests/contacts/store_scenarios.h"
-
-#include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -111,8 +105,7 @@ class Session {
     const std::string name = "n" + std::to_string(model_.count++) + ".";
     model_.added.insert(name);
     if (!book_) return;
-    const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book_));
-    EXPECT_TRUE(person->setValue(NSString::stringWithUTF8(name.c_str()), kABNicknameProperty));
+    EXPECT_TRUE(newPerson(book_)->setValue(NSString::stringWithUTF8(name.c_str()), kABNicknameProperty));
   }
 
   void change() {
@@ -208,9 +201,7 @@ class Session {
 
   [[nodiscard]] Records shownBook() const {
     Records records;
-    const NSArray people = book_.people();
-    for (NSUInteger i = 0; i < people.count(); ++i) {
-      const auto record = people.objectAtIndex(i).as<ABRecord>();
+    for (const ABPerson record : each(book_.people())) {
       Fields& fields = records[shown(record, "Nickname")];
       for (const std::string line : kLines) {
         const NSObject value = record.valueForProperty(propertyOf(line));
@@ -221,10 +212,8 @@ class Session {
   }
 
   [[nodiscard]] ABPerson person(const std::string& name) const {
-    const NSArray people = book_.people();
-    for (NSUInteger i = 0; i < people.count(); ++i) {
-      const auto record = people.objectAtIndex(i).as<ABRecord>();
-      if (shown(record, "Nickname") == name) return record.as<ABPerson>();
+    for (const ABPerson person : each(book_.people())) {
+      if (shown(person, "Nickname") == name) return person;
     }
     ADD_FAILURE() << name << " isn't there";
     return nullptr;

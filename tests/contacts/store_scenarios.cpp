@@ -1,11 +1,8 @@
 #include "tests/contacts/store_scenarios.h"
 
-#include "platform/objc/retained.h"
+#include "tests/contacts/book_test.h"
 #include "tests/contacts/file_faults.h"
-#include "tests/contacts/in_child.h"
-#include "tests/contacts/shown.h"
 
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,24 +16,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-ABPerson person(ABAddressBook book, const std::string& uid) {
-  return book.recordForUniqueId(NSString::stringWithUTF8((uid + ":ABPerson").c_str())).as<ABPerson>();
-}
-
 void add(ABAddressBook book, const char* last) {
-  const auto added = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book));
-  EXPECT_TRUE(added->setValue(NSString::stringWithUTF8(last), kABLastNameProperty));
+  EXPECT_TRUE(newPerson(book)->setValue(NSString::stringWithUTF8(last), kABLastNameProperty));
 }
 
 void addOne(ABAddressBook book) { add(book, "Added"); }
 
 void changeThree(ABAddressBook book) {
-  for (const char* uid : {"p1", "p2", "p3"}) EXPECT_TRUE(person(book, uid).setValue("changed"_ns, kABNoteProperty));
+  for (const char* uid : {"p1", "p2", "p3"}) EXPECT_TRUE(personIn(book, uid).setValue("changed"_ns, kABNoteProperty));
 }
 
 void removeTwoAndAddTwo(ABAddressBook book) {
-  EXPECT_TRUE(book.removeRecord(person(book, "p4")));
-  EXPECT_TRUE(book.removeRecord(person(book, "p5")));
+  EXPECT_TRUE(book.removeRecord(personIn(book, "p4")));
+  EXPECT_TRUE(book.removeRecord(personIn(book, "p5")));
   add(book, "Added");
   add(book, "Also");
 }
@@ -44,14 +36,14 @@ void removeTwoAndAddTwo(ABAddressBook book) {
 void addGroupAndOwner(ABAddressBook book) {
   const auto group = Retained<ABGroup>::adopt(ABGroup::alloc().initWithAddressBook(book));
   EXPECT_TRUE(group->setValue("New"_ns, kABGroupNameProperty));
-  EXPECT_TRUE(group->addMember(person(book, "p1")));
-  EXPECT_TRUE(group->addMember(person(book, "p6")));
-  book.setMe(person(book, "p2"));
+  EXPECT_TRUE(group->addMember(personIn(book, "p1")));
+  EXPECT_TRUE(group->addMember(personIn(book, "p6")));
+  book.setMe(personIn(book, "p2"));
 }
 
 void setPicture(ABAddressBook book) {
   const std::string bytes = "GIF89a" + std::string(std::size_t{1} << 20, 'x');
-  EXPECT_TRUE(person(book, "p1").setImageData(NSData::dataWithBytes(bytes.data(), bytes.size())));
+  EXPECT_TRUE(personIn(book, "p1").setImageData(NSData::dataWithBytes(bytes.data(), bytes.size())));
 }
 
 std::string joined(std::vector<std::string> lines) {
@@ -111,19 +103,14 @@ void addLater(ABAddressBook book) { add(book, "Later"); }
 
 std::string stateOf(ABAddressBook book) {
   std::vector<std::string> lines;
-  const NSArray people = book.people();
-  for (NSUInteger i = 0; i < people.count(); ++i) {
-    const auto one = people.objectAtIndex(i).as<ABPerson>();
+  for (const ABPerson one : each(book.people())) {
     const NSData picture = one.imageData();
     lines.push_back(nameOf(one) + ", " + shown(one, "Note") + ", " +
                     (picture ? std::to_string(picture.length()) : std::string("no")) + " bytes");
   }
-  const NSArray groups = book.groups();
-  for (NSUInteger i = 0; i < groups.count(); ++i) {
-    const auto group = groups.objectAtIndex(i).as<ABGroup>();
+  for (const ABGroup group : each<ABGroup>(book.groups())) {
     std::vector<std::string> members;
-    const NSArray array = group.members();
-    for (NSUInteger k = 0; k < array.count(); ++k) members.push_back(nameOf(array.objectAtIndex(k).as<ABRecord>()));
+    for (const ABRecord member : each<ABRecord>(group.members())) members.push_back(nameOf(member));
     lines.push_back("group " + shown(group, "GroupName") + ":\n" + joined(std::move(members)));
   }
   if (const ABPerson me = book.me()) lines.push_back("owner " + nameOf(me));

@@ -1,14 +1,9 @@
-#include "platform/contacts/address_book.h"
 #include "platform/foundation/notification.h"
 #include "platform/foundation/run_loop.h"
 #include "platform/objc/class_builder.h"
-#include "platform/objc/retained.h"
-#include "tests/contacts/contacts_folder.h"
-#include "tests/contacts/in_child.h"
-#include "tests/contacts/shown.h"
+#include "tests/contacts/book_test.h"
 #include "tests/contacts/store_scenarios.h"
 
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -35,9 +30,8 @@ void note(NSObject, NSNotification notification) {
   const std::pair<NSString, std::set<std::string>*> kinds[] = {
       {kABInsertedRecords, &inserted}, {kABUpdatedRecords, &updated}, {kABDeletedRecords, &deleted}};
   for (const auto& [key, ids] : kinds) {
-    const NSObject list = notification.userInfo().objectForKey(key);
-    const NSArray array = list ? list.as<NSArray>() : NSArray::array();
-    for (NSUInteger i = 0; i < array.count(); ++i) ids->insert(shown(array.objectAtIndex(i)));
+    const auto list = notification.userInfo().objectForKey(key).as<NSArray>();
+    for (NSUInteger i = 0; list && i < list.count(); ++i) ids->insert(shown(list.objectAtIndex(i)));
   }
 }
 
@@ -45,9 +39,7 @@ void idle(double seconds) { CFRunLoopRunInMode(kCFRunLoopDefaultMode, seconds, f
 
 std::map<std::string, std::string> idsByName(ABAddressBook book) {
   std::map<std::string, std::string> ids;
-  const NSArray people = book.people();
-  for (NSUInteger i = 0; i < people.count(); ++i) {
-    const auto person = people.objectAtIndex(i).as<ABRecord>();
+  for (const ABPerson person : each(book.people())) {
     EXPECT_TRUE(ids.emplace(shown(person, "Last"), shown(person.uniqueId())).second);
   }
   return ids;
@@ -68,7 +60,7 @@ class Writer {
   void run() {
     meet("ready");
     for (int i = 0; i < kRecords; ++i) {
-      const auto person = Retained<ABPerson>::adopt(ABPerson::alloc().initWithAddressBook(book_));
+      const auto person = newPerson(book_);
       const std::string name = own_ + std::to_string(i);
       EXPECT_TRUE(person->setValue(NSString::stringWithUTF8(name.c_str()), kABLastNameProperty));
       records_.push_back(person);
@@ -90,7 +82,7 @@ class Writer {
  private:
   // Each writer changes a property of its own in a record of both.
   void saveBatch(int i) {
-    const auto both = book_.recordForUniqueId("both:ABPerson"_ns);
+    const auto both = personIn(book_, "both");
     const std::string value = own_ + std::to_string(i);
     const NSString property = own_ == 'a' ? kABNoteProperty : kABJobTitleProperty;
     EXPECT_TRUE(both.setValue(NSString::stringWithUTF8(value.c_str()), property));
@@ -110,7 +102,7 @@ class Writer {
   void check() {
     const std::map<std::string, std::string> ids = idsByName(book_);
     EXPECT_EQ(ids.size(), static_cast<std::size_t>(kRecords) + 1);
-    const auto both = book_.recordForUniqueId("both:ABPerson"_ns);
+    const auto both = personIn(book_, "both");
     EXPECT_EQ(shown(both, "Note"), "a500");
     EXPECT_EQ(shown(both, "JobTitle"), "b500");
     EXPECT_TRUE(updated.contains("both:ABPerson"));

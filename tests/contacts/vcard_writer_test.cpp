@@ -1,7 +1,6 @@
 #include "platform/contacts/vcard/writer.h"
 
 #include "platform/contacts/vcard/card.h"
-#include "platform/contacts/vcard/encoding.h"
 #include "platform/contacts/vcard/text.h"
 
 #include <gtest/gtest.h>
@@ -44,18 +43,6 @@ TEST(VCardWriter, EscapesWhatTheReaderUnescapes) {
     EXPECT_EQ(vcard::unescape(vcard::escape(text), vcard::Version::k30), text);
   }
   EXPECT_EQ(vcard::escape("a\r\nb\rc\nd"), "a\\nb\\nc\\nd");
-}
-
-TEST(VCardWriter, EncodesBase64) {
-  const struct {
-    std::string_view bytes;
-    const char* text;
-  } rows[] = {
-      {"", ""}, {"M", "TQ=="}, {"Ma", "TWE="}, {"Man", "TWFu"}, {std::string_view("\0\xFF\x80\x7F", 4), "AP+Afw=="}};
-  for (const auto& row : rows) {
-    EXPECT_EQ(vcard::encodeBase64(row.bytes), row.text);
-    EXPECT_EQ(vcard::decodeBase64(row.text), row.bytes);
-  }
 }
 
 }  // namespace
