@@ -45,13 +45,24 @@ Sample numberSample(Number value) {
   }
 }
 
+template <class Number>
+Sample takeNumber(Input& input) {
+  return numberSample(input.number<Number>());
+}
+
 // The host's Int64 variants hold the unsigned types too, as the nearest value.
 template <class Unsigned>
-Sample unsignedSample(Unsigned value) {
+Sample takeUnsigned(Input& input) {
+  const auto value = input.number<Unsigned>();
   constexpr auto kMost = std::uint64_t{std::numeric_limits<std::int64_t>::max()};
   Sample sample = numberSample(static_cast<std::int64_t>(std::min<std::uint64_t>(value, kMost)));
   sample.value = value;
   return sample;
+}
+
+Sample booleanSample(Input& input) {
+  const bool value = input.number() % 2 != 0;
+  return {value, shown(value), true, value ? "n:1" : "n:0"};
 }
 
 std::string cutAtZero(std::string_view text) { return std::string(text.substr(0, text.find('\0'))); }
@@ -149,15 +160,6 @@ Sample otherTypeSample(Input& input) {
   return sample;
 }
 
-template <class Number>
-std::vector<Sample> takeNumbers(Input& input) {
-  std::vector<Sample> samples;
-  for (int count = input.number(); count > 0 && !input.hasEnded(); --count) {
-    samples.push_back(numberSample(input.number<Number>()));
-  }
-  return samples;
-}
-
 template <class Take>
 std::vector<Sample> takeSamples(Input& input, Take take) {
   std::vector<Sample> samples;
@@ -192,25 +194,16 @@ Sample stringElement(Input& input) {
 }
 
 Sample typedArraySample(Input& input) {
-  switch (input.number() % 7) {
-    case 0:
-      return arrayOf(ElementType::int32, takeNumbers<std::int32_t>(input));
-    case 1:
-      return arrayOf(ElementType::int64, takeNumbers<std::int64_t>(input));
-    case 2:
-      return arrayOf(ElementType::single, takeNumbers<float>(input));
-    case 3:
-      return arrayOf(ElementType::real, takeNumbers<double>(input));
-    case 4:
-      return arrayOf(ElementType::boolean, takeSamples(input, [](Input& from) {
-                       const bool value = from.number() % 2 != 0;
-                       return Sample{value, shown(value), true, value ? "n:1" : "n:0"};
-                     }));
-    case 5:
-      return arrayOf(ElementType::date, takeSamples(input, dateSample));
-    default:
-      return arrayOf(ElementType::string, takeSamples(input, stringElement));
-  }
+  constexpr std::array<std::pair<ElementType, Sample (*)(Input&)>, 7> kKinds{
+      {{ElementType::int32, takeNumber<std::int32_t>},
+       {ElementType::int64, takeNumber<std::int64_t>},
+       {ElementType::single, takeNumber<float>},
+       {ElementType::real, takeNumber<double>},
+       {ElementType::boolean, booleanSample},
+       {ElementType::date, dateSample},
+       {ElementType::string, stringElement}}};
+  const auto [type, take] = kKinds[input.number() % kKinds.size()];
+  return arrayOf(type, takeSamples(input, take));
 }
 
 using Entries = std::vector<std::pair<Sample, Sample>>;
@@ -257,46 +250,27 @@ Sample dictionaryAt(Input& input, int depth) {
 }
 
 Sample sampleAt(Input& input, int depth) {
-  const int kind = depth < kGreatestDepth ? input.number() % 17 : 0;
-  switch (kind) {
-    case 1:
-      return numberSample(input.number<std::int32_t>());
-    case 2:
-      return numberSample(input.number<std::int64_t>());
-    case 3:
-      return unsignedSample(input.number<std::uint32_t>());
-    case 4:
-      return unsignedSample(input.number<std::uint64_t>());
-    case 5:
-      return numberSample(input.number<float>());
-    case 6:
-      return numberSample(input.number<double>());
-    case 7: {
-      const bool value = input.number() % 2 != 0;
-      return {value, shown(value), true, value ? "n:1" : "n:0"};
-    }
-    case 8:
-      return textSample(input);
-    case 9:
-      return utf16Sample(input);
-    case 10:
-      return dateSample(input);
-    case 11:
-      return blockSample(input);
-    case 12:
-      return itemSample(input);
-    case 13:
-      return typedArraySample(input);
-    case 14:
-      return arrayOf(ElementType::object,
-                     takeSamples(input, [depth](Input& from) { return sampleAt(from, depth + 1); }));
-    case 15:
-      return dictionaryAt(input, depth);
-    case 16:
-      return input.number() % 2 == 0 ? structureSample(input) : otherTypeSample(input);
-    default:
-      return {};
-  }
+  constexpr std::array<Sample (*)(Input&), 13> kFlat{
+      takeNumber<std::int32_t>,
+      takeNumber<std::int64_t>,
+      takeUnsigned<std::uint32_t>,
+      takeUnsigned<std::uint64_t>,
+      takeNumber<float>,
+      takeNumber<double>,
+      booleanSample,
+      textSample,
+      utf16Sample,
+      dateSample,
+      blockSample,
+      itemSample,
+      typedArraySample,
+  };
+  const std::size_t kind = depth < kGreatestDepth ? input.number() % 17U : 0;
+  if (kind == 0) return {};
+  if (kind <= kFlat.size()) return kFlat[kind - 1](input);
+  if (kind == 15) return dictionaryAt(input, depth);
+  if (kind == 16) return input.number() % 2 == 0 ? structureSample(input) : otherTypeSample(input);
+  return arrayOf(ElementType::object, takeSamples(input, [depth](Input& from) { return sampleAt(from, depth + 1); }));
 }
 
 // Nil for the key that isn't a number, under which nothing is found again.
