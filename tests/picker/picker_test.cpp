@@ -1,6 +1,3 @@
-#include "picker/picker.h"
-#include "host/classes.h"
-#include "host/events.h"
 #include "host/objects.h"
 #include "platform/contacts/people_picker.h"
 #include "tests/kit/host.h"
@@ -17,7 +14,12 @@
 namespace {
 
 constexpr const char* kPicker = "ABPickerVXR";
-constexpr const char* kUnsupported = "UnsupportedOperationException: This function is only for Mac OS X Carbon.";
+constexpr const char* kSides[] = {"Left", "Top", "Width", "Height"};
+constexpr std::pair<const char*, bool> kFlags[] = {{"Visible", false},
+                                                   {"AllowSingleValueSelection", true},
+                                                   {"AllowMultipleValueSelection", false},
+                                                   {"AllowGroupSelection", false},
+                                                   {"AllowMultipleSelection", true}};
 
 const std::vector<Card> kContacts{
     person("Ada", "Lovelace", "p1",
@@ -28,6 +30,14 @@ const std::vector<Card> kContacts{
     group("Work", "g1", {"p1"}),
     group("Play", "g2"),
 };
+
+using Texts = std::vector<std::string>;
+
+Texts textsOf(const host::Value& list) {
+  Texts all;
+  for (const host::Value& value : list.elements()) all.push_back(value.text());
+  return all;
+}
 
 // A host with a picker object and the records of the book.
 struct Fixture {
@@ -41,47 +51,37 @@ struct Fixture {
 
   Fixture() { picker.call("Create"); }
 
-  [[nodiscard]] std::vector<std::string> texts(const char* member) const {
-    std::vector<std::string> all;
-    for (const host::Value& value : picker.call(member).elements()) all.push_back(value.text());
-    return all;
-  }
-  [[nodiscard]] std::vector<std::string> names(const char* member) const {
-    std::vector<std::string> all;
+  [[nodiscard]] Texts texts(const char* member) const { return textsOf(picker.call(member)); }
+  [[nodiscard]] Texts names(const char* member) const {
+    Texts all;
     for (const host::Value& record : picker.call(member).elements()) all.push_back(record.call("DisplayName").text());
     return all;
   }
-  [[nodiscard]] std::vector<std::string> identifiers(const host::Value& person) const {
-    std::vector<std::string> all;
-    for (const host::Value& id : picker.call("SelectedIdentifiers", person).elements()) all.push_back(id.text());
-    return all;
+  [[nodiscard]] Texts identifiers(const host::Value& person) const {
+    return textsOf(picker.call("SelectedIdentifiers", person));
   }
 };
-
-using Texts = std::vector<std::string>;
 
 }  // namespace
 
 TEST(Picker, AnswersNeutrallyBeforeCreate) {
-  Host host{.contacts = kContacts};
+  const Host host{.contacts = kContacts};
   const host::Value book = host.shared("ABAddressBookVXR", "sharedAddressbook");
   const host::Value ada = book.call("people").at(0);
   const host::Value work = book.call("groups").at(0);
   const host::Value picker = host.make(kPicker);
   EXPECT_EQ(liveObjects()["ABPicker"], 0);
   EXPECT_EQ(picker.get("Handle"), 0);
-  for (const char* side : {"Left", "Top", "Width", "Height"}) {
-    picker.set(side, 12.0F);
-    EXPECT_EQ(picker.get(side), 0.0F) << side;
-  }
-  for (const char* flag : {"Visible", "AllowSingleValueSelection", "AllowMultipleValueSelection", "AllowGroupSelection",
-                           "AllowMultipleSelection"}) {
-    picker.set(flag, true);
-    EXPECT_EQ(picker.get(flag), false) << flag;
-  }
   EXPECT_EQ(picker.get("Available"), true);
-  picker.set("DisplayedProperty", "Email");
-  EXPECT_EQ(picker.get("DisplayedProperty"), "");
+  std::vector<std::pair<const char*, host::Value>> properties{{"DisplayedProperty", "Email"}};
+  for (const char* side : kSides) properties.emplace_back(side, 12.0F);
+  for (const auto& [flag, isInitiallySet] : kFlags) properties.emplace_back(flag, true);
+  for (const auto& [name, value] : properties) {
+    const host::Value before = picker.get(name);
+    picker.set(name, value);
+    EXPECT_EQ(picker.get(name), before) << name;
+    EXPECT_TRUE(before == 0.0F || before == false || before == "") << name;
+  }
   picker.call("AddProperty", "Email");
   picker.call("RemoveProperty", "Email");
   picker.assign("ColumnTitle", "Email", "Post");
@@ -102,20 +102,7 @@ TEST(Picker, AnswersNeutrallyBeforeCreate) {
   EXPECT_EQ(picker.call("SelectedIdentifiers", ada).size(), 0U);
 }
 
-TEST(Picker, IsHiddenAndEmptyWhenItIsNew) {
-  const Fixture fixture;
-  EXPECT_NE(fixture.picker.get("Handle"), 0);
-  EXPECT_EQ(fixture.picker.get("Visible"), false);
-  EXPECT_EQ(fixture.picker.get("AllowSingleValueSelection"), true);
-  EXPECT_EQ(fixture.picker.get("AllowMultipleValueSelection"), false);
-  EXPECT_EQ(fixture.picker.get("AllowGroupSelection"), false);
-  EXPECT_EQ(fixture.picker.get("AllowMultipleSelection"), true);
-  EXPECT_EQ(fixture.picker.get("DisplayedProperty"), "");
-  EXPECT_EQ(fixture.texts("Properties"), Texts());
-  EXPECT_EQ(fixture.texts("SelectedValues"), Texts());
-}
-
-TEST(Picker, IsReleasedByASecondCreateAndByItsObjectsEnd) {
+TEST(Picker, ReleasesWhatItsHandleNames) {
   Fixture fixture;
   fixture.picker.set("Width", 7.0F);
   fixture.picker.call("AddProperty", "Email");
@@ -123,23 +110,19 @@ TEST(Picker, IsReleasedByASecondCreateAndByItsObjectsEnd) {
   EXPECT_EQ(liveObjects()["ABPicker"], 1);
   EXPECT_NE(fixture.picker.get("Width"), 7.0F);
   EXPECT_EQ(fixture.texts("Properties"), Texts());
-  fixture.picker = nullptr;
-  EXPECT_EQ(liveObjects()["ABPicker"], 0);
-}
 
-TEST(Picker, ReleasesWhatItsHandleNames) {
-  Fixture fixture;
   const host::Value first = fixture.picker.get("Handle");
   fixture.picker.set("Handle", 0);
   EXPECT_EQ(fixture.picker.get("Width"), 0.0F);
   EXPECT_EQ(liveObjects()["ABPicker"], 1);
   fixture.picker.set("Handle", first);
   EXPECT_NE(fixture.picker.get("Width"), 0.0F);
+  fixture.picker = nullptr;
+  EXPECT_EQ(liveObjects()["ABPicker"], 0);
 }
 
 TEST(Picker, MovesOneSideOfItsFrame) {
   const Fixture fixture;
-  constexpr const char* kSides[] = {"Left", "Top", "Width", "Height"};
   std::map<std::string, double> expected;
   for (const char* side : kSides) expected[side] = fixture.picker.get(side).number();
   double value = 100.25;
@@ -150,41 +133,32 @@ TEST(Picker, MovesOneSideOfItsFrame) {
   }
 }
 
-TEST(Picker, ChangesOneAttribute) {
+TEST(Picker, IsHiddenWhenItIsNewAndChangesOneAttribute) {
   const Fixture fixture;
+  for (const auto& [flag, isInitiallySet] : kFlags) EXPECT_EQ(fixture.picker.get(flag), isInitiallySet) << flag;
+  for (const bool isShown : {true, false}) {
+    fixture.picker.set("Visible", isShown);
+    EXPECT_EQ(fixture.picker.get("Visible"), isShown);
+  }
   auto picker = reinterpret_cast<ABPickerRef>(fixture.picker.get("Handle").integer());
-  for (const auto& [name, bit] :
-       std::vector<std::pair<const char*, ABPickerAttributes>>{{"AllowSingleValueSelection", 1},
-                                                               {"AllowMultipleValueSelection", 2},
-                                                               {"AllowGroupSelection", 4},
-                                                               {"AllowMultipleSelection", 8}}) {
+  for (unsigned place = 0; place < 4; ++place) {
+    const char* name = kFlags[place + 1].first;
+    const ABPickerAttributes bit = 1U << place;
     for (const ABPickerAttributes others : {0U, 15U & ~bit}) {
       ABPickerChangeAttributes(picker, others, ~others);
-      fixture.picker.set(name, true);
-      EXPECT_EQ(ABPickerGetAttributes(picker), others | bit) << name;
-      EXPECT_EQ(fixture.picker.get(name), true);
-      fixture.picker.set(name, false);
-      EXPECT_EQ(ABPickerGetAttributes(picker), others) << name;
-      EXPECT_EQ(fixture.picker.get(name), false);
+      for (const bool isSet : {true, false}) {
+        fixture.picker.set(name, isSet);
+        EXPECT_EQ(ABPickerGetAttributes(picker), isSet ? others | bit : others) << name;
+        EXPECT_EQ(fixture.picker.get(name), isSet) << name;
+      }
     }
   }
-}
-
-TEST(Picker, ShowsAndHides) {
-  const Fixture fixture;
-  fixture.picker.set("Visible", true);
-  EXPECT_EQ(fixture.picker.get("Visible"), true);
-  fixture.picker.set("Visible", false);
-  EXPECT_EQ(fixture.picker.get("Visible"), false);
 }
 
 TEST(Picker, KeepsItsColumnsAndTheirTitles) {
   const Fixture fixture;
   const host::Value& picker = fixture.picker;
-  picker.call("AddProperty", "Phone");
-  picker.call("AddProperty", "Email");
-  picker.call("AddProperty", "Email");
-  picker.call("AddProperty", "");
+  for (const char* property : {"Phone", "Email", "Email", ""}) picker.call("AddProperty", property);
   EXPECT_EQ(fixture.texts("Properties"), (Texts{"Phone", "Email"}));
   EXPECT_EQ(picker.get("DisplayedProperty"), "Phone");
   picker.set("DisplayedProperty", "Address");  // no column
@@ -192,7 +166,6 @@ TEST(Picker, KeepsItsColumnsAndTheirTitles) {
   EXPECT_EQ(picker.get("DisplayedProperty"), "Phone");
   picker.set("DisplayedProperty", "Email");
   EXPECT_EQ(picker.get("DisplayedProperty"), "Email");
-
   EXPECT_EQ(picker.call("ColumnTitle", "Email"), "Email");
   picker.assign("ColumnTitle", "Email", "Post");
   EXPECT_EQ(picker.call("ColumnTitle", "Email"), "Post");
@@ -318,12 +291,4 @@ TEST(Picker, OpensTheSelectionInTheDesktopsApplication) {
   EXPECT_EQ(openedBy("SelectInAddressBook"), "addressbook://g1:ABGroup");
   fixture.picker.call("SelectPerson", fixture.ada, false);
   EXPECT_EQ(openedBy("EditInAddressBook"), "addressbook://p1:ABPerson?edit");
-}
-
-TEST(Picker, RefusesCarbonEvents) {
-  const Fixture fixture;
-  EXPECT_EQ(thrownBy([&] { fixture.picker.call("RemoveEvents"); }), kUnsupported);
-  EXPECT_EQ(thrownBy([&] { fixture.picker.call("InstallEvents", nullptr); }), kUnsupported);
-  EXPECT_EQ(globalinstance, nullptr);
-  EXPECT_EQ(eventHandler, &MyEventHandler);
 }

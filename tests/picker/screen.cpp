@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cwchar>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -98,26 +97,12 @@ void Screen::put(char32_t character, std::string_view bytes) {
 }
 
 void Screen::control(char byte) {
-  switch (byte) {
-    case '\r':
-      column_ = 0;
-      break;
-    case '\b':
-      column_ = std::max(0, column_ - 1);
-      break;
-    case '\t':
-      column_ = std::min(columns_ - 1, (column_ / 8 + 1) * 8);
-      break;
-    case '\n':
-      if (row_ == bottom_) {
-        scroll(1);
-      } else {
-        row_ = std::min(row_ + 1, rows() - 1);
-      }
-      break;
-    default:
-      break;
-  }
+  if (byte == '\r') column_ = 0;
+  if (byte == '\b') column_ = std::max(0, column_ - 1);
+  if (byte == '\t') column_ = std::min(columns_ - 1, (column_ / 8 + 1) * 8);
+  if (byte != '\n') return;
+  if (row_ == bottom_) return scroll(1);
+  row_ = std::min(row_ + 1, rows() - 1);
 }
 
 void Screen::scroll(int lines) {
@@ -133,109 +118,63 @@ void Screen::scroll(int lines) {
 
 void Screen::sequence(std::string_view parameters, char final) {
   if (!parameters.empty() && (parameters[0] == '?' || parameters[0] == '>')) return;
-  std::vector<int> numbers;
-  std::optional<int> number;
-  for (const char c : std::string(parameters) + ";") {
-    if (c != ';') {
-      number = number.value_or(0) * 10 + (c - '0');
-      continue;
+  std::vector<int> numbers{0};
+  for (const char c : parameters) {
+    if (c == ';') {
+      numbers.push_back(0);
+    } else {
+      numbers.back() = numbers.back() * 10 + (c - '0');
     }
-    numbers.push_back(number.value_or(0));
-    number.reset();
   }
   numbers.resize(2);
   const int count = std::max(1, numbers[0]);
   const auto from = [&](int column) { return at(row_).begin() + column; };
-  switch (final) {
-    case 'H':
-      row_ = count - 1;
-      column_ = std::max(1, numbers[1]) - 1;
-      break;
-    case 'A':
-      row_ -= count;
-      break;
-    case 'B':
-      row_ += count;
-      break;
-    case 'C':
-      column_ += count;
-      break;
-    case 'D':
-      column_ -= count;
-      break;
-    case 'G':
-      column_ = count - 1;
-      break;
-    case 'd':
-      row_ = count - 1;
-      break;
-    case 'Z':
-      column_ = (column_ - 1) / 8 * 8;
-      break;
-    case 'r':
-      top_ = count - 1;
-      bottom_ = numbers[1] == 0 ? rows() - 1 : numbers[1] - 1;
-      row_ = column_ = 0;
-      break;
-    case 'J':
-      if (numbers[0] == 2) {
-        std::ranges::fill(cells_, blankRow());
-        break;
-      }
-      for (int row = row_ + 1; row < rows(); ++row) at(row) = blankRow();
-      [[fallthrough]];
-    case 'K':
-      if (numbers[0] == 1) {
-        std::fill(from(0), from(column_) + 1, " ");
-      } else {
-        std::fill(from(column_), at(row_).end(), " ");
-      }
-      break;
-    case 'X':
-      std::fill_n(from(column_), std::min(count, columns_ - column_), " ");
-      break;
-    case 'P':
-      at(row_).erase(from(column_), from(column_) + std::min(count, columns_ - column_));
-      at(row_).resize(static_cast<std::size_t>(columns_), " ");
-      break;
-    case '@':
-      at(row_).insert(from(column_), static_cast<std::size_t>(count), " ");
-      at(row_).resize(static_cast<std::size_t>(columns_));
-      break;
-    case 'L':
-    case 'M': {
-      const int top = std::exchange(top_, row_);
-      scroll(final == 'M' ? count : -count);
-      top_ = top;
-      break;
-    }
-    case 'S':
-      scroll(count);
-      break;
-    case 'T':
-      scroll(-count);
-      break;
-    case 'b': {
-      const std::string repeated = last_;
-      for (int i = 0; i < count; ++i) put(decoded(repeated), repeated);
-      break;
-    }
-    default:
-      break;
+  const int inRow = std::min(count, columns_ - column_);
+  if (final == 'A') row_ -= count;
+  if (final == 'B') row_ += count;
+  if (final == 'C') column_ += count;
+  if (final == 'D') column_ -= count;
+  if (final == 'd' || final == 'H') row_ = count - 1;
+  if (final == 'G') column_ = count - 1;
+  if (final == 'H') column_ = std::max(1, numbers[1]) - 1;
+  if (final == 'Z') column_ = (column_ - 1) / 8 * 8;
+  if (final == 'S') scroll(count);
+  if (final == 'T') scroll(-count);
+  if (final == 'X') std::fill_n(from(column_), inRow, " ");
+  if (final == 'P') at(row_).erase(from(column_), from(column_) + inRow);
+  if (final == '@') at(row_).insert(from(column_), static_cast<std::size_t>(count), " ");
+  at(row_).resize(static_cast<std::size_t>(columns_), " ");
+  if (final == 'r') {
+    top_ = count - 1;
+    bottom_ = numbers[1] == 0 ? rows() - 1 : numbers[1] - 1;
+    row_ = column_ = 0;
+  }
+  if (final == 'J' && numbers[0] == 2) {
+    std::ranges::fill(cells_, blankRow());
+  } else if (final == 'J' || final == 'K') {
+    for (int row = row_ + 1; final == 'J' && row < rows(); ++row) at(row) = blankRow();
+    const bool isToTheLeft = final == 'K' && numbers[0] == 1;
+    std::fill(from(isToTheLeft ? 0 : column_), isToTheLeft ? from(column_) + 1 : at(row_).end(), " ");
+  }
+  if (final == 'L' || final == 'M') {
+    const int top = std::exchange(top_, row_);
+    scroll(final == 'M' ? count : -count);
+    top_ = top;
+  }
+  if (final == 'b') {
+    const std::string repeated = last_;
+    for (int i = 0; i < count; ++i) put(decoded(repeated), repeated);
   }
   row_ = std::clamp(row_, 0, rows() - 1);
   column_ = std::clamp(column_, 0, columns_ - 1);
 }
 
-std::string Screen::part(int row, int column, int width) const {
-  const Row& cells = cells_[static_cast<std::size_t>(row)];
+std::string Screen::line(int row) const {
   std::string text;
-  for (int i = column; i < std::min(column + width, columns_); ++i) text += cells[static_cast<std::size_t>(i)];
+  for (const Cell& cell : cells_[static_cast<std::size_t>(row)]) text += cell;
   text.erase(text.find_last_not_of(' ') + 1);
   return text;
 }
-
-std::string Screen::line(int row) const { return part(row, 0, columns_); }
 
 std::vector<int> Screen::columnsOf(int row, std::string_view character) const {
   std::vector<int> columns;

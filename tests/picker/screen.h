@@ -15,8 +15,6 @@ class Screen {
   [[nodiscard]] int rows() const { return static_cast<int>(cells_.size()); }
   // The row's text without trailing blanks; a wide character's second cell adds nothing.
   [[nodiscard]] std::string line(int row) const;
-  // The row's text from that column on, for width columns, without trailing blanks.
-  [[nodiscard]] std::string part(int row, int column, int width) const;
   // The columns in which the row has that character.
   [[nodiscard]] std::vector<int> columnsOf(int row, std::string_view character) const;
   // All rows, for messages.

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <iostream>
+#include <utility>
 
 namespace {
 
@@ -56,14 +57,15 @@ void print(const host::Value& picker, const std::string& event) {
 TEST(WindowEvents, TellWhatTheUserDoes) {
   TerminalSession session(24, 80, [] { return showPicker(print); });
   if (!session.waitFor("Grace Hopper")) GTEST_SKIP() << "there is no window: " << session.screen().text();
-  session.type("\x1bOB\x1bOB");  // Grace; nothing below
-  ASSERT_TRUE(session.waitFor(">*Grace")) << session.screen().text();
-  session.type("\x1bOA\x1bOC\x1bOB");  // Ada, and her other address
-  ASSERT_TRUE(session.waitFor(">*other c@d")) << session.screen().text();
-  session.type("\x10");
-  ASSERT_TRUE(session.waitFor("Phone")) << session.screen().text();
-  session.type("\x1bOD\x1bOD\x1bOB");
-  ASSERT_TRUE(session.waitFor(">*Work")) << session.screen().text();
+  for (const auto& [keys, shown] : {
+           std::pair("\x1bOB\x1bOB", ">*Grace"),  // nothing is below her
+           std::pair("\x1bOA\x1bOC\x1bOB", ">*other c@d"),
+           std::pair("\x10", "Phone"),
+           std::pair("\x1bOD\x1bOD\x1bOB", ">*Work"),
+       }) {
+    session.type(keys);
+    ASSERT_TRUE(session.waitFor(shown)) << session.screen().text();
+  }
   session.type("\r\r");
   EXPECT_EQ(session.finish(), 0);
   EXPECT_EQ(session.output(),
@@ -86,11 +88,7 @@ TEST(WindowEvents, MayHideAndReplaceThePicker) {
       return showPicker([action](const host::Value& picker, const std::string& event) {
         if (event != "NameSelectionChanged") return;
         std::cout << action << '\n';
-        if (std::string(action) == "hide") {
-          picker.set("Visible", false);
-        } else {
-          picker.call("Create");
-        }
+        std::string(action) == "hide" ? picker.set("Visible", false) : void(picker.call("Create"));
       });
     });
     if (!session.waitFor("Grace Hopper")) GTEST_SKIP() << "there is no window: " << session.screen().text();
