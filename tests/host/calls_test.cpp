@@ -148,7 +148,7 @@ TEST_F(Calls, ReturnEveryKind) {
   EXPECT_EQ(host_.shared("TestDerived", "twice", 21), 42);
 }
 
-TEST_F(Calls, ChooseTheNearestOverload) {
+TEST_F(Calls, ChooseTheNearestOverloadAndWidenNumbers) {
   const Value object = host_.make("TestBase");
   const auto chosen = [&](const Value& argument) {
     object.call("overloaded", argument);
@@ -159,6 +159,13 @@ TEST_F(Calls, ChooseTheNearestOverload) {
   EXPECT_EQ(chosen(host_.make("TestBase")), "base");
   EXPECT_EQ(chosen(host_.make("TestDerived")), "derived");
   EXPECT_EQ(chosen(2.5), "variant");
+  // Numbers that fit are widened.
+  object.call("narrow", std::int64_t{4'294'967'295});
+  EXPECT_EQ(said, "4294967295 ");
+  object.call("real", 3);
+  EXPECT_EQ(said, "3 ");
+  object.call("text", nullptr);
+  EXPECT_EQ(said, "string");
 }
 
 TEST_F(Calls, NameWhatDoesNotFit) {
@@ -179,16 +186,6 @@ TEST_F(Calls, NameWhatDoesNotFit) {
             "host: TestBase.twice: argument 1 is Boolean, declared integer");
   EXPECT_EQ(thrownBy([&] { host_.shared("Unheard", "twice", 1); }), "host: no class Unheard");
   EXPECT_EQ(thrownBy([&] { Value(1).call("text"); }), "host: text: called on a value that is Integer");
-}
-
-TEST_F(Calls, WidenNumbersThatFit) {
-  const Value object = host_.make("TestBase");
-  object.call("narrow", std::int64_t{4'294'967'295});
-  EXPECT_EQ(said, "4294967295 ");
-  object.call("real", 3);
-  EXPECT_EQ(said, "3 ");
-  object.call("text", nullptr);
-  EXPECT_EQ(said, "string");
 }
 
 TEST_F(Calls, GiveAVariablesOwnReferenceAwayAndAssign) {

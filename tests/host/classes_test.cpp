@@ -1,6 +1,5 @@
 #include "host/classes.h"
 
-#include "host/describe.h"
 #include "host/error.h"
 #include "host/events.h"
 #include "host/objects.h"
@@ -12,7 +11,6 @@
 #include <cstdint>
 #include <iterator>
 #include <string>
-#include <vector>
 
 // Classes as a plug-in registers them, used through the host's services.
 namespace {
@@ -144,18 +142,6 @@ TEST_F(Classes, RefuseWhatDoesNotFitAProperty) {
             "host: class TestDerived has no readable property Right");
 }
 
-TEST_F(Classes, AreToldApartByReference) {
-  auto* classRef = entry<REALclassRef(const char*)>("pluginObjectType");
-  auto* isA = entry<bool(REALobject, REALclassRef)>("RuntimeObjectIsa");
-  const ObjectRef instance = newInstance("TestBase");
-  EXPECT_TRUE(isA(instance.get(), classRef("TestBase")));
-  EXPECT_FALSE(isA(instance.get(), classRef("TestDerived")));
-  EXPECT_TRUE(isA(newInstance("TestDerived").get(), classRef("TestBase")));
-  EXPECT_FALSE(isA(nullptr, classRef("TestBase")));
-  EXPECT_EQ(classRef("Unheard"), nullptr);
-  EXPECT_FALSE(newInstance("Unheard"));
-}
-
 TEST_F(Classes, FindMethodsByDeclaration) {
   auto* load = entry<void*(REALobject, const char*)>("REALLoadObjectMethod");
   const ObjectRef instance = newInstance("TestDerived");
@@ -175,15 +161,6 @@ TEST_F(Classes, AreLeftOutWhenTheirTablesAreWrong) {
   EXPECT_EQ(host::findClass("Unread"), nullptr);
   EXPECT_EQ(host::findClass("Orphan"), nullptr);
   EXPECT_EQ(host::findClass("TestBase")->definition, &base);
-}
-
-TEST_F(Classes, AreDescribedAsTheyWereRead) {
-  const host::ClassDescription description = host::describe("TestDerived");
-  EXPECT_EQ(description.superName, "TestBase");
-  EXPECT_EQ(description.methods, std::vector<std::string>{"Rank As Integer"});
-  EXPECT_EQ(description.properties, (std::vector<std::string>{"Left As Single", "Own As Int32 (read-only)"}));
-  EXPECT_EQ(host::describe("TestBase").constants, std::vector<std::string>{"kMask = 255"});
-  EXPECT_EQ(host::describe("TestBase").events.size(), 1U);
 }
 
 // What a plug-in does to raise an event.

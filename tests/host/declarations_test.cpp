@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -42,13 +41,6 @@ TEST(Declarations, AreTheSameWhateverTheirParametersAreCalled) {
   EXPECT_FALSE(same("Value(key As Variant) As Variant", "Value(key As Variant)"));
   EXPECT_FALSE(same("list(a() as string)", "list(a as string)"));
   EXPECT_FALSE(same("change(byref a as Integer)", "change(a as Integer)"));
-}
-
-TEST(Declarations, ReadConstantsInBothNotations) {
-  EXPECT_EQ(host::parseConstant("kABMultiValueMask = &h100").value, 0x100);
-  EXPECT_EQ(host::parseConstant("kABNameOrderingMask = &h38").name, "kABNameOrderingMask");
-  EXPECT_EQ(host::parseConstant("ABAddRecordsError = 1001").value, 1001);
-  EXPECT_EQ(host::parseConstant("minus = -5").value, -5);
 }
 
 TEST(Declarations, SayWhereTheyAreWrong) {

@@ -1,6 +1,5 @@
 #include "host/strings.h"
 
-#include "platform/foundation/cf_string.h"
 #include "tests/host/entry.h"
 #include "tests/kit/host.h"
 
@@ -84,29 +83,6 @@ TEST_F(Strings, AreNilWithoutBytes) {
       entry<void*(void*, const char*)>("REALLoadGlobalMethod")(nullptr, "LenB( s as string ) as integer"));
   EXPECT_EQ(lenB(nullptr), 0);
   EXPECT_EQ(lenB(buildString("ä", 2, kEncodingUTF8).get()), 2);
-}
-
-TEST_F(Strings, HandOutTheirBytesInAnEncoding) {
-  auto* get = entry<bool(REALstring, std::uint32_t, REALstringData*)>("PluginGetStringData");
-  auto* dispose = entry<void(REALstringData*)>("PluginDisposeStringData");
-  const StringRef string = buildString("ä", 2, kEncodingUTF8);
-  REALstringData data{};
-  ASSERT_TRUE(get(string.get(), kEncodingUTF16, &data));
-  EXPECT_EQ(data.length, 2U);
-  EXPECT_EQ(data.encoding, kEncodingUTF16);
-  dispose(&data);
-  ASSERT_TRUE(get(string.get(), kEncodingAsStored, &data));
-  EXPECT_EQ(std::string(static_cast<char*>(data.data), data.length), "ä");
-  dispose(&data);
-  EXPECT_FALSE(get(buildString("\xFF", 1, kEncodingUTF8).get(), kEncodingUTF16, &data));
-}
-
-TEST_F(Strings, GiveAnOwnedCoreFoundationString) {
-  const StringRef string = buildString("a\0b", 3, kEncodingUTF8);
-  CFStringRef text = entry<CFStringRef(REALstring, bool)>("REALGetStringCFString")(string.get(), false);
-  EXPECT_EQ(CFStringGetLength(text), 3);
-  EXPECT_EQ(host::bytesOf(StringRef::adopt(host::newString(text)).get()), "a\0b"sv);
-  CFRelease(text);
 }
 
 }  // namespace

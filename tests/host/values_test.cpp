@@ -2,7 +2,6 @@
 #include "host/dates.h"
 #include "host/dictionaries.h"
 #include "host/folder_items.h"
-#include "host/memory_blocks.h"
 #include "host/variants.h"
 #include "tests/host/entry.h"
 #include "tests/kit/host.h"
@@ -10,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstring>
 #include <fstream>
 #include <limits>
 #include <string>
@@ -19,7 +17,6 @@
 // Variants, arrays and the host's own classes, through the services and methods that a plug-in uses.
 namespace {
 
-using host::array;
 using host::ElementType;
 using host::ObjectRef;
 using host::Value;
@@ -42,53 +39,8 @@ class Values : public ::testing::Test {
   Host host_{.plugin = false};
 };
 
-template <class Scalar>
-ObjectRef variant(const char* service, Scalar value) {
-  return ObjectRef::adopt(entry<REALvariant(Scalar)>(service)(value));
-}
-
-TEST_F(Values, InVariantsHaveTheirTypesCodes) {
-  auto* varType = reinterpret_cast<std::int32_t (*)(REALvariant)>(
-      entry<void*(void*, const char*)>("REALLoadGlobalMethod")(nullptr, "VarType(value As Variant) As Int32"));
-  const Value string = "text";
-  const std::pair<ObjectRef, std::int32_t> cases[] = {
-      {variant<std::int32_t>("Int32ToVariant", 1), 2},
-      {variant<std::uint32_t>("UInt32ToVariant", 1), 3},
-      {variant<std::int64_t>("Int64ToVariant", 1), 3},
-      {variant<std::uint64_t>("UInt64ToVariant", 1), 3},
-      {variant<float>("SingleToVariant", 1), 4},
-      {variant<double>("DoubleToVariant", 1), 5},
-      {variant<REALstring>("StringToVariant", string.string()), 8},
-      {variant<bool>("BooleanToVariant", true), 11},
-      {ObjectRef::share(host::date(2012, 7, 14).object()), 7},
-      {ObjectRef::share(host::dictionary({}).object()), 9},
-      {ObjectRef::share(array(ElementType::int32, {1}).object()), 0x1002},
-      {ObjectRef::share(array(ElementType::int64, {1}).object()), 0x1003},
-      {ObjectRef::share(array(ElementType::single, {1}).object()), 0x1004},
-      {ObjectRef::share(array(ElementType::real, {1}).object()), 0x1005},
-      {ObjectRef::share(array(ElementType::date, {host::date(1, 1, 1)}).object()), 0x1007},
-      {ObjectRef::share(array(ElementType::string, {"a"}).object()), 0x1008},
-      {ObjectRef::share(array(ElementType::object, {1}).object()), 0x1009},
-      {ObjectRef::share(array(ElementType::boolean, {true}).object()), 0x100B},
-      {ObjectRef::share(host::variantOfType(6, 1).object()), 6},
-      {ObjectRef(), 0},
-  };
-  for (const auto& [held, code] : cases) {
-    EXPECT_EQ(varType(held.get()), code);
-    if (!held) continue;
-    EXPECT_EQ(read<std::int32_t>("REALGetPropValueInt", Value(held), "Type"), code);
-  }
-}
-
-TEST_F(Values, ComeBackFromVariantsAsTheyWent) {
+TEST_F(Values, ThatAreObjectsAreTheirOwnVariants) {
   const Value date = host::date(2012, 7, 14);
-  for (const Value& value :
-       {Value(-1), Value(0xFFFFFFFFU), Value(std::numeric_limits<std::int64_t>::min()),
-        Value(std::numeric_limits<std::uint64_t>::max()), Value(0.5F), Value(0.1), Value(true), Value("text"), date}) {
-    const Value back = host::fromVariant(ObjectRef::adopt(host::newVariant(value)));
-    EXPECT_EQ(back, value);
-    EXPECT_EQ(back.typeName(), value.typeName());
-  }
   EXPECT_EQ(readObject(date, "DateValue"), date);
   const Value dictionary = host::dictionary({});
   EXPECT_EQ(readObject(dictionary, "ObjectValue"), dictionary);
@@ -198,21 +150,6 @@ TEST_F(Values, AreKeptInDictionariesInOrder) {
   EXPECT_EQ(dictionary.call("Key", 0), 2);
   EXPECT_EQ(thrownBy([&] { dictionary.call("Key", 1); }),
             "OutOfBoundsException: The dictionary has no key at that index.");
-}
-
-TEST_F(Values, InMemoryBlocksAreBytes) {
-  auto* create = entry<REALmemoryBlock(REALinteger)>("newMemoryBlock");
-  auto* address = entry<void*(REALmemoryBlock)>("memoryBlockGetPtr");
-  const Value block = Value::adopt(create(3));
-  auto* raw = static_cast<REALmemoryBlock>(block.object());
-  std::memcpy(address(raw), "abc", 3);
-  EXPECT_EQ(host::bytesOf(block), "abc");
-  EXPECT_EQ(entry<REALinteger(REALmemoryBlock)>("memoryBlockGetSize")(raw), 3);
-  EXPECT_EQ(host::newObject("MemoryBlock", 5).get("Size"), 5);
-  EXPECT_EQ(create(-1), nullptr);
-  // Made by a plug-in by name, without a constructor.
-  const auto bare = ObjectRef::adopt(entry<REALobject(const char*)>("PluginNewInstance")("MemoryBlock"));
-  EXPECT_EQ(address(static_cast<REALmemoryBlock>(bare.get())), nullptr);
 }
 
 // How they are handed to a plug-in, and found by it, is seen in the tests of what uses them there.
