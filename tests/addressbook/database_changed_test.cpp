@@ -131,18 +131,6 @@ TEST(DatabaseChanged, HasEmptyListsForWhatTheFrameworkLeavesOut) {
   EXPECT_EQ(heardNow(), std::vector<std::string>{"external [] [] []"});
 }
 
-TEST(DatabaseChanged, IsNotToldOnceTheObjectIsGone) {
-  const Host host{.contacts = kContacts};
-  host::handleClassEvent(kBook, kEvent, listen);
-  Value book = host.make(kBook);
-  const Value shared = bookOf(host);  // tells as well
-  change(shared);
-  EXPECT_EQ(heardNow().size(), 2U);
-  book = nullptr;
-  change(shared);
-  EXPECT_EQ(heardNow().size(), 1U);
-}
-
 TEST(DatabaseChanged, MayDestroyTheObjectsThatAreTold) {
   static Value first;
   static Value second;

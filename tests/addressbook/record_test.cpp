@@ -79,6 +79,9 @@ TEST(Record, LeavesWhatIsUnknownToTheFramework) {
 
 TEST(Record, IsMadeWithOrWithoutABook) {
   const Host host{.contacts = kContacts};
+  for (const char* className : {"ABRecordVXR", "ABMultiValueVXR", "ABSearchElementVXR"}) {
+    EXPECT_EQ(host.make(className).get("Handle"), 0) << className;  // the framework makes these
+  }
   const Value book = bookOf(host);
   for (const auto& [className, list] : {std::pair("ABPersonVXR", "people"), {"ABGroupVXR", "groups"}}) {
     EXPECT_NE(host.make(className).get("Handle"), 0);

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -53,16 +54,16 @@ TEST(PluginEntry, RegistersItsVersionAndThenTheClassesSuperclassesFirst) {
     const char* name;
     const char* superName;
     bool ownsData;
-    Word properties, methods, events, constants, sharedMethods, flags;
+    std::array<Word, 6> members;  // properties, methods, events, constants, shared methods; and flags
   } rows[] = {
-      {"ABSearchElementVXR", nullptr, true, 1, 3, 0, 2, 1, 4},
-      {"ABRecordVXR", nullptr, true, 1, 9, 0, 0, 0, 4},
-      {"ABPersonVXR", "ABRecordVXR", false, 0, 11, 0, 0, 6, 4},
-      {"ABMultiValueVXR", nullptr, true, 1, 14, 0, 0, 0, 4},
-      {"ABMutableMultiValueVXR", "ABMultiValueVXR", false, 0, 8, 0, 0, 0, 4},
-      {"ABGroupVXR", "ABRecordVXR", false, 0, 10, 0, 0, 6, 4},
-      {"ABPickerVXR", nullptr, true, 12, 23, 6, 0, 0, 0x100000},
-      {"ABAddressBookVXR", nullptr, true, 1, 24, 1, 59, 120, 4},
+      {"ABSearchElementVXR", nullptr, true, {1, 3, 0, 2, 1, 4}},
+      {"ABRecordVXR", nullptr, true, {1, 9, 0, 0, 0, 4}},
+      {"ABPersonVXR", "ABRecordVXR", false, {0, 11, 0, 0, 6, 4}},
+      {"ABMultiValueVXR", nullptr, true, {1, 14, 0, 0, 0, 4}},
+      {"ABMutableMultiValueVXR", "ABMultiValueVXR", false, {0, 8, 0, 0, 0, 4}},
+      {"ABGroupVXR", "ABRecordVXR", false, {0, 10, 0, 0, 6, 4}},
+      {"ABPickerVXR", nullptr, true, {12, 23, 6, 0, 0, 0x100000}},
+      {"ABAddressBookVXR", nullptr, true, {1, 24, 1, 59, 120, 4}},
   };
   EXPECT_EQ(version, 9U);
   EXPECT_EQ(AddressbookFramework, nullptr);  // this host is a development environment
@@ -77,17 +78,14 @@ TEST(PluginEntry, RegistersItsVersionAndThenTheClassesSuperclassesFirst) {
     EXPECT_EQ(definition.dataSize, expected.ownsData ? 16u : 0u);
     EXPECT_EQ(definition.constructor != nullptr, expected.ownsData);
     EXPECT_EQ(definition.destructor != nullptr, expected.ownsData);
-    EXPECT_EQ(definition.propertyCount, expected.properties);
-    EXPECT_EQ(definition.methodCount, expected.methods);
-    EXPECT_EQ(definition.eventCount, expected.events);
-    EXPECT_EQ(definition.constantCount, expected.constants);
-    EXPECT_EQ(definition.sharedMethodCount, expected.sharedMethods);
-    EXPECT_EQ(definition.flags, expected.flags);
-    for (Word i = 0; i < definition.propertyCount; ++i) EXPECT_EQ(definition.properties[i].flags, expected.flags | 2);
+    EXPECT_EQ((std::array{definition.propertyCount, definition.methodCount, definition.eventCount,
+                          definition.constantCount, definition.sharedMethodCount, definition.flags}),
+              expected.members);
+    for (Word i = 0; i < definition.propertyCount; ++i) EXPECT_EQ(definition.properties[i].flags, definition.flags | 2);
     for (Word i = 0; i < definition.methodCount; ++i) {
       const REALmethodDefinition& method = definition.methods[i];
       EXPECT_NE(method.function, nullptr);
-      EXPECT_TRUE(method.flags == expected.flags || (i == 0 && method.flags == 0x84)) << method.declaration;
+      EXPECT_TRUE(method.flags == definition.flags || (i == 0 && method.flags == 0x84)) << method.declaration;
     }
   }
 }
