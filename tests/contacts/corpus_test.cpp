@@ -47,7 +47,7 @@ TEST_F(Corpus, IsAFolder) {
   }
   const ABAddressBook book = ABAddressBook::addressBook();
   EXPECT_EQ(book.groups().count(), 2U);
-  EXPECT_EQ(book.people().count(), 117U);
+  EXPECT_EQ(book.people().count(), 119U);
   auto membersOf = [&](NSString id) {
     std::string names;
     for (const ABRecord member : each(book.recordForUniqueId(id).as<ABGroup>().members())) {

@@ -1,8 +1,4 @@
-#include "platform/contacts/address_book.h"
-#include "platform/foundation/autorelease_pool.h"
-#include "tests/contacts/shown.h"
-
-#include <gtest/gtest.h>
+#include "tests/contacts/book_test.h"
 
 #include <string>
 
@@ -38,17 +34,12 @@ TEST(Localization, NamesEveryBuiltInPropertyLabelAndAddressKey) {
       {kABMiddleNamePhoneticProperty, "Phonetic Middle"},
       {kABAddressZIPKey, "ZIP"},
       {kABInstantMessageServiceGoogleTalk, "Google Talk"},
+      {"home"_ns, "home"},
+      {"_$!<Boat>!$_"_ns, "_$!<Boat>!$_"},
   };
   for (const auto& [text, expected] : rows) EXPECT_EQ(localized(text), expected);
-}
-
-TEST(Localization, LeavesOtherTextsAlone) {
-  const AutoreleasePool pool;
   const NSString boat = "boat"_ns;
   EXPECT_EQ(ABLocalizedPropertyOrLabel(boat.get()), boat.get());
-  EXPECT_EQ(localized("home"_ns), "home");
-  EXPECT_EQ(localized("_$!<Boat>!$_"_ns), "_$!<Boat>!$_");
-  EXPECT_EQ(localized(""_ns), "");
   EXPECT_EQ(ABLocalizedPropertyOrLabel(nullptr), nullptr);
 }
 

@@ -59,15 +59,13 @@ TEST_F(Save, KeepsWhatWasChanged) {
     EXPECT_FALSE(book.hasUnsavedChanges());
     EXPECT_NE(shown(added, "Creation"), "nil");
     EXPECT_EQ(shown(added, "Creation"), shown(added, "Modification"));
-    EXPECT_EQ(shown(personNamed(book, "Berg"), "First"), "Anna");
   });
   inChild([&] {
     const ABAddressBook book = ABAddressBook::sharedAddressBook();
     EXPECT_EQ(lastNames(book), "Adams Berg");
-    EXPECT_EQ(shown(personNamed(book, "Berg"), "First"), "Anna");
-    const std::string uid = shown(personNamed(book, "Adams").uniqueId());
-    EXPECT_EQ(filesIn(folder_.path()),
-              (std::vector<std::string>{".addressbook", uid.substr(0, uid.find(':')) + ".vcf", "b.vcf"}));
+    EXPECT_EQ(shown(personIn(book, "b"), "First"), "Anna");
+    const std::string file = uids(book.people()).substr(0, 36) + ".vcf";
+    EXPECT_EQ(filesIn(folder_.path()), (std::vector<std::string>{".addressbook", file, "b.vcf"}));
   });
   EXPECT_NE(bytesOf(folder_.path() / "b.vcf").find("X-OTHER:kept\r\n"), std::string::npos);
   EXPECT_EQ(filesIn(folder_.path() / ".addressbook"), (std::vector<std::string>{"lock"}));
