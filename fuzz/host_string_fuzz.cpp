@@ -7,16 +7,13 @@
 #include "fuzz/samples.h"
 #include "fuzz/started_host.h"
 #include "fuzz/target.h"
-#include "host/arrays.h"
 #include "host/strings.h"
 #include "platform/contacts/vcard/charset.h"
 #include "platform/objc/retained.h"
 
-#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -131,26 +128,6 @@ void expectBuilt(std::string_view bytes, std::uint32_t encoding) {
   if (built) expect(host::encodingOf(built.get()) == (isConverted ? kEncodingUTF8 : encoding), "its encoding");
 }
 
-void expectArrays(std::string_view bytes) {
-  std::vector<host::Value> strings;
-  std::vector<host::Value> expected;
-  while (!bytes.empty()) {
-    const std::string_view line = bytes.substr(0, bytes.find('\n'));
-    bytes.remove_prefix(std::min(bytes.size(), line.size() + 1));
-    strings.emplace_back(line);
-    std::string_view text = cutAtZero(line);
-    if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
-    if (!line.empty() && vcard::isValidUtf8(text)) expected.emplace_back(text);
-  }
-  const host::Value array = host::stringArray(strings);
-  const host::Value filled = host::stringArray({});
-  const auto handle = [](const host::Value& value) {
-    return static_cast<REALstringArray>(static_cast<REALarray>(value.object()));
-  };
-  FillStringArray(handle(filled), CreateNSStringArray(handle(array), 0));
-  expect(filled.elements() == expected, "the strings of an array");
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -167,7 +144,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       expectBack(converted);
       expectBuilt(bytes, encoding);
     }
-    expectArrays(bytes);
     return "";
   });
   expect(!outcome.hasRaised, "strings raise nothing");
