@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -41,11 +42,7 @@ constexpr const char* kMiddleEurope = "CET-1CEST,M3.5.0,M10.5.0/3";
 TEST(Dates, AreWallClockTimesOfTheLocalTimeZone) {
   setTimeZone(kMiddleEurope);
   const Host host{};
-  struct Case {
-    Fields fields;
-    NSTimeInterval sinceReferenceDate;
-  };
-  for (const Case& given : std::vector<Case>{
+  for (const auto& [fields, sinceReferenceDate] : std::vector<std::pair<Fields, NSTimeInterval>>{
            {{2012, 7, 14, 9, 5, 7}, 363942307},
            {{2001, 1, 1, 0, 59, 59}, -1},
            {{1969, 12, 31, 23, 59, 59}, -978310801},
@@ -55,17 +52,13 @@ TEST(Dates, AreWallClockTimesOfTheLocalTimeZone) {
            {{9999, 12, 31, 23, 59, 59}, 252423989999},
            {{2012, 10, 28, 2, 30, 0}, 373077000},  // the first of the two
        }) {
-    const host::Value date = hostDate(given.fields);
+    const host::Value date = hostDate(fields);
     const NSDate converted = NewNSDate(date.object());
     ASSERT_TRUE(converted.isKindOfClass("NSCalendarDate"_class)) << shown(date);
-    EXPECT_EQ(converted.timeIntervalSinceReferenceDate(), given.sinceReferenceDate) << shown(date);
+    EXPECT_EQ(converted.timeIntervalSinceReferenceDate(), sinceReferenceDate) << shown(date);
     EXPECT_EQ(shown(take(NSDateRB(converted))), shown(date));
   }
-}
-
-TEST(Dates, RollOverFieldsOutOfRangeAndSkippedTimes) {
-  setTimeZone(kMiddleEurope);
-  const Host host{};
+  // Fields out of range and skipped times roll over.
   const auto roundTrip = [](const Fields& fields) {
     return shown(take(NSDateRB(NewNSDate(hostDate(fields).object()))));
   };
@@ -82,10 +75,6 @@ TEST(Dates, DropTheFractionOfASecondDownwards) {
   EXPECT_EQ(shownDate(363949507.9), "Date 2012-07-14 09:05:07");
   EXPECT_EQ(shownDate(-0.1), "Date 2000-12-31 23:59:59");
   EXPECT_EQ(shownDate(-978307200.5), "Date 1969-12-31 23:59:59");
-}
-
-TEST(Dates, OfAnyIntervalHaveFields) {
-  const Host host{};
   for (const NSTimeInterval seconds : {1e300, -1e300, std::nan("")}) EXPECT_NE(shownDate(seconds), "Nil") << seconds;
 }
 
@@ -102,10 +91,8 @@ TEST(Dates, AreNothingWithoutEachOfTheirFields) {
   EXPECT_EQ(shown(NewNSDateFromVariant(date.object())), "date 2012-7-14 9:5:7");
   host::options().without = {"Variant.DateValue"};
   EXPECT_FALSE(NewNSDateFromVariant(date.object()));
-}
+  host::options().without = {};
 
-TEST(Dates, AreNothingForNothing) {
-  const Host host{};
   EXPECT_FALSE(NewNSDate(nullptr));
   EXPECT_FALSE(NewNSDateFromVariant(variantOf(5).get()));
   EXPECT_FALSE(NewNSDate(host.make("Dictionary").object()));

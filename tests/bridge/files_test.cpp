@@ -2,7 +2,6 @@
 
 #include "frame/host_ref.h"
 #include "host/folder_items.h"
-#include "host/strings.h"
 #include "platform/carbon/files.h"
 #include "platform/foundation/cf_url.h"
 #include "tests/bridge/shown_values.h"
@@ -11,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -28,12 +29,8 @@ std::filesystem::path pathBack(NSURL url) { return host::pathOf(host::Value::ado
 
 void touch(const std::filesystem::path& path) { std::ofstream(path) << "text"; }
 
-struct Named {
-  std::string name;
-  std::string escaped;  // in a URL
-};
-
-const std::vector<Named> kNames{
+// And how they are escaped in a URL.
+const std::vector<std::pair<std::string, std::string>> kNames{
     {"plain.txt", "plain.txt"},
     {"a b%20#?.txt", "a%20b%2520%23%3F.txt"},
     {kDecomposed, "Zoe%CC%88.txt"},
@@ -45,40 +42,37 @@ const std::vector<Named> kNames{
 
 }  // namespace
 
-TEST(Files, ThatExistKeepTheirNamesBothWays) {
+TEST(Files, KeepTheirNamesBothWaysWhetherOrNotTheyExist) {
   const Host host{};
-  for (const Named& named : kNames) {
-    const auto path = host.folder() / named.name;
-    touch(path);
-    const NSURL converted = urlOf(host::folderItem(path));
-    EXPECT_EQ(shown(converted), "file://" + host.folder().native() + "/" + named.escaped);
-    EXPECT_EQ(pathBack(converted), path);
+  const std::string folder = "file://" + host.folder().native() + "/";
+  for (const bool exists : {false, true}) {
+    for (const auto& [name, escaped] : kNames) {
+      const auto path = host.folder() / name;
+      if (exists) touch(path);
+      const NSURL converted = urlOf(host::folderItem(path));
+      EXPECT_EQ(shown(converted), folder + escaped);
+      EXPECT_EQ(pathBack(converted), path);
+    }
   }
-  // Written composed on disk, and found again there.
   std::filesystem::remove(host.folder() / kDecomposed);
+  EXPECT_EQ(urlText(host.folder() / kComposed), folder + "Zoe%CC%88.txt");
+  EXPECT_EQ(pathBack(url(folder + "Zo%C3%AB.txt")), host.folder() / kDecomposed);
+  // Written composed on disk, and found again there.
   touch(host.folder() / kComposed);
   EXPECT_EQ(pathBack(urlOf(host::folderItem(host.folder() / kComposed))), host.folder() / kComposed);
 }
 
-TEST(Files, ThatDoNotExistAreNamesInTheirFolder) {
-  const Host host{};
-  for (const Named& named : kNames) {
-    const auto path = host.folder() / named.name;
-    const NSURL converted = urlOf(host::folderItem(path));
-    EXPECT_EQ(shown(converted), "file://" + host.folder().native() + "/" + named.escaped);
-    EXPECT_EQ(pathBack(converted), path);
-  }
-  EXPECT_EQ(urlText(host.folder() / kComposed), "file://" + host.folder().native() + "/Zoe%CC%88.txt");
-  EXPECT_EQ(pathBack(url("file://" + host.folder().native() + "/Zo%C3%AB.txt")), host.folder() / kDecomposed);
-}
-
-TEST(Files, ThatAreFoldersEndInASlash) {
+TEST(Files, ThatAreFoldersOrTheRootEndInASlash) {
   const Host host{};
   std::filesystem::create_directory(host.folder() / "folder");
   const std::string text = "file://" + host.folder().native() + "/folder";
   EXPECT_EQ(urlText(host.folder() / "folder"), text + "/");
   EXPECT_EQ(pathBack(url(text + "/")), host.folder() / "folder");
   EXPECT_EQ(pathBack(url(text)), host.folder() / "folder");
+  for (const auto& [path, root] : {std::pair("/", "file:///"), std::pair("/no-such-item", "file:///no-such-item")}) {
+    EXPECT_EQ(urlText(path), root);
+    EXPECT_EQ(pathBack(url(root)), path);
+  }
 }
 
 TEST(Files, WithLongNamesAreCutTo255UnitsOfTheDecomposedName) {
@@ -103,34 +97,15 @@ TEST(Files, WithoutAFolderAreNothing) {
   EXPECT_FALSE(urlOf(host::Value::adopt(REALnewInstance("FolderItem"))));  // is nowhere
   EXPECT_EQ(CFURL2RBFile(nullptr), nullptr);
   EXPECT_EQ(NSURLRBFile(nullptr), nullptr);
-  EXPECT_EQ(NSURLRBFile(url("file://" + host.folder().native() + "/missing/file")), nullptr);
+  EXPECT_EQ(NSURLRB(nullptr), nullptr);
+  EXPECT_EQ(NSURLRBFile(url("http://example.com/a%20b?c#d")), nullptr);
   EXPECT_EQ(REALFolderItemFromFSRef(FSRef{}), nullptr);
-}
-
-TEST(Files, HaveNamesThatStayInTheirFolder) {
-  const Host host{};
+  // Names stay in their folder.
   const std::string folder = "file://" + host.folder().native() + "/";
-  for (const char* name : {"%00b", "a%00", "%2E%2E%2Fx", "a%2Fb"}) {
+  for (const char* name : {"missing/file", "%00b", "a%00", "%2E%2E%2Fx", "a%2Fb"}) {
     EXPECT_EQ(NSURLRBFile(url(folder + name)), nullptr) << name;
   }
   EXPECT_FALSE(urlOf(host::folderItem(host.folder() / std::string("\0b", 2))));
-}
-
-TEST(Files, OfTheWebAreTextAlone) {
-  const Host host{};
-  for (const char* text : {"http://example.com/a%20b?c#d", "mailto:a@example.com", "http://example.com"}) {
-    EXPECT_EQ(NSURLRBFile(url(text)), nullptr) << text;
-    EXPECT_EQ(host::Value::adopt(NSURLRB(url(text))), text);
-  }
-  EXPECT_EQ(NSURLRB(nullptr), nullptr);
-}
-
-TEST(Files, InTheRootFolderAndTheRootFolderItself) {
-  const Host host{};
-  EXPECT_EQ(urlText("/"), "file:///");
-  EXPECT_EQ(pathBack(url("file:///")), "/");
-  EXPECT_EQ(pathBack(url("file:///no-such-item")), "/no-such-item");
-  EXPECT_EQ(urlText("/no-such-item"), "file:///no-such-item");
 }
 
 TEST(Files, NeedTheSpecificationForTheRootFolderAlone) {

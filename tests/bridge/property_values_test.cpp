@@ -1,14 +1,11 @@
 #include "bridge/property_values.h"
 
 #include "bridge/instance_registry.h"
-#include "bridge/wrappers.h"
 #include "frame/host_ref.h"
-#include "host/arrays.h"
-#include "host/dictionaries.h"
 #include "host/entries.h"
 #include "platform/contacts/address_book.h"
 #include "platform/contacts/constants.h"
-#include "platform/foundation/date_components.h"
+#include "platform/contacts/multi_value.h"
 #include "platform/objc/retained.h"
 #include "tests/bridge/shown_values.h"
 #include "tests/kit/host.h"
@@ -16,19 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <vector>
-
-namespace {
-
-std::string shownValue(const host::Value& value) {
-  const auto variant = variantOf(value);
-  return shown(NewValue(variant.get(), kABStringProperty));
-}
-
-Retained<ABMutableMultiValue> multiValue() {
-  return Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
-}
-
-}  // namespace
 
 TEST(PropertyValues, ReachTheHostByKind) {
   const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
@@ -65,7 +49,7 @@ TEST(PropertyValues, ReachTheHostByKind) {
 TEST(PropertyValues, OfMultiValuesAreTheirOneWrapper) {
   const Host host{};
   CocoaInit();
-  const auto values = multiValue();
+  const auto values = Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
   {
     const host::Value first = take(GetValue(values.get(), kABMultiStringProperty));
     const host::Value second = take(GetValue(values.get(), kABMultiStringProperty));
@@ -77,47 +61,4 @@ TEST(PropertyValues, OfMultiValuesAreTheirOneWrapper) {
   EXPECT_EQ(FindInstance(values.get()), nullptr);
   host::failNewInstance(1);
   EXPECT_EQ(GetValue(values.get(), kABMultiStringProperty), nullptr);
-}
-
-TEST(PropertyValues, ReachTheFrameworkByTypeCode) {
-  const Host host{.contacts = {person("Ada", "Lovelace", "p1")}};
-  const auto people = host.shared("ABAddressBookVXR", "sharedAddressbook").call("people");
-  struct Case {
-    host::Value value;
-    std::string expected;
-  };
-  for (const Case& given : std::vector<Case>{
-           {5, "l 5"},
-           {std::int64_t{1} << 40, "q 1099511627776"},
-           {2.5F, "f 2.5"},
-           {2.25, "d 2.25"},
-           {true, "l 1"},
-           {host::variantOfType(11, 256), "l 256"},
-           {host::variantOfType(16, 7), "l 7"},
-           {"Zoë", "'Zoë'"},
-           {"", "nil"},
-           {host::date(2012, 7, 14, 9, 5, 7), "date 2012-7-14 9:5:7"},
-           {host::memoryBlock("abc"), "data abc"},
-           {host::memoryBlock(""), "nil"},
-           {host::dictionary({{"key", ""}}), "{'key'=''}"},
-           {people.at(0), "nil"},
-           {host.make("ABPersonVXR"), "nil"},
-           {host.make("ABMutableMultiValueVXR"), "ABMutableMultiValue"},
-           {host::Value::adopt(REALnewInstance("ABMultiValueVXR")), "nil"},  // wraps nothing
-           // Objects that hold no framework object.
-           {host::folderItem("/"), "nil"},
-           {host::Value::adopt(REALnewInstance("RuntimeException")), "nil"},
-           {host::Value::adopt(REALnewInstance("NSRectVXR")), "nil"},
-           {host::stringArray({"a"}), "nil"},
-           {host::variantOfType(6, 1), "nil"},
-           {nullptr, "nil"},
-       }) {
-    EXPECT_EQ(shownValue(given.value), given.expected);
-  }
-  EXPECT_FALSE(NewValue(nullptr, kABStringProperty));
-}
-
-TEST(PropertyValues, OfObjectsNeedTheHostsProperty) {
-  const Host host{.without = {"Variant.ObjectValue"}};
-  EXPECT_EQ(shownValue(host::memoryBlock("abc")), "nil");
 }

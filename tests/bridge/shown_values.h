@@ -12,10 +12,18 @@
 #include "platform/foundation/number.h"
 #include "platform/foundation/url.h"
 
+#include <initializer_list>
 #include <sstream>
 #include <string>
+#include <utility>
 
 // Values of both sides as the tables of the tests write them.
+
+inline NSDictionary dictionaryOf(std::initializer_list<std::pair<NSObject, NSObject>> entries) {
+  auto dictionary = NSMutableDictionary::dictionary();
+  for (const auto& [key, value] : entries) dictionary.setObject(value, key);
+  return dictionary;
+}
 
 // What a conversion answered, its reference taken over.
 inline host::Value take(REALvariant variant) { return host::fromVariant(host::ObjectRef::adopt(variant)); }

@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-using namespace std::string_literals;
+using namespace std::literals;
 
 namespace {
 
@@ -33,22 +33,12 @@ std::string take(REALstring string) {
 
 NSString nsString(std::u16string_view units) { return NSString::stringWithCharacters(units.data(), units.size()); }
 
-std::string utf32(std::u32string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char32_t)};
-}
-
-std::string utf16(std::u16string_view units) {
-  return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(char16_t)};
+template <class Unit>
+std::string bytesOf(std::basic_string_view<Unit> units) {
+  return {reinterpret_cast<const char*>(units.data()), units.size() * sizeof(Unit)};
 }
 
 }  // namespace
-
-TEST(Strings, TakeTheHostsOwnFoundationStringFirst) {
-  const Host host{};
-  const auto text = hostString("Zoë 北京 😀");
-  EXPECT_EQ(utf8(NewNSString(text.get())), "Zoë 北京 😀");
-  EXPECT_EQ(host::liveCounts()["String"], 1);
-}
 
 namespace {
 
@@ -59,36 +49,37 @@ struct StoredText {
 };
 
 const std::vector<StoredText> kStoredTexts{
-    {"Zo\xC3\xAB", kEncodingUTF8, "Zoë"},     {"Zo\xC3", kEncodingUTF8, "nil"},  // refused
-    {"abc", kEncodingASCII, "abc"},           {"Zo\x91", kEncodingMacRoman, "Zoë"},
-    {"Zo\x91", kEncodingAsStored, "Zoë"},                                                  // of unknown encoding
-    {utf16(u"Zoë😀"), kEncodingUTF16, "Zoë😀"}, {utf16(u"ab") + "c", kEncodingUTF16, "ab"},  // an odd last byte
-    {"ab\0cd"s, kEncodingUTF8, "ab"},         {"abc", 0x4711, "nil"},                      // no such encoding
+    {"Zo\xC3\xAB", kEncodingUTF8, "Zoë"},
+    {"Zo\xC3", kEncodingUTF8, "nil"},  // refused
+    {"abc", kEncodingASCII, "abc"},
+    {"Zo\x91", kEncodingMacRoman, "Zoë"},
+    {"Zo\x91", kEncodingAsStored, "Zoë"},  // of unknown encoding
+    {bytesOf(u"Zoë😀"sv), kEncodingUTF16, "Zoë😀"},
+    {bytesOf(u"ab"sv) + "c", kEncodingUTF16, "ab"},  // an odd last byte
+    {"ab\0cd"s, kEncodingUTF8, "ab"},
+    {"abc", 0x4711, "nil"},  // no such encoding
 };
 
-}  // namespace
-
-TEST(Strings, ReadTheBytesWhereTheHostMakesNoFoundationString) {
-  const Host host{.without = {"REALGetStringCFString"}};
+void expectTheirTexts() {
   for (const StoredText& text : kStoredTexts) {
     EXPECT_EQ(utf8(NewNSString(hostString(text.bytes, text.encoding).get())), text.expected) << text.bytes;
   }
-}
-
-TEST(Strings, ReadTheBytesOfOlderHostsInPlace) {
-  const Host host{.version = 2012.9, .without = {"REALGetStringCFString", "PluginGetStringData"}};
-  for (const StoredText& text : kStoredTexts) {
-    EXPECT_EQ(utf8(NewNSString(hostString(text.bytes, text.encoding).get())), text.expected) << text.bytes;
-  }
-}
-
-TEST(Strings, OwnWhatTheyCreateAndNothingElse) {
-  const Host host{.without = {"REALGetStringCFString"}};
-  const auto text = hostString("owned");
-  const auto created = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(text.get())));
+  const auto created = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(hostString("owned").get())));
   EXPECT_EQ(utf8(created.get()), "owned");
   EXPECT_EQ(RBString2CFString(nullptr), nullptr);
   EXPECT_FALSE(NewNSString(nullptr));
+}
+
+}  // namespace
+
+TEST(Strings, AreReadWhereTheHostMakesNoFoundationString) {
+  const Host host{.without = {"REALGetStringCFString"}};
+  expectTheirTexts();
+}
+
+TEST(Strings, OfOlderHostsAreReadInPlace) {
+  const Host host{.version = 2012.9, .without = {"REALGetStringCFString", "PluginGetStringData"}};
+  expectTheirTexts();
 }
 
 TEST(Strings, ReachTheHostWholeOnEitherSideOfTheFixedBuffer) {
@@ -100,10 +91,6 @@ TEST(Strings, ReachTheHostWholeOnEitherSideOfTheFixedBuffer) {
     }
   }
   EXPECT_EQ(take(NSStringRB(nsString(u"😀"))), "😀");
-}
-
-TEST(Strings, ReachTheHostAsNothingWhenThereIsNoText) {
-  const Host host{};
   EXPECT_EQ(NSStringRB(nullptr), nullptr);
   EXPECT_EQ(NSStringRB(""_ns), nullptr);
   EXPECT_EQ(NSStringRB(nsString(u"a\xD800")), nullptr);  // an unpaired surrogate has no UTF-8
@@ -111,45 +98,22 @@ TEST(Strings, ReachTheHostAsNothingWhenThereIsNoText) {
   EXPECT_EQ(NSStringRB(nsString({u"\0cd", 3})), nullptr);
 }
 
-TEST(Strings, BuildFromBytesOfEachEncoding) {
+TEST(Strings, BuildFromUTF32OnEitherSideOfTheFixedBuffer) {
   const Host host{};
-  struct Case {
-    std::string bytes;
-    std::uint32_t encoding;
-    std::string text;
-    std::uint32_t resultEncoding;
-  };
-  for (const Case& given : std::vector<Case>{
-           {"abc", kEncodingASCII, "abc", kEncodingASCII},
-           {"Zo\xC3\xAB", kEncodingUTF8, "Zoë", kEncodingUTF8},
-           {utf16(u"Zoë"), kEncodingUTF16, "Zoë", kEncodingUTF8},
-           {utf32(U"Zoë"), kEncodingUTF32, "Zoë", kEncodingUTF8},
-           {utf32(U"aë").substr(0, 6), kEncodingUTF32, "a", kEncodingUTF8},
-           {utf32(U"😀"), kEncodingUTF32, "\uF600", kEncodingUTF8},
-       }) {
-    const auto built = adoptHost(
-        REALBuildUnicodeString(given.bytes.data(), static_cast<std::int32_t>(given.bytes.size()), given.encoding));
-    EXPECT_EQ(host::textOf(built.get()), given.text);
-    EXPECT_EQ(host::encodingOf(built.get()), given.resultEncoding) << given.text;
+  const std::string bytes = bytesOf<char32_t>(std::u32string(300, U'北'));
+  for (std::int32_t size : {796, 798, 799, 800, 801, 804, 1200}) {
+    std::string expected;
+    for (std::int32_t i = 0; i < size / 4; ++i) expected += "北";
+    EXPECT_EQ(take(REALBuildUnicodeString(bytes.data(), size, kEncodingUTF32)), expected) << size;
   }
   EXPECT_EQ(REALBuildUnicodeString(nullptr, 3, kEncodingUTF8), nullptr);
   EXPECT_EQ(REALBuildUnicodeString("abc", 0, kEncodingUTF32), nullptr);
   EXPECT_EQ(REALBuildUnicodeString("abc", -1, kEncodingUTF8), nullptr);
 }
 
-TEST(Strings, BuildFromUTF32OnEitherSideOfTheFixedBuffer) {
-  const Host host{};
-  const std::string bytes = utf32(std::u32string(300, U'北'));
-  for (std::int32_t size : {796, 798, 799, 800, 801, 804, 1200}) {
-    std::string expected;
-    for (std::int32_t i = 0; i < size / 4; ++i) expected += "北";
-    EXPECT_EQ(take(REALBuildUnicodeString(bytes.data(), size, kEncodingUTF32)), expected) << size;
-  }
-}
-
 TEST(Strings, GiveUTF16BytesBackWhenTheHostCannotConvert) {
   const Host host{.without = {"REALConvertString"}};
-  const std::string bytes = utf16(u"abc");
+  const std::string bytes = bytesOf(u"abc"sv);
   EXPECT_EQ(REALBuildUnicodeString(bytes.data(), 6, kEncodingUTF16), nullptr);
   EXPECT_EQ(REALBuildUnicodeString(bytes.data(), 4, kEncodingUTF32), nullptr);
 }
@@ -168,49 +132,19 @@ TEST(Strings, OfAHundredMegabytesCross) {
 #endif
 }
 
-namespace {
-
-host::Value stringArray(std::initializer_list<host::Value> strings) {
-  return host::array(host::ElementType::string, strings);
-}
-
-REALstringArray handleOf(const host::Value& array) {
-  return static_cast<REALstringArray>(static_cast<REALarray>(array.object()));
-}
-
-std::vector<std::string> texts(NSArray strings) {
-  std::vector<std::string> result;
-  for (NSUInteger i = 0; i < strings.count(); ++i) result.push_back(utf8(strings.objectAtIndex(i).as<NSString>()));
-  return result;
-}
-
-}  // namespace
-
-TEST(StringArrays, LeaveOutEmptyStrings) {
+// What they do with the strings that there are is seen in their fuzz target.
+TEST(StringArrays, MayBeEmptyOrMissing) {
   const Host host{};
-  const host::Value three = stringArray({"one", "", "three"});
-  EXPECT_EQ(texts(CreateNSStringArray(handleOf(three), 0)), (std::vector<std::string>{"one", "three"}));
-
-  const host::Value none = stringArray({});
-  EXPECT_EQ(CreateNSStringArray(handleOf(none), 0).count(), 0U);
-  EXPECT_TRUE(CreateNSStringArray(handleOf(none), 0));
-  EXPECT_FALSE(CreateNSStringArray(handleOf(none), 1));
+  const host::Value none = host::stringArray({});
+  auto* handle = static_cast<REALstringArray>(static_cast<REALarray>(none.object()));
+  EXPECT_TRUE(CreateNSStringArray(handle, 0));
+  EXPECT_FALSE(CreateNSStringArray(handle, 1));
   EXPECT_FALSE(CreateNSStringArray(REALstringArray{}, 0));
-
-  EXPECT_EQ(texts(CreateNSStringArray(hostString("x").get())), std::vector<std::string>{"x"});
+  EXPECT_EQ(utf8(CreateNSStringArray(hostString("x").get()).objectAtIndex(0).as<NSString>()), "x");
   EXPECT_FALSE(CreateNSStringArray(REALstring{}));
-}
-
-TEST(StringArrays, FillAHostArrayInOrder) {
-  const Host host{};
-  const host::Value filled = host::Value::adopt(REALCreateArrayString(-1));
-  FillStringArray(handleOf(filled), NSArray::arrayWithObjects({"a"_ns, ""_ns, "c"_ns}));
-  EXPECT_EQ(filled.elements(), (std::vector<host::Value>{"a", "", "c"}));
-
-  const host::Value empty = host::Value::adopt(REALCreateArrayString(-1));
-  FillStringArray(handleOf(empty), nullptr);
-  FillStringArray(handleOf(empty), NSArray::array());
-  EXPECT_EQ(empty.size(), 0U);
+  FillStringArray(handle, nullptr);
+  FillStringArray(handle, NSArray::array());
+  EXPECT_EQ(none.size(), 0U);
 }
 
 TEST(RbData, ViewsAMemoryBlockAndStaysInside) {
@@ -223,11 +157,7 @@ TEST(RbData, ViewsAMemoryBlockAndStaysInside) {
   };
   EXPECT_EQ(view(0, 0), "0123456789");
   EXPECT_EQ(view(2, 3), "234");
-  EXPECT_EQ(view(8, 0), "89");
   EXPECT_EQ(view(8, 5), "89");
   EXPECT_EQ(view(11, 1), "");
-
-  const rbData none(REALmemoryBlock{}, 0, 0);
-  EXPECT_EQ(none.data, nullptr);
-  EXPECT_EQ(none.length, 0U);
+  EXPECT_EQ(rbData(REALmemoryBlock{}, 0, 0).data, nullptr);
 }
