@@ -94,9 +94,8 @@ class PickTest : public testing::Test {
 }  // namespace
 
 TEST_F(PickTest, GivesWhatIsChosen) {
-  const std::string columns = "  Groups           Names                     Email";
   expectOutput({"--property", "email"},
-               {{"", columns},
+               {{"", "  Groups           Names                     Email"},
                 {"lov", "1 of 3"},
                 {"", "*work ada@work.example"},
                 {std::string(kRight) + kUp, ">*home ada@home.example"}},
