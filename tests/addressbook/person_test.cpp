@@ -67,13 +67,14 @@ TEST(Picture, IsBytesAndAnImage) {
   EXPECT_FALSE(ada.call("image").isNil());
 
   // Assigning nothing takes it away, each way.
-  for (const char* member : {"imageData", "image"}) {
-    for (const Value& nothing :
-         {Value(), member == std::string("image") ? emptyInstance("NSImageVXR") : host::memoryBlock("")}) {
-      ada.call("setImageData", host::memoryBlock(kPicture));
-      ada.assign(member, nothing);
-      EXPECT_TRUE(ada.call("imageData").isNil()) << member;
-    }
+  const std::pair<const char*, Value> nothings[] = {{"imageData", nullptr},
+                                                    {"imageData", host::memoryBlock("")},
+                                                    {"image", nullptr},
+                                                    {"image", emptyInstance("NSImageVXR")}};
+  for (const auto& [member, nothing] : nothings) {
+    ada.call("setImageData", host::memoryBlock(kPicture));
+    ada.assign(member, nothing);
+    EXPECT_TRUE(ada.call("imageData").isNil()) << member;
   }
   EXPECT_EQ(ada.call("setImageData", nullptr), true);
 

@@ -94,25 +94,25 @@ TEST(SearchElement, JoinsOthersThroughBothClasses) {
   const Value book = bookOf(host);
   for (const char* sharedBy : {kBook, kElement}) {
     SCOPED_TRACE(sharedBy);
-    const auto join = [&](const char* conjunction, const std::vector<Value>& children) {
-      return host.shared(sharedBy, "searchElementForConjunction", host::constant(sharedBy, conjunction),
-                         host::objectArray(children));
+    const auto kAnd = static_cast<int>(host::constant(sharedBy, "kABSearchAnd"));
+    const auto kOr = static_cast<int>(host::constant(sharedBy, "kABSearchOr"));
+    const auto join = [&](int conjunction, const std::vector<Value>& children) {
+      return host.shared(sharedBy, "searchElementForConjunction", conjunction, host::objectArray(children));
     };
     const auto found = [&](const Value& element) { return told(book.call("recordsMatchingSearchElement", element)); };
     const Value ada = nameElement(host, "Ada");
     const Value grace = nameElement(host, "Grace");
-    EXPECT_EQ(found(join("kABSearchOr", {ada, grace})), "[p1:ABPerson p2:ABPerson]");
-    EXPECT_EQ(found(join("kABSearchAnd", {ada, grace})), "[]");
-    EXPECT_EQ(found(join("kABSearchAnd", {nullptr, ada, emptyInstance(kElement), nullptr})), "[p1:ABPerson]");
-    const Value either = join("kABSearchOr", {nameElement(host, "Emmy"), join("kABSearchAnd", {ada, ada})});
-    EXPECT_EQ(found(join("kABSearchAnd", {either, either})), "[p1:ABPerson p3:ABPerson]");
-    EXPECT_EQ(found(join("kABSearchOr", {nameElement(host, "Ada")})), "[p1:ABPerson]");  // children live on
+    EXPECT_EQ(found(join(kOr, {ada, grace})), "[p1:ABPerson p2:ABPerson]");
+    EXPECT_EQ(found(join(kAnd, {ada, grace})), "[]");
+    EXPECT_EQ(found(join(kAnd, {nullptr, ada, emptyInstance(kElement), nullptr})), "[p1:ABPerson]");
+    const Value either = join(kOr, {nameElement(host, "Emmy"), join(kAnd, {ada, ada})});
+    EXPECT_EQ(found(join(kAnd, {either, either})), "[p1:ABPerson p3:ABPerson]");
+    EXPECT_EQ(found(join(kOr, {nameElement(host, "Ada")})), "[p1:ABPerson]");  // children live on
     // No children, and codes that nobody knows, are the framework's to refuse.
-    for (const std::function<void()>& refused : std::vector<std::function<void()>>{
-             [&] { join("kABSearchAnd", {}); }, [&] { join("kABSearchOr", {nullptr}); },
-             [&] { host.shared(sharedBy, "searchElementForConjunction", 7, host::objectArray({ada})); },
-             [&] { host.shared("ABPersonVXR", "searchElementForProperty", "First", "", "", "x", 25); }}) {
-      EXPECT_TRUE(thrownBy(refused).starts_with("NSExceptionVXR: A Cocoa NSInvalidArgumentException"));
+    const std::pair<int, std::vector<Value>> refused[] = {{kAnd, {}}, {kOr, {nullptr}}, {7, {ada}}};
+    for (const auto& [conjunction, children] : refused) {
+      const std::string thrown = thrownBy([&, code = conjunction, &given = children] { join(code, given); });
+      EXPECT_TRUE(thrown.starts_with("NSExceptionVXR: A Cocoa NSInvalidArgumentException")) << thrown;
     }
   }
 }

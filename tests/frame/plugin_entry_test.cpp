@@ -38,15 +38,6 @@ TEST(PluginEntry, ReadsTheHostsVersionAndLoadsTheFrameworkInsideABuiltApplicatio
   EXPECT_EQ(LoadFrameworkBundles(0, CFSTR("../../etc")), nullptr);
 }
 
-TEST(PluginEntry, RoundsDataSizesUpToSixteen) {
-  using Sizes = std::pair<Word, Word>;
-  for (const auto& [given, rounded] : {Sizes{0, 0}, {1, 16}, {4, 16}, {16, 16}, {17, 32}}) {
-    REALclassDefinition definition{.dataSize = given};
-    MyREALRegisterClass(&definition);
-    EXPECT_EQ(definition.dataSize, rounded);
-  }
-}
-
 TEST(PluginEntry, RegistersItsVersionAndThenTheClassesSuperclassesFirst) {
   giveRegistration();
   REALPluginMain(fake_resolver::resolve);
