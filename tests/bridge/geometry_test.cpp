@@ -11,14 +11,6 @@
 #include <utility>
 #include <vector>
 
-namespace {
-
-struct Odd {
-  float first, second, third;
-};
-
-}  // namespace
-
 TEST(Geometry, LiesInTheHostsObjects) {
   const Host host{};
   struct Case {
@@ -38,8 +30,8 @@ TEST(Geometry, LiesInTheHostsObjects) {
     for (const auto& [name, number] : given.fields) EXPECT_EQ(object.get(name).number(), number) << name;
     EXPECT_TRUE(GetVariantAsNSObject(object.object()).as<NSValue>().isEqual(given.value)) << given.className;
   }
-  const Odd odd{1, 2, 3};
-  EXPECT_EQ(NewVariantFromNSObject(NSValue::valueWithBytes(&odd, "{_Odd=fff}")), nullptr);
+  const float odd[] = {1, 2, 3};
+  EXPECT_EQ(NewVariantFromNSObject(NSValue::valueWithBytes(odd, "{_Odd=fff}")), nullptr);
 }
 
 TEST(Geometry, IsNothingWithoutTheFamilysClassesAndZeroOfNothing) {

@@ -132,19 +132,24 @@ TEST(Strings, OfAHundredMegabytesCross) {
 #endif
 }
 
-// What they do with the strings that there are is seen in their fuzz target.
-TEST(StringArrays, MayBeEmptyOrMissing) {
+TEST(StringArrays, LeaveOutEmptyStringsAndAreFilledInOrder) {
   const Host host{};
-  const host::Value none = host::stringArray({});
-  auto* handle = static_cast<REALstringArray>(static_cast<REALarray>(none.object()));
-  EXPECT_TRUE(CreateNSStringArray(handle, 0));
-  EXPECT_FALSE(CreateNSStringArray(handle, 1));
+  const auto handleOf = [](const host::Value& array) {
+    return static_cast<REALstringArray>(static_cast<REALarray>(array.object()));
+  };
+  const NSArray read = CreateNSStringArray(handleOf(host::stringArray({"one", "", "three"})), 0);
+  ASSERT_EQ(read.count(), 2U);
+  EXPECT_EQ(utf8(read.objectAtIndex(1).as<NSString>()), "three");
+  const host::Value filled = host::stringArray({});
+  EXPECT_TRUE(CreateNSStringArray(handleOf(filled), 0));
+  EXPECT_FALSE(CreateNSStringArray(handleOf(filled), 1));
   EXPECT_FALSE(CreateNSStringArray(REALstringArray{}, 0));
   EXPECT_EQ(utf8(CreateNSStringArray(hostString("x").get()).objectAtIndex(0).as<NSString>()), "x");
   EXPECT_FALSE(CreateNSStringArray(REALstring{}));
-  FillStringArray(handle, nullptr);
-  FillStringArray(handle, NSArray::array());
-  EXPECT_EQ(none.size(), 0U);
+  for (const NSArray strings : {NSArray::arrayWithObjects({"a"_ns, ""_ns, "c"_ns}), NSArray(), NSArray::array()}) {
+    FillStringArray(handleOf(filled), strings);
+    EXPECT_EQ(filled.elements(), (std::vector<host::Value>{"a", "", "c"}));
+  }
 }
 
 TEST(RbData, ViewsAMemoryBlockAndStaysInside) {
