@@ -17,7 +17,6 @@
 // Variants, arrays and the host's own classes, through the services and methods that a plug-in uses.
 namespace {
 
-using host::ElementType;
 using host::ObjectRef;
 using host::Value;
 
@@ -108,7 +107,7 @@ TEST_F(Values, AreReadOnlyAsWhatTheyAre) {
 }
 
 TEST_F(Values, InArraysLieInTheirStorage) {
-  const Value array = host::array(ElementType::int32, {10, 20, 30, 40, 50});
+  const Value array = host::array(host::ElementType::int32, {10, 20, 30, 40, 50});
   const auto* record = reinterpret_cast<const REALarrayRecord*>(array.object());
   EXPECT_EQ(static_cast<const std::int32_t*>(record->storage)[4], 50);
   // There is always something to read at index 0.
