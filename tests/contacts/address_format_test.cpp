@@ -71,12 +71,4 @@ TEST_F(AddressFormat, NamesEachPart) {
   EXPECT_EQ(namesIn("gb"), "{Street=Street}{}{City=Town}{}{State=County}{}{ZIP=Postcode}{}{Country=Country}");
 }
 
-TEST_F(AddressFormat, TakesTheDefaultCountryWhereNoneIsNamed) {
-  // A locale that isn't installed leaves us.
-  setenv("LC_ALL", "de_DE.UTF-8", 1);
-  const bool isGerman = shown(book_.defaultCountryCode()) == "de";
-  const NSDictionary parts = address({{kABAddressZIPKey, "123"}, {kABAddressCityKey, "Town"}});
-  EXPECT_EQ(text(parts), isGerman ? "123 Town" : "Town 123");
-}
-
 }  // namespace

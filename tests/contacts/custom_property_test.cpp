@@ -32,6 +32,13 @@ TEST_F(CustomProperties, AreAddedOnceAndRemovedOnce) {
   EXPECT_EQ(ABPerson::properties().count(), 39U);
   EXPECT_EQ(shown(ABPerson::properties().objectAtIndex(37)), "org.example.pets");
   EXPECT_EQ(ABGroup::addPropertiesAndTypes(typesByName({{"org.example.shoe", kABDataProperty}})), 1);
+  inChild([] {
+    const NSObject size = NSNumber::numberWithInt(42);
+    const auto person = newPerson();
+    EXPECT_TRUE(person->setValue(size, "org.example.shoe"_ns));
+    EXPECT_TRUE(
+        ABPerson::searchElement("org.example.shoe"_ns, nullptr, nullptr, size, kABEqual).matchesRecord(person.get()));
+  });
 
   EXPECT_EQ(remove({"org.example.shoe"_ns, "org.example.shoe"_ns, "First"_ns, "unknown"_ns}), 1);
   EXPECT_EQ(ABPerson::typeOfProperty("org.example.shoe"_ns), kABErrorInProperty);
@@ -111,18 +118,6 @@ TEST_F(CustomProperties, KeepValuesOfEveryType) {
     EXPECT_EQ(shown(person.valueForProperty(nameOf(type | kABMultiValueMask))),
               "[Home=" + shown(value) + " *a label=" + shown(value) + "]");
   }
-}
-
-TEST_F(CustomProperties, AreKnownToNewProcessesBeforeAnyBookIs) {
-  inChild([] { EXPECT_EQ(add({{"shoe", kABRealProperty}}), 1); });
-  inChild([] { EXPECT_EQ(ABPerson::typeOfProperty("shoe"_ns), kABRealProperty); });
-  inChild([] {
-    EXPECT_EQ(ABPerson::properties().count(), 37U);
-    const auto person = newPerson();
-    EXPECT_TRUE(person->setValue(NSNumber::numberWithInt(42), "shoe"_ns));
-    EXPECT_TRUE(ABPerson::searchElement("shoe"_ns, nullptr, nullptr, NSNumber::numberWithInt(42), kABEqual)
-                    .matchesRecord(person.get()));
-  });
 }
 
 TEST_F(CustomProperties, ComeAndGoWhileABookIsOpen) {

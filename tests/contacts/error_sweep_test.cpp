@@ -99,6 +99,8 @@ class Saver {
     const bool isSaved = book.save(&error);
     if (isSaved) return true;
     const std::string reason = shown(error.localizedDescription());
+    EXPECT_EQ(shown(error.domain()), "ABAddressBookErrorDomain");
+    EXPECT_EQ(error.code(), 0);
     EXPECT_TRUE(reason.starts_with("the address book can't be saved: ")) << reason;
     EXPECT_NE(error.userInfo().objectForKey(NSUnderlyingErrorKey).as<NSError>().code(), 0) << reason;
     return false;

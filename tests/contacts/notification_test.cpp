@@ -128,14 +128,4 @@ TEST_F(Notifications, NoticeChangesThatComeTooFastForTimes) {
   }
 }
 
-TEST_F(Notifications, KeepWhatIsChangedHere) {
-  EXPECT_TRUE(person("a").setValue("mine"_ns, kABNoteProperty));
-  folder_.writeCard("a.vcf", "UID:a\nN:Aalto\nNOTE:theirs\n");
-  fs::remove(folder_.path() / "b.vcf");
-  EXPECT_EQ(toldNow(), (std::vector<std::string>{"external *(a:ABPerson) -(b:ABPerson)"}));
-  EXPECT_EQ(shown(person("a"), "Note"), "mine");
-  EXPECT_EQ(shown(person("a"), "Last"), "Aalto");
-  EXPECT_TRUE(book_.hasUnsavedChanges());
-}
-
 }  // namespace
