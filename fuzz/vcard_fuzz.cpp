@@ -12,7 +12,7 @@
 #include "platform/contacts/vcard/text.h"
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
 #include <optional>
 #include <string_view>
 
@@ -22,22 +22,18 @@ using vcard::Version;
 
 namespace {
 
-template <std::size_t N>
-bool isOneOf(const Line& line, const std::array<const char*, N>& names) {
-  for (const char* name : names) {
-    if (line.is(name)) return true;
-  }
-  return false;
+bool isOneOf(const Line& line, std::initializer_list<const char*> names) {
+  return std::ranges::any_of(names, [&](const char* name) { return line.is(name); });
 }
 
 bool isText(const Line& line) {
-  return isOneOf(line, std::array{"FN", "NICKNAME", "TITLE", "ROLE", "NOTE", "EMAIL", "TEL", "LABEL", "MAILER",
-                                  "X-ABLABEL", "UID", "URL", "IMPP"});
+  return isOneOf(line, {"FN", "NICKNAME", "TITLE", "ROLE", "NOTE", "EMAIL", "TEL", "LABEL", "MAILER", "X-ABLABEL",
+                        "UID", "URL", "IMPP"});
 }
 
-bool isStructured(const Line& line) { return isOneOf(line, std::array{"N", "ADR", "ORG"}); }
+bool isStructured(const Line& line) { return isOneOf(line, {"N", "ADR", "ORG"}); }
 
-bool isBinary(const Line& line) { return isOneOf(line, std::array{"PHOTO", "LOGO", "SOUND", "KEY"}); }
+bool isBinary(const Line& line) { return isOneOf(line, {"PHOTO", "LOGO", "SOUND", "KEY"}); }
 
 // With each physical line's end, and one that is missing, as CR LF.
 std::string withCrLf(std::string_view raw) {
