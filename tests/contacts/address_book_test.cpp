@@ -26,7 +26,6 @@ TEST_F(AddressBook, ReadsTheFolderInTheOrderOfItsFileNames) {
 
   const ABRecord anna = book.recordForUniqueId("2:ABPerson"_ns);
   EXPECT_EQ(anna, book.people().objectAtIndex(0));
-  EXPECT_TRUE(anna.isKindOfClass("ABPerson"_class));
   EXPECT_EQ(anna.valueForProperty(kABFirstNameProperty), anna.valueForProperty(kABFirstNameProperty));
   EXPECT_TRUE(book.recordForUniqueId("1:ABGroup"_ns).isKindOfClass("ABGroup"_class));
   EXPECT_FALSE(book.recordForUniqueId("1:ABPerson"_ns));
@@ -34,7 +33,6 @@ TEST_F(AddressBook, ReadsTheFolderInTheOrderOfItsFileNames) {
 
   const ABAddressBook other = ABAddressBook::addressBook();
   EXPECT_NE(other, book);
-  EXPECT_NE(other, ABAddressBook::addressBook());
   EXPECT_EQ(shown(personIn(other, "2"), "First"), "Anna");
 }
 

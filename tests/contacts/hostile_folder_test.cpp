@@ -54,7 +54,7 @@ class HostileFolder : public BookTest {
     setenv("ADDRESSBOOK_FOLDER", folder_.path().c_str(), 1);
   }
   ~HostileFolder() override {
-    EXPECT_EQ(bytesOf(outside_.path() / "victim.vcf"), card("UID:victim\nN:Victim\n"));
+    EXPECT_EQ(bytesOf(victim()), card("UID:victim\nN:Victim\n"));
     EXPECT_EQ(std::distance(fs::directory_iterator(outside_.path()), fs::directory_iterator()), 1);
   }
 

