@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -35,16 +34,23 @@ struct Entry {
   std::string value;   // in the column behind it, if any
 };
 
+// What stands between the first backquote from there on and the next.
+std::string quotedIn(const std::string& line, std::size_t from = 0) {
+  const std::size_t start = line.find('`', from) + 1;
+  return line.substr(start, line.find('`', start) - start);
+}
+
 // What a page has in its sections of members: headings, or rows of tables.
 std::vector<Entry> entriesOf(const std::string& page) {
-  const std::regex entry(R"(^(?:###|\|) `([^`]+)`[^|]*(?:\| `([^`]+)` \|.*)?.*)");
   std::vector<Entry> entries;
   std::string kind;
   for (const std::string& line : linesOf(bytesOf(kReference / page))) {
-    std::smatch found;
     if (line.starts_with("## ")) kind = line.substr(3);
-    if (!kind.empty() && std::regex_match(line, found, entry))
-      entries.push_back({kind + ": " + found[1].str(), found[2]});
+    if (kind.empty() || !(line.starts_with("### `") || line.starts_with("| `"))) continue;
+    const std::string member = quotedIn(line);
+    const std::size_t column = line.find('|', line.find(member) + member.size());
+    const bool hasValue = column != std::string::npos && line.substr(column).starts_with("| `");
+    entries.push_back({kind + ": " + member, hasValue ? quotedIn(line, column) : ""});
   }
   return entries;
 }
