@@ -7,7 +7,8 @@
 
 namespace contacts {
 
-// A day as a card's line gives it: the year 1604, and one named by X-APPLE-OMIT-YEAR, stand in for one that isn't known.
+// A day as a card's line gives it: the year 1604, and one named by X-APPLE-OMIT-YEAR, stand in for one that isn't
+// known.
 std::optional<vcard::Date> dateOnLine(std::string_view text, const std::vector<vcard::Parameter>& parameters);
 // Makes the draft's value of it, in the form that version 3.0 has for a day without a year.
 void writeDate(LineDraft& draft, NSDateComponents components);

@@ -7,8 +7,8 @@
 
 namespace vcard {
 
-// One value of one parameter, in valid UTF-8. The name is in upper case; a list (TYPE=home,work) gives one parameter for each value,
-// and a bare word of version 2.1 (TEL;HOME:) gets the name that it stands for.
+// One value of one parameter, in valid UTF-8. The name is in upper case; a list (TYPE=home,work) gives one parameter
+// for each value, and a bare word of version 2.1 (TEL;HOME:) gets the name that it stands for.
 struct Parameter {
   std::string name;
   std::string value;
