@@ -154,7 +154,7 @@ TEST_F(HostileFolder, ReadsAbsurdContentsAndSavesThem) {
     for (const ABPerson person : each(people)) EXPECT_EQ(shown(person, "Note"), "changed");
   });
   // In time that grows with their size alone; in that of its square it would take hours.
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::minutes(5));
 }
 
 TEST_F(HostileFolder, FollowsAUidThatOthersChange) {
