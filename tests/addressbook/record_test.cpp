@@ -17,6 +17,14 @@ using host::Value;
 
 const std::vector<Card> kContacts{person("Ada", "Lovelace", "p1", {"TEL;TYPE=HOME:1"}), group("Work", "g1")};
 
+// The type that the framework was given last.
+std::int64_t givenType = 0;
+
+NSInteger noteType(Class, NSDictionary properties) {
+  givenType = properties.objectForKey("mine"_ns).as<NSNumber>().longLongValue();
+  return -1;
+}
+
 }  // namespace
 
 TEST(Record, KeepsEachTypeOfValueAloneAndAmongOthers) {
@@ -75,6 +83,19 @@ TEST(Record, HasThePropertiesOfItsClass) {
   EXPECT_EQ(host.shared("ABPersonVXR", "properties").at(3), "First");
   EXPECT_EQ(host.shared("ABGroupVXR", "addProperty", "mine", 3), 1);
   EXPECT_EQ(host.shared("ABPersonVXR", "typeOfProperty", "mine"), 0);
+}
+
+TEST(Record, HasPropertyTypesWithoutSign) {
+  for (const char* className : {"ABPerson", "ABGroup"}) {
+    objc::ClassBuilder(Class(className)).classMethod<&noteType>("addPropertiesAndTypes:");
+  }
+  const Host host{};
+  for (const char* className : {"ABPersonVXR", "ABGroupVXR"}) {
+    for (const auto& [type, expected] : {std::pair(-1, 4294967295), {257, 257}, {-2147483647 - 1, 2147483648}}) {
+      EXPECT_EQ(host.shared(className, "addProperty", "mine", type), -1);
+      EXPECT_EQ(givenType, expected) << className;
+    }
+  }
 }
 
 TEST(Record, LeavesWhatIsUnknownToTheFramework) {
