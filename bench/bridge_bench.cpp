@@ -54,18 +54,6 @@ void copyBytes(benchmark::State& state, std::string_view pattern) {
   }
 }
 
-// A plain loop and the two allocations that a string of its own needs.
-void stringToFoundationPlainly(benchmark::State& state, std::string_view pattern) {
-  const std::string text = sample(pattern, state.range(0));
-  for (auto _ : state) {
-    const auto object = std::make_unique<char[]>(32);
-    const std::unique_ptr<char16_t[]> units(new char16_t[text.size()]);
-    benchmark::DoNotOptimize(object.get());
-    benchmark::DoNotOptimize(plainDecode(text.c_str(), units.get()));
-    benchmark::ClobberMemory();
-  }
-}
-
 void stringToFoundation(benchmark::State& state, std::string_view pattern) {
   startHost();
   const auto string = adoptHost(host::newString(sample(pattern, state.range(0)), kEncodingUTF8));
@@ -99,7 +87,7 @@ void stringToHost(benchmark::State& state, std::string_view pattern) {
   BENCHMARK_CAPTURE(function, ascii, kAscii)->CHARACTERS; \
   BENCHMARK_CAPTURE(function, mixed, kMixed)->CHARACTERS
 TEXTS(copyBytes);
-TEXTS(stringToFoundationPlainly);
+TEXTS(decodePlainly);
 TEXTS(stringToFoundation);
 TEXTS(stringToHostPlainly);
 TEXTS(stringToHost);

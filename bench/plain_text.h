@@ -1,7 +1,10 @@
 #pragma once
 
+#include <benchmark/benchmark.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -69,4 +72,16 @@ inline char* plainEncode(const char16_t* in, std::size_t count, char* out) {
   }
   *out = '\0';
   return out;
+}
+
+// The floor of making a string: the plain loop and the two allocations that one of its own needs.
+inline void decodePlainly(benchmark::State& state, std::string_view pattern) {
+  const std::string text = sample(pattern, state.range(0));
+  for (auto _ : state) {
+    const auto object = std::make_unique<char[]>(32);
+    const std::unique_ptr<char16_t[]> units(new char16_t[text.size()]);
+    benchmark::DoNotOptimize(object.get());
+    benchmark::DoNotOptimize(plainDecode(text.c_str(), units.get()));
+    benchmark::ClobberMemory();
+  }
 }

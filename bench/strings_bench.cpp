@@ -6,22 +6,10 @@
 
 #include <benchmark/benchmark.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 namespace {
-
-void decodePlainly(benchmark::State& state, std::string_view pattern) {
-  const std::string text = sample(pattern, state.range(0));
-  for (auto _ : state) {
-    const auto object = std::make_unique<char[]>(32);
-    const std::unique_ptr<char16_t[]> units(new char16_t[text.size()]);
-    benchmark::DoNotOptimize(object.get());
-    benchmark::DoNotOptimize(plainDecode(text.c_str(), units.get()));
-    benchmark::ClobberMemory();
-  }
-}
 
 void decodeString(benchmark::State& state, std::string_view pattern) {
   const std::string text = sample(pattern, state.range(0));
