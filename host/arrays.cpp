@@ -3,13 +3,12 @@
 #include "host/built_in_classes.h"
 #include "host/classes.h"
 #include "host/error.h"
+#include "host/memory.h"
 #include "host/native_value.h"
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
-#include <new>
 
 namespace host {
 
@@ -68,21 +67,25 @@ char* elementAddress(REALobject array, std::size_t index) {
   return static_cast<char*>(header(array).storage) + index * elementSize(array);
 }
 
+void releaseStorage(REALobject array) {
+  releaseMemory(header(array).storage, dataOf(array).capacity * elementSize(array));
+}
+
 void reserve(REALobject array, std::size_t count) {
   ArrayData& data = dataOf(array);
-  if (count <= data.capacity) return;
-  const std::size_t capacity = std::max({count, 2 * data.capacity, kFirstCapacity});
-  void* storage = std::realloc(header(array).storage, capacity * elementSize(array));
-  if (storage == nullptr) throw std::bad_alloc();
+  if (count <= data.capacity && !isHostile()) return;
+  const std::size_t capacity = isHostile() ? count : std::max({count, 2 * data.capacity, kFirstCapacity});
+  void* storage = newMemory(capacity * elementSize(array));
+  if (data.count > 0) std::memcpy(storage, header(array).storage, data.count * elementSize(array));
+  releaseStorage(array);
   header(array).storage = storage;
   data.capacity = capacity;
-  std::memset(elementAddress(array, data.count), 0, (capacity - data.count) * elementSize(array));
 }
 
 void destroyArray(REALobject array) {
   for (std::size_t i = 0; i < dataOf(array).count; ++i)
     NativeValue::adopt(elementType(array), elementAddress(array, i));
-  std::free(header(array).storage);
+  releaseStorage(array);
 }
 
 // The value's reference becomes the array's.
@@ -121,7 +124,7 @@ std::span<REALclassDefinition> arrayDefinitions() { return definitions(); }
 REALarray newArray(std::int32_t type, REALinteger upper) {
   if (type < 0 || static_cast<std::size_t>(type) >= definitions().size() || upper < -1) return nullptr;
   auto created = ObjectRef::adopt(newInstance(requireClass(definitions()[static_cast<std::size_t>(type)].name)));
-  reserve(created.get(), std::max(static_cast<std::size_t>(upper + 1), kFirstCapacity));
+  reserve(created.get(), std::max<std::size_t>(static_cast<std::size_t>(upper + 1), 1));
   dataOf(created.get()).count = static_cast<std::size_t>(upper + 1);
   return static_cast<REALarray>(created.leak());
 }

@@ -13,7 +13,7 @@ namespace host {
 
 namespace {
 
-// Data blocks of subclasses start at a multiple of this many bytes.
+// The size of each instance, where its subclasses' data starts, is a multiple of this many bytes.
 constexpr std::size_t kDataAlignment = 8;
 
 struct NameHash {
@@ -89,7 +89,7 @@ HostClass& add(REALclassDefinition& definition) {
     auto found = table.byName.find(definition.superName);
     if (found == table.byName.end()) throw Error("class " + name + ": no superclass " + definition.superName);
     added->superclass = found->second;
-    offset = (added->superclass->instanceSize + kDataAlignment - 1) / kDataAlignment * kDataAlignment;
+    offset = added->superclass->instanceSize;
   }
   try {
     readMembers(*added, definition);
@@ -97,7 +97,7 @@ HostClass& add(REALclassDefinition& definition) {
     throw Error("class " + name + ": " + error.what());
   }
   definition.dataOffset = offset;
-  added->instanceSize = offset + definition.dataSize;
+  added->instanceSize = (offset + definition.dataSize + kDataAlignment - 1) / kDataAlignment * kDataAlignment;
   table.classes.push_back(std::move(added));
   HostClass& result = *table.classes.back();
   table.byName.emplace(result.name(), &result);

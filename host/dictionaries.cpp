@@ -4,8 +4,10 @@
 #include "host/class_records.h"
 #include "host/classes.h"
 #include "host/exceptions.h"
+#include "host/memory.h"
 #include "host/variants.h"
 
+#include <algorithm>
 #include <functional>
 #include <iterator>
 #include <unordered_map>
@@ -55,6 +57,7 @@ struct Entries {
     } else {
       inOrder[position->second].second = value;
     }
+    if (isHostile()) reverse();
   }
 
   bool remove(const Value& key) {
@@ -66,7 +69,14 @@ struct Entries {
     for (auto& [name, position] : positions) {
       if (position > removed) --position;
     }
+    if (isHostile()) reverse();
     return true;
+  }
+
+ private:
+  void reverse() {
+    std::ranges::reverse(inOrder);
+    for (auto& [name, position] : positions) position = inOrder.size() - 1 - position;
   }
 };
 

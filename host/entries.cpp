@@ -6,6 +6,7 @@
 #include "host/events.h"
 #include "host/exceptions.h"
 #include "host/folder_items.h"
+#include "host/memory.h"
 #include "host/memory_blocks.h"
 #include "host/options.h"
 #include "host/property_entries.h"
@@ -15,7 +16,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <mutex>
@@ -115,26 +115,27 @@ REALstring buildString(const char* bytes, std::int32_t length) {
 
 CFStringRef getStringCFString(REALstring string, bool) { return copyCFString(string); }
 
+// Of string data, with a terminator that a hostile host does without.
+std::size_t copiedSize(std::size_t length) { return isHostile() && length > 0 ? length : length + 1; }
+
 // The record is the caller's until it hands it back.
 bool getStringData(REALstring string, std::uint32_t encoding, REALstringData* data) {
   const StringRef converted =
       encoding == kEncodingAsStored ? StringRef::share(string) : StringRef::adopt(newConverted(string, encoding));
   if (string != nullptr && !converted) return false;
   const std::string_view bytes = bytesOf(converted.get());
-  void* copy = std::malloc(bytes.size() + 1);
-  if (copy == nullptr) return false;
+  void* copy = newMemory(copiedSize(bytes.size()));
   if (!bytes.empty()) std::memcpy(copy, bytes.data(), bytes.size());
-  static_cast<char*>(copy)[bytes.size()] = '\0';
   *data = {copy, static_cast<std::uint32_t>(bytes.size()), encodingOf(converted.get())};
   return true;
 }
 
 void disposeStringData(REALstringData* data) {
-  std::free(data->data);
+  releaseMemory(data->data, copiedSize(data->length));
   *data = {};
 }
 
-const char* stringGetCString(REALstring string) { return bytesOf(string).data(); }
+const char* stringGetCString(REALstring string) { return cStringOf(string); }
 
 REALvariant stringToVariant(REALstring string) { return newVariant(StringRef::share(string)); }
 

@@ -4,10 +4,12 @@
 #include "host/class_records.h"
 #include "host/classes.h"
 #include "host/exceptions.h"
+#include "host/memory.h"
 
-#include <cstdlib>
+#include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <new>
 
 namespace host {
 
@@ -22,13 +24,21 @@ BlockData& dataOf(REALobject block) { return host::dataOf<BlockData>(block, memo
 
 int blocksToFailure = 0;
 
+// An empty block has an address of its own too.
+std::size_t allocatedSize(REALinteger size) { return static_cast<std::size_t>(std::max<REALinteger>(size, 1)); }
+
+void release(REALobject block) { releaseMemory(dataOf(block).bytes, allocatedSize(dataOf(block).size)); }
+
 bool allocate(REALobject block, REALinteger size) {
   if (size < 0 || (blocksToFailure > 0 && --blocksToFailure == 0)) return false;
-  // An empty block has an address of its own too.
-  auto* bytes = static_cast<char*>(std::calloc(1, static_cast<std::size_t>(size) + 1));
-  if (bytes == nullptr) return false;
-  std::free(dataOf(block).bytes);
-  dataOf(block) = {bytes, size};
+  void* bytes = nullptr;
+  try {
+    bytes = newMemory(allocatedSize(size));
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  release(block);
+  dataOf(block) = {static_cast<char*>(bytes), size};
   return true;
 }
 
@@ -36,7 +46,7 @@ void construct(REALobject self, REALinteger bytes) {
   if (!allocate(self, bytes)) raise("OutOfMemoryException", "There is no memory for the block.");
 }
 
-void destroyBlock(REALobject self) { std::free(dataOf(self).bytes); }
+void destroyBlock(REALobject self) { release(self); }
 
 REALinteger getSize(REALobject self, Word) { return dataOf(self).size; }
 

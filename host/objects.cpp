@@ -3,11 +3,10 @@
 #include "host/classes.h"
 #include "host/events.h"
 #include "host/exceptions.h"
+#include "host/memory.h"
 #include "host/strings.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <new>
 #include <sstream>
 
 namespace host {
@@ -28,15 +27,13 @@ void destroy(REALobject object) {
   }
   forgetHandlers(object);
   objectClass.liveInstances.fetch_sub(1, std::memory_order_relaxed);
-  std::free(&header(object));
+  releaseMemory(&header(object), objectClass.instanceSize);
 }
 
 }  // namespace
 
 REALobject newInstance(HostClass& objectClass) {
-  void* memory = std::calloc(1, objectClass.instanceSize);
-  if (memory == nullptr) throw std::bad_alloc();
-  auto* object = static_cast<ObjectHeader*>(memory);
+  auto* object = static_cast<ObjectHeader*>(newMemory(objectClass.instanceSize));
   object->objectClass = &objectClass;
   object->references = 1;
   objectClass.liveInstances.fetch_add(1, std::memory_order_relaxed);

@@ -1,11 +1,11 @@
 #include "host/strings.h"
 
 #include "host/counted.h"
+#include "host/memory.h"
 #include "platform/foundation/cf_string.h"
 
 #include <cstring>
 #include <mutex>
-#include <new>
 #include <optional>
 #include <type_traits>
 
@@ -13,7 +13,8 @@ namespace host {
 
 namespace {
 
-// The buffer follows it in memory: a byte that is nobody's, the text, a terminator for the widest encoding.
+// The buffer follows it in memory: a byte that is nobody's, the text, a terminator for the widest encoding. A hostile
+// host's text lies at the very end, and before the buffer a copy that is terminated.
 struct HostString {
   // What old plug-ins read: the text one byte past the buffer's start, its length in the fourth word. The other two
   // words are the host's.
@@ -40,6 +41,12 @@ struct LiveStrings {
 LiveStrings& liveStrings() {
   static auto* strings = new LiveStrings;
   return *strings;
+}
+
+std::size_t sizeFor(std::size_t length) {
+  constexpr std::size_t kAlignment = 8;
+  const std::size_t size = sizeof(HostString) + kTextOffset + length + kTerminatorSize + (isHostile() ? length : 0);
+  return (size + kAlignment - 1) / kAlignment * kAlignment;
 }
 
 HostString& record(REALstring string) { return *reinterpret_cast<HostString*>(string); }
@@ -115,13 +122,15 @@ std::optional<std::string> encoded(CFStringRef string, std::uint32_t encoding) {
 
 REALstring newString(std::string_view bytes, std::uint32_t encoding) {
   if (bytes.empty()) return nullptr;
-  const std::size_t bufferSize = kTextOffset + bytes.size() + kTerminatorSize;
-  auto* memory = static_cast<char*>(::operator new(sizeof(HostString) + bufferSize));
-  char* const buffer = memory + sizeof(HostString);
-  auto* string = new (memory) HostString{{1, buffer, encoding, bytes.size()}, nullptr, nullptr};
-  std::memset(buffer, 0, kTextOffset);
+  const std::size_t size = sizeFor(bytes.size());
+  auto* memory = static_cast<char*>(newMemory(size));
+  char* buffer = memory + sizeof(HostString);
+  if (isHostile()) {
+    std::memcpy(buffer, bytes.data(), bytes.size());
+    buffer = memory + size - bytes.size() - kTextOffset;
+  }
   std::memcpy(buffer + kTextOffset, bytes.data(), bytes.size());
-  std::memset(buffer + kTextOffset + bytes.size(), 0, kTerminatorSize);
+  auto* string = new (memory) HostString{{1, buffer, encoding, bytes.size()}, nullptr, nullptr};
 
   LiveStrings& live = liveStrings();
   const std::scoped_lock guard(live.lock);
@@ -148,13 +157,18 @@ void unlock(REALstring string) {
     (dead->previous == nullptr ? live.first : dead->previous->next) = dead->next;
     if (dead->next != nullptr) dead->next->previous = dead->previous;
   }
-  ::operator delete(dead);
+  releaseMemory(dead, sizeFor(dead->record.length));
 }
 
 std::string_view bytesOf(REALstring string) {
   if (string == nullptr) return "";
   const REALstringRecord& shown = record(string).record;
   return {shown.buffer + kTextOffset, shown.length};
+}
+
+const char* cStringOf(REALstring string) {
+  if (!isHostile() || string == nullptr) return bytesOf(string).data();
+  return reinterpret_cast<const char*>(&record(string) + 1);
 }
 
 std::uint32_t encodingOf(REALstring string) {

@@ -15,8 +15,10 @@ REALstring newString(std::string_view bytes, std::uint32_t encoding);
 // As UTF-8; null for null too.
 REALstring newString(CFStringRef text);
 
-// Followed by a zero byte; empty for null.
+// Empty for null.
 std::string_view bytesOf(REALstring string);
+// The same, followed by a zero; lives as long as the string.
+const char* cStringOf(REALstring string);
 // kEncodingAsStored for null, and until somebody says what the bytes are.
 std::uint32_t encodingOf(REALstring string);
 void setEncoding(REALstring string, std::uint32_t encoding);
