@@ -66,7 +66,7 @@ TEST(SharedAddressbook, MadeWhileTheWorkerRunsIsTheOnlyOne) {
 }
 
 TEST(SharedAddressbook, IsAskedForAgainWhenItCouldNotBeHad) {
-  const Host host{.contacts = kContacts};
+  const Host host{.contacts = kContacts, .yield = [] {}};
   const struct {
     const char* member;
     const char* selector;

@@ -101,7 +101,7 @@ class Classes : public ::testing::Test {
 TEST_F(Classes, LayTheDataOfAChainOneBehindTheOther) {
   EXPECT_EQ(base.dataOffset, kObjectDataOffset);
   EXPECT_EQ(derived.dataOffset, kObjectDataOffset + sizeof(BaseData));
-  EXPECT_EQ(host::requireClass("testderived").instanceSize, derived.dataOffset + 4);
+  EXPECT_EQ(host::requireClass("testderived").instanceSize, derived.dataOffset + 8);
 }
 
 TEST_F(Classes, RunTheirConstructorsOnlyForHostCode) {
