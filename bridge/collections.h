@@ -18,22 +18,24 @@ void fillHostArray(Array array, NSArray list, Convert convert) {
   }
 }
 
-// Adds what convertAt(index) makes of each index up to the bound; nil is left out.
-template <class ConvertAt>
-void addFromHost(NSMutableArray result, REALinteger upperBound, ConvertAt convertAt) {
+// Adds what convert makes of each element up to the bound; nil is left out. What readAt(index) answers is kept until
+// the converted object, which may be borrowed from it, has been added.
+template <class ReadAt, class Convert>
+void addFromHost(NSMutableArray result, REALinteger upperBound, ReadAt readAt, Convert convert) {
   for (REALinteger index = 0; index <= upperBound; ++index) {
-    if (NSObject object = convertAt(index)) result.addObject(object);
+    const auto element = readAt(index);
+    if (NSObject object = convert(element)) result.addObject(object);
   }
 }
 
 // The same for the elements of a host array, autoreleased. Nil for a nil array, and for an empty one if nilIfEmpty.
-template <class ConvertAt>
-NSMutableArray arrayFromHost(REALarray array, bool nilIfEmpty, ConvertAt convertAt) {
+template <class ReadAt, class Convert>
+NSMutableArray arrayFromHost(REALarray array, bool nilIfEmpty, ReadAt readAt, Convert convert) {
   if (array == nullptr) return nullptr;
   const REALinteger upperBound = REALGetArrayUBound(array);
   if (nilIfEmpty && upperBound == -1) return nullptr;
   auto result = NSMutableArray::arrayWithCapacity(static_cast<NSUInteger>(upperBound + 1));
   if (!result) return nullptr;
-  addFromHost(result, upperBound, convertAt);
+  addFromHost(result, upperBound, readAt, convert);
   return result;
 }

@@ -1,7 +1,6 @@
 #include "bridge/strings.h"
 
 #include "bridge/collections.h"
-#include "frame/host_ref.h"
 #include "frame/runtime_support.h"
 #include "platform/objc/retained.h"
 
@@ -34,8 +33,7 @@ rbData::rbData(REALstring string) {
     length = stringData.length;
     return;
   }
-  lockedString = string;
-  REALLockString(string);
+  lockedString = HostRef<REALstring>::share(string);
   const auto* record = reinterpret_cast<const REALstringRecord*>(string);
   data = record->buffer + 1;
   length = static_cast<std::uint32_t>(record->length);
@@ -43,8 +41,7 @@ rbData::rbData(REALstring string) {
 
 rbData::rbData(REALmemoryBlock block, std::uint32_t offset, std::uint32_t requestedLength) {
   if (block == nullptr) return;
-  lockedBlock = block;
-  REALLockObject(block);
+  lockedBlock = HostRef<REALmemoryBlock>::share(block);
   const auto size = static_cast<std::uint32_t>(std::clamp<std::int64_t>(REALMemoryBlockGetSize(block), 0, UINT32_MAX));
   const std::uint32_t available = offset < size ? size - offset : 0;
   const auto* address = static_cast<const char*>(REALMemoryBlockGetPtr(block));
@@ -54,8 +51,6 @@ rbData::rbData(REALmemoryBlock block, std::uint32_t offset, std::uint32_t reques
 }
 
 rbData::~rbData() {
-  if (lockedString != nullptr) REALUnlockString(lockedString);
-  if (lockedBlock != nullptr) REALUnlockObject(lockedBlock);
   if (ownsStringData) REALDisposeStringData(&stringData);
 }
 
@@ -144,9 +139,9 @@ REALstring REALBuildUnicodeString(const void* bytes, std::int32_t byteCount, std
 }
 
 NSMutableArray CreateNSStringArray(REALstringArray array, signed char nilIfEmpty) {
-  return arrayFromHost(array, nilIfEmpty != 0, [array](REALinteger index) -> NSObject {
-    return NewNSString(adoptHost(REALGetArrayString(array, index)).get());
-  });
+  return arrayFromHost(
+      array, nilIfEmpty != 0, [array](REALinteger index) { return adoptHost(REALGetArrayString(array, index)); },
+      [](const HostRef<REALstring>& element) { return NewNSString(element.get()); });
 }
 
 NSArray CreateNSStringArray(REALstring string) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "frame/host_interface.h"
+#include "frame/host_ref.h"
 #include "platform/foundation/array.h"
 #include "platform/foundation/cf_string.h"
 #include "platform/foundation/string.h"
@@ -19,8 +19,8 @@ class rbData {
   ~rbData();
 
  private:
-  REALstring lockedString = nullptr;
-  REALmemoryBlock lockedBlock = nullptr;
+  HostRef<REALstring> lockedString;
+  HostRef<REALmemoryBlock> lockedBlock;
   REALstringData stringData{};
   bool ownsStringData = false;
 

@@ -154,11 +154,13 @@ template <class Element, class Read, class Number>
 NSMutableArray numbersFromVariant(REALvariant variant, NSNumber (*makeNumber)(Number)) {
   auto* array = asArray<Element>(variant);
   auto result = NSMutableArray::array();
-  addFromHost(result, REALGetArrayUBound(array), [array, makeNumber](REALinteger index) -> NSObject {
+  const auto readAt = [array](REALinteger index) {
     Read value{};
     REALGetArrayValue(array, index, &value);
-    return makeNumber(static_cast<Number>(value));
-  });
+    return value;
+  };
+  addFromHost(result, REALGetArrayUBound(array), readAt,
+              [makeNumber](Read value) { return makeNumber(static_cast<Number>(value)); });
   return result;
 }
 
@@ -166,11 +168,13 @@ template <class Element, class Converted>
 NSMutableArray handlesFromVariant(REALvariant variant, Converted (*convert)(Element)) {
   auto* array = asArray<Element>(variant);
   auto result = NSMutableArray::array();
-  addFromHost(result, REALGetArrayUBound(array), [array, convert](REALinteger index) -> NSObject {
+  const auto readAt = [array](REALinteger index) {
     Element value = nullptr;
     REALGetArrayValue(array, index, &value);
-    return convert(adoptHost(value).get());
-  });
+    return adoptHost(value);
+  };
+  addFromHost(result, REALGetArrayUBound(array), readAt,
+              [convert](const HostRef<Element>& element) { return convert(element.get()); });
   return result;
 }
 

@@ -104,10 +104,9 @@ void FillABRecordArray(REALobjectArray array, NSArray objects) {
 }
 
 NSMutableArray CreateNSObjectArray(REALobjectArray array, bool nilIfEmpty) {
-  return arrayFromHost(array, nilIfEmpty, [array](REALinteger index) {
-    const auto element = adoptHost(REALGetArrayObject(array, index));
-    return wrapped<NSObject>(element.get());
-  });
+  return arrayFromHost(
+      array, nilIfEmpty, [array](REALinteger index) { return adoptHost(REALGetArrayObject(array, index)); },
+      [](const HostRef<REALobject>& element) { return wrapped<NSObject>(element.get()); });
 }
 
 void constructWrapper(REALobject) { CocoaInit(); }
