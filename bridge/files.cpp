@@ -2,12 +2,12 @@
 
 #include "bridge/strings.h"
 #include "frame/host_interface.h"
+#include "frame/runtime_support.h"
 #include "platform/carbon/files.h"
 #include "platform/foundation/cf_string.h"
 #include "platform/objc/retained.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <optional>
 #include <utility>
@@ -92,7 +92,7 @@ REALfolderItem REALFolderItemFromFSRef(const FSRef& ref) {
   FSCatalogInfo info{};
   FSRef parent;
   if (FSGetCatalogInfo(&ref, kFSCatInfoNodeID, &info, nullptr, nullptr, &parent) == noErr) {
-    if (info.nodeID == kRootFolderNodeID) std::memset(&parent, 0, sizeof parent);
+    if (info.nodeID == kRootFolderNodeID) ClearMemory(&parent, sizeof parent);
     HFSUniStr255 name{};
     if (FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr) == noErr &&
         FSGetCatalogInfo(&parent, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr) == noErr) {

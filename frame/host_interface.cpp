@@ -1,6 +1,7 @@
 #include "frame/host_interface.h"
 
 #include "frame/global_method.h"
+#include "frame/host_ref.h"
 #include "frame/plugin_entry.h"
 
 #include <cstdlib>
@@ -48,23 +49,21 @@ bool copyStringData(REALstring string, std::uint32_t encoding, REALstringData* d
   auto* byteLength = lenB.find();
   if (cString == nullptr || byteLength == nullptr || string == nullptr) return false;
 
-  REALstring converted = nullptr;
+  HostRef<REALstring> converted;
   if (encoding != kEncodingAsStored && REALGetStringEncoding(string) != encoding) {
-    converted = REALConvertString(string, encoding);
-    if (converted == nullptr) return false;
-    string = converted;
+    converted = adoptHost(REALConvertString(string, encoding));
+    if (!converted) return false;
+    string = converted.get();
   }
   const auto length = static_cast<std::uint32_t>(byteLength(string));
   const char* bytes = cString(string);
-  char* buffer = nullptr;
-  if (bytes != nullptr || length == 0) buffer = static_cast<char*>(std::malloc(length + kTerminatorSize));
-  if (buffer != nullptr) {
-    if (length > 0) std::memcpy(buffer, bytes, length);
-    std::memset(buffer + length, 0, kTerminatorSize);
-    *data = {buffer, length, encoding};
-  }
-  if (converted != nullptr) REALUnlockString(converted);
-  return buffer != nullptr;
+  if (bytes == nullptr && length > 0) return false;
+  auto* buffer = static_cast<char*>(std::malloc(length + kTerminatorSize));
+  if (buffer == nullptr) return false;
+  if (length > 0) std::memcpy(buffer, bytes, length);
+  std::memset(buffer + length, 0, kTerminatorSize);
+  *data = {buffer, length, encoding};
+  return true;
 }
 
 }  // namespace
@@ -112,15 +111,11 @@ float GetArrayValueProcFloat(REALarray array, REALinteger index) { return stored
 double GetArrayValueProcDouble(REALarray array, REALinteger index) { return storedElement<double>(array, index); }
 
 REALstring GetArrayValueProcString(REALarray array, REALinteger index) {
-  auto string = storedElement<REALstring>(array, index);
-  if (string != nullptr) REALLockString(string);
-  return string;
+  return HostRef<REALstring>::share(storedElement<REALstring>(array, index)).handOver();
 }
 
 REALobject GetArrayValueProcObject(REALarray array, REALinteger index) {
-  auto object = storedElement<REALobject>(array, index);
-  if (object != nullptr) REALLockObject(object);
-  return object;
+  return HostRef<REALobject>::share(storedElement<REALobject>(array, index)).handOver();
 }
 
 void* MyRuntimeArrayDirectGetGetProcInt64(REALarray) { return reinterpret_cast<void*>(GetArrayValueProcInt64); }

@@ -4,9 +4,9 @@
 
 // Work on another thread while the host's main thread goes on serving the host.
 
-// Runs work(context) on a worker and waits for its end: about every millisecond, and once more after the end, the host
-// is yielded to and idle(context) called. Either function may be null. False when there is no worker to be had; then
-// neither function is called. Called on the host's main thread.
+// Runs work(context) on a worker and waits for its end, yielding to the host at least once. Until then idle(context) is
+// called about every millisecond, and once more after the end. Either function may be null. False when there is no
+// worker to be had; then neither function is called. Called on the host's main thread.
 bool RunThreaded(void* context, void (*workFunction)(void*), void (*idleFunction)(void*));
 
 // Names the calling thread where the platform can.
