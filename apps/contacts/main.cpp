@@ -74,7 +74,7 @@ CommandLine::CommandLine() {
   });
   app_.add_option("--folder", folder_, "The folder of vCards (else ADDRESSBOOK_FOLDER, else the user's own)");
   app_.add_flag("--json", manner_.isJson, "Print JSON");
-  app_.add_flag("-q,--quiet", manner_.isQuiet, "Print nothing about what went well");
+  app_.add_flag("-q,--quiet", manner_.isQuiet, "Print nothing about what went well, nor warnings");
   addReading();
   addEditing();
   addGroups();
@@ -248,7 +248,7 @@ std::optional<int> CommandLine::parse(int argc, char** argv) {
 
 bool CommandLine::run() {
   if (!folder_.empty()) setenv("ADDRESSBOOK_FOLDER", folder_.c_str(), 1);
-  registered_ = startHost();
+  registered_ = startHost(manner_);
   run_();
   return isFound_;
 }

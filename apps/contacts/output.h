@@ -13,7 +13,7 @@ namespace contacts {
 // How a command speaks to its user.
 struct Manner {
   bool isJson = false;
-  bool isQuiet = false;   // says nothing of what went well
+  bool isQuiet = false;   // says nothing of what went well, and doesn't warn
   bool isDryRun = false;  // writes nothing
 };
 

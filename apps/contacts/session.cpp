@@ -5,18 +5,36 @@
 #include "host/error.h"
 #include "host/foreign_classes.h"
 #include "host/loader.h"
+#include "host/log.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <string_view>
 
 namespace contacts {
+namespace {
 
-std::vector<std::string> startHost() {
+constexpr std::string_view kStoreMark = "contacts folder: ";
+
+// Of the log, the store's warnings are for the user; exceptions come back as what the command says.
+void showWarning(std::string_view message) {
+  if (!message.starts_with(kStoreMark)) return;
+  message.remove_prefix(kStoreMark.size());
+  std::fprintf(stderr, "contacts: %.*s\n", static_cast<int>(message.size()), message.data());
+}
+
+void hideWarning(std::string_view) {}
+
+}  // namespace
+
+std::vector<std::string> startHost(const Manner& manner) {
+  if (std::getenv("CONTACTS_LOG") == nullptr) host::sendLogTo(manner.isQuiet ? hideWarning : showWarning);
   const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
   const std::filesystem::path root = program.parent_path().parent_path();
   for (const auto& [name, reason] : host::loadFrameworks(root / "Frameworks")) {

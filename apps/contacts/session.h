@@ -9,8 +9,9 @@
 namespace contacts {
 
 // Starts the host and loads the frameworks and the plug-in that lie beside the program; answers the names of the
-// classes that the plug-in registered. Throws host::Error when there is no plug-in.
-std::vector<std::string> startHost();
+// classes that the plug-in registered. From then on the user sees what the store warns of, unless it is to be quiet;
+// all that is logged where CONTACTS_LOG is set. Throws host::Error when there is no plug-in.
+std::vector<std::string> startHost(const Manner& manner);
 
 // The shared address book. Throws host::HostException, whose object says why, when the contacts can't be opened.
 host::Value openAddressBook();

@@ -170,6 +170,7 @@ TEST(Command, RefusesBadInputInOneLineAndLeavesTheFolder) {
       {{"properties", "--remove", "First"}, 1, "can't be removed"},
       {{"pick", "ada"}, 1, "no terminal"},
       {{"classes", "Nobody"}, 1, "Nobody"},
+      {{"list", "--folder", "/proc/version"}, 1, "contacts folder /proc/version: cannot be read: Not a directory\n"},
   };
   for (const Case& each : cases) {
     const Outcome outcome = run(each.arguments);
@@ -179,4 +180,8 @@ TEST(Command, RefusesBadInputInOneLineAndLeavesTheFolder) {
     EXPECT_LE(std::ranges::count(outcome.output, '\n'), 1);
   }
   EXPECT_EQ(contentsOf(folder.path()), before);
+
+  folder.write("4.vcf", "This is no card.\n");
+  EXPECT_EQ(outputOf({"groups"}), "contacts: 4.vcf: is not a vCard; left alone\nWork (0)\n");
+  EXPECT_EQ(outputOf({"groups", "--quiet"}), "Work (0)\n");
 }
