@@ -56,7 +56,8 @@ bool endsInSoftBreak(const Line& line) {
 
 // A line whose meaning is left alone.
 void appendUnchanged(std::string& text, const Line& line, Version version) {
-  const bool keepsFolds = version == Version::k30 || line.name().empty();
+  // Nor may BEGIN and END be folded, whatever blanks are in them: they are told by one physical line.
+  const bool keepsFolds = version == Version::k30 || line.name().empty() || boundaryOf(line.raw()) != Boundary::kNone;
   if (endsInSoftBreak(line)) {
     std::string content = recoded(line);
     if (content.ends_with('=')) content += "3D";
