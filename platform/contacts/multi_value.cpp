@@ -21,9 +21,10 @@ void requireArgument(NSObject argument, const char* message) {
   if (!argument) NSException::raise(NSInvalidArgumentException, message);
 }
 
-// A string of its own, so that nobody changes an entry from outside.
+// A copy where there are mutable ones, so that nobody changes an entry from outside, and no multi-value holds itself.
 Retained<NSObject> ownValue(NSObject value) {
   if (value.isKindOfClass("NSString"_class)) return Retained<NSObject>::adopt(value.as<NSString>().copy());
+  if (value.isKindOfClass("ABMultiValue"_class)) return Retained<NSObject>::adopt(value.as<ABMultiValue>().copy());
   return Retained<NSObject>::share(value);
 }
 

@@ -55,6 +55,8 @@ TEST_F(MultiValue, CopiesAreIndependent) {
   EXPECT_EQ(shown(changed.get()), "[z=1 *b=2]");
   EXPECT_FALSE(fixed->respondsToSelector("addValue:withLabel:"_sel));
   EXPECT_EQ(Retained<ABMultiValue>::adopt(fixed->copy()).get(), fixed.get());
+  changed->addValue(changed.get(), "as it was"_ns);
+  EXPECT_EQ(changed->valueAtIndex(2).as<ABMultiValue>().count(), 2U);
 }
 
 TEST_F(MultiValue, RaisesForWhatIsMissing) {
