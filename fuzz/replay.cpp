@@ -1,4 +1,5 @@
-// Stands in for libFuzzer: runs the target over every file of the folders given, each named before it is run.
+// Stands in for libFuzzer: runs the target over every file of the folders given, each named before it is run, and over
+// random inputs: -runs=N of them, each made from a number of its own, from -seed=S on.
 
 #include "fuzz/target.h"
 
@@ -7,20 +8,48 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
+#include <string_view>
 #include <vector>
+
+namespace {
+
+constexpr std::size_t kLongestInput = 4096;
+
+void run(const std::string& name, const std::string& bytes) {
+  std::fprintf(stderr, "%s\n", name.c_str());
+  LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+}
+
+std::string randomInput(unsigned long seed) {
+  std::mt19937_64 random(seed);
+  std::string bytes(random() % kLongestInput, '\0');
+  std::ranges::generate(bytes, [&] { return static_cast<char>(random()); });
+  return bytes;
+}
+
+}  // namespace
 
 int main(int argumentCount, char** arguments) {
   std::vector<std::filesystem::path> files;
+  unsigned long runs = 0;
+  unsigned long seed = 1;
   for (int i = 1; i < argumentCount; ++i) {
-    for (const auto& entry : std::filesystem::directory_iterator(arguments[i])) files.push_back(entry.path());
+    const std::string argument = arguments[i];
+    if (argument.starts_with("-runs=")) {
+      runs = std::stoul(argument.substr(6));
+    } else if (argument.starts_with("-seed=")) {
+      seed = std::stoul(argument.substr(6));
+    } else {
+      for (const auto& entry : std::filesystem::directory_iterator(argument)) files.push_back(entry.path());
+    }
   }
   std::ranges::sort(files);
   for (const auto& file : files) {
-    std::fprintf(stderr, "%s\n", file.c_str());
     std::ifstream stream(file, std::ios::binary);
-    const std::string bytes(std::istreambuf_iterator<char>(stream), {});
-    LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
+    run(file, std::string(std::istreambuf_iterator<char>(stream), {}));
   }
-  return files.empty() ? 1 : 0;
+  for (unsigned long i = 0; i < runs; ++i) run("seed " + std::to_string(seed + i), randomInput(seed + i));
+  return files.empty() && runs == 0 ? 1 : 0;
 }

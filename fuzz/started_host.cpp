@@ -28,7 +28,7 @@ std::string platformReport() {
 
 }  // namespace
 
-StartedHost::StartedHost(const std::vector<std::string>& without) {
+StartedHost::StartedHost(const std::vector<std::string>& without, const std::function<void()>& prepare) {
   // A zone whose clocks change, and whose rules need no file.
   setenv("TZ", "CET-1CEST,M3.5.0,M10.5.0/3", 1);
   tzset();
@@ -36,6 +36,8 @@ StartedHost::StartedHost(const std::vector<std::string>& without) {
   host::registerForeignClasses();
   host::startPlugin(REALPluginMain);
   CocoaInit();
+  if (prepare) prepare();
+  hostObjects_ = host::liveReport();
   platformObjects_ = platformReport();
 }
 
@@ -52,7 +54,7 @@ StartedHost::Outcome StartedHost::run(const std::function<std::string()>& action
   host::failNewInstance(0);
   host::failMemoryBlock(0);
   host::takePendingException();
-  expectEqual(host::liveReport(), "", "host objects left over");
+  expectEqual(host::liveReport(), hostObjects_, "host objects left over");
   expectEqual(platformReport(), platformObjects_, "framework objects left over");
   return outcome;
 }

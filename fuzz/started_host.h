@@ -7,8 +7,8 @@
 // The one host of a fuzz target, with the plug-in and the family's other classes.
 class StartedHost {
  public:
-  // What the host lacks, as host::Options has it.
-  explicit StartedHost(const std::vector<std::string>& without = {});
+  // What the host lacks, as host::Options has it; what makes things that stay.
+  explicit StartedHost(const std::vector<std::string>& without = {}, const std::function<void()>& prepare = {});
 
   // What an action answered, or the framework exception that it raised, in words.
   struct Outcome {
@@ -20,5 +20,6 @@ class StartedHost {
   Outcome run(const std::function<std::string()>& action) const;
 
  private:
+  std::string hostObjects_;
   std::string platformObjects_;
 };
