@@ -3,11 +3,14 @@
 #include "apps/contacts/failure.h"
 #include "apps/contacts/script_expressions.h"
 #include "apps/contacts/text.h"
+#include "apps/contacts/values.h"
+#include "host/events.h"
 #include "host/exceptions.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <iostream>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -75,6 +78,8 @@ class Program {
   // Up to a line that ends a block or begins its next part, or to the end of the program.
   Block block() {
     constexpr std::string_view kEnds[] = {"end", "else", "elseif", "next", "wend", "catch"};
+    constexpr int kMostDepth = 100;
+    if (++depth_ > kMostDepth) throw Failure("blocks are nested too deeply; expected 100 at most");
     Block block;
     while (at_ < lines_.size()) {
       const Token& first = lines_[at_].tokens.front();
@@ -88,6 +93,7 @@ class Program {
         block.statements.emplace_back(number, statement(reader));
       });
     }
+    --depth_;
     return block;
   }
 
@@ -116,12 +122,17 @@ class Program {
     if (reader.take("for")) return loop(reader);
     if (reader.take("while")) return repetition(reader);
     if (reader.take("try")) return trial(reader);
+    if (reader.take("on")) return handler(reader);
     return reader.callOrAssignment();
   }
 
+  // "dim name = value", or "dim names() as type" for an empty array. Other types are not looked at.
   static Statement declaration(ExpressionReader& reader) {
     const std::string name = reader.name();
-    Expression value = [](Scope&) { return host::Value(); };
+    const bool isArray = reader.take("(");
+    if (isArray) reader.expect(")");
+    const std::string type = reader.take("as") ? reader.name() : "";
+    Expression value = [isArray, type](Scope&) { return isArray ? arrayOf(type, {}) : host::Value(); };
     if (reader.take("=")) value = reader.expression();
     reader.expectEnd();
     return [name, value](Scope& scope) { scope.variables[name] = value(scope); };
@@ -219,9 +230,36 @@ class Program {
     };
   }
 
+  // "on object.Event(names)": a block that is run at each event, which leaves its values in the named variables.
+  Statement handler(ExpressionReader& reader) {
+    const std::string object = reader.name();
+    reader.expect(".");
+    const std::string event = reader.name();
+    std::vector<std::string> names;
+    if (reader.take("(")) {
+      do names.push_back(reader.name());
+      while (reader.take(","));
+      reader.expect(")");
+    }
+    reader.expectEnd();
+    const Block body = block();
+    expectEndOf("on");
+    return [object, event, names, body](Scope& scope) {
+      const host::Value& owner = scope.variable(object);
+      if (owner.isNil()) throw Failure(object + " is nil; expected an object");
+      host::handleEvent(owner, event, [&scope, names, body](const host::Value&, std::span<const host::Value> values) {
+        const std::size_t line = scope.line;
+        for (std::size_t i = 0; i < std::min(names.size(), values.size()); ++i) scope.variables[names[i]] = values[i];
+        body.run(scope);
+        scope.line = line;
+      });
+    };
+  }
+
   std::string name_;
   std::vector<Line> lines_;
   std::size_t at_ = 0;
+  int depth_ = 0;
   Block program_;
 };
 

@@ -5,6 +5,7 @@
 #include "apps/contacts/values.h"
 #include "host/arrays.h"
 #include "host/classes.h"
+#include "host/entries.h"
 #include "host/memory_blocks.h"
 #include "host/objects.h"
 
@@ -18,13 +19,11 @@ namespace {
 
 bool isText(const host::Value& value) { return std::holds_alternative<host::StringRef>(value.data()); }
 bool isObject(const host::Value& value) { return std::holds_alternative<host::ObjectRef>(value.data()); }
-
-host::Value joined(const host::Value& a, const host::Value& b) { return shown(a) + shown(b); }
+bool isWhole(const host::Value& value) { return value.typeName().find("Int") != std::string::npos; }
 
 host::Value calculated(char sign, const host::Value& a, const host::Value& b) {
-  if (sign == '&' || (sign == '+' && (isText(a) || isText(b)))) return joined(a, b);
+  if (sign == '&' || (sign == '+' && (isText(a) || isText(b)))) return shown(a) + shown(b);
   if (sign == '/') return a.number() / b.number();
-  const auto isWhole = [](const host::Value& value) { return value.typeName().find("Int") != std::string::npos; };
   if (isWhole(a) && isWhole(b)) {
     const std::int64_t x = a.integer();
     const std::int64_t y = b.integer();
@@ -38,6 +37,16 @@ host::Value calculated(char sign, const host::Value& a, const host::Value& b) {
   const double x = a.number();
   const double y = b.number();
   return sign == '+' ? x + y : sign == '-' ? x - y : x * y;
+}
+
+// Of truths, the second only where it matters; of whole numbers bit by bit.
+Expression logical(bool isAnd, const Expression& left, const Expression& right) {
+  return [isAnd, left, right](Scope& scope) -> host::Value {
+    const host::Value a = left(scope);
+    if (!isWhole(a)) return truthOf(a) == isAnd ? truthOf(right(scope)) : !isAnd;
+    const std::int64_t b = right(scope).integer();
+    return isAnd ? a.integer() & b : a.integer() | b;
+  };
 }
 
 bool isLess(const host::Value& a, const host::Value& b) {
@@ -59,10 +68,13 @@ std::optional<host::Value> builtIn(const std::string& name, const std::vector<ho
     if (arguments.size() != 1) throw Failure(name + ": " + std::to_string(arguments.size()) + " arguments, expected 1");
     return arguments.front();
   };
-  if (name == "array") {
-    const bool areTexts = !arguments.empty() && std::ranges::all_of(arguments, isText);
-    return areTexts ? host::stringArray(arguments) : host::objectArray(arguments);
+  if (name == "array") return arrayOf(arguments.empty() ? "" : arguments.front().typeName(), arguments);
+  if (name == "chr") {
+    const std::int64_t code = only().integer();
+    if (code < 0 || code > 127) throw Failure("chr: " + std::to_string(code) + ", expected 0 to 127");
+    return std::string(1, static_cast<char>(code));
   }
+  if (name == "wait") return host::idle(only().number()), host::Value();
   if (name == "date") return valueFrom(only().text(), kDate);
   if (name == "memoryblock") return host::memoryBlock(only().text());
   if (name == "text") return isObject(only()) ? host::Value(host::bytesOf(only())) : host::Value(shown(only()));
@@ -71,15 +83,43 @@ std::optional<host::Value> builtIn(const std::string& name, const std::vector<ho
   return std::nullopt;
 }
 
+// Throws Failure for a value without members.
+const host::HostClass& classOfOwner(const host::Value& owner, const std::string& member) {
+  if (isObject(owner) && !owner.isNil()) return host::classOf(owner.object());
+  throw Failure(member + " of " + owner.typeName() + "; expected an object");
+}
+
+host::Value elementOf(const host::Value& array, const host::Arguments& indexes) {
+  if (indexes.size() != 1) throw Failure("an element of an array is named by one number");
+  const std::int64_t index = indexes.front().value().integer();
+  const auto size = static_cast<std::int64_t>(array.size());
+  if (index >= 0 && index < size) return host::elementAt(array.object(), static_cast<REALinteger>(index));
+  throw Failure("no element " + std::to_string(index) + " in an array of " + std::to_string(size));
+}
+
+// Where no member of that name takes arguments, they are an index into what it answers.
+template <class Answer>
+host::Value answerOrElement(const host::HostClass& owner, std::vector<host::Method> host::HostClass::*methods,
+                            const std::string& name, const host::Arguments& arguments, Answer answer) {
+  bool isIndex = !arguments.empty();
+  for (const host::HostClass* each = &owner; each != nullptr && isIndex; each = each->superclass) {
+    isIndex = std::ranges::none_of(each->*methods, [&](const host::Method& method) {
+      return host::sameName(method.declaration.name, name) && !method.declaration.parameters.empty();
+    });
+  }
+  return isIndex ? elementOf(answer(host::Arguments()), arguments) : answer(arguments);
+}
+
 host::Value memberValue(const host::Value& target, const std::string& name, const host::Arguments& arguments) {
-  if (!isObject(target) || target.isNil()) throw Failure(name + " of " + target.typeName() + "; expected an object");
-  const bool isProperty = arguments.empty() && host::findProperty(host::classOf(target.object()), name) != nullptr;
-  return isProperty ? target.get(name) : host::callMember(target, name, arguments);
+  const host::HostClass& owner = classOfOwner(target, name);
+  return answerOrElement(owner, &host::HostClass::methods, name, arguments, [&](const host::Arguments& given) {
+    const bool isProperty = given.empty() && host::findProperty(owner, name) != nullptr;
+    return isProperty ? target.get(name) : host::callMember(target, name, given);
+  });
 }
 
 void assignTo(const host::Value& target, const std::string& name, host::Arguments arguments, const host::Value& value) {
-  if (!isObject(target) || target.isNil()) throw Failure(name + " of " + target.typeName() + "; expected an object");
-  if (arguments.empty() && host::findProperty(host::classOf(target.object()), name) != nullptr) {
+  if (arguments.empty() && host::findProperty(classOfOwner(target, name), name) != nullptr) {
     target.set(name, value);
     return;
   }
@@ -88,20 +128,12 @@ void assignTo(const host::Value& target, const std::string& name, host::Argument
 }
 
 host::Value sharedValue(const std::string& className, const std::string& name, const host::Arguments& arguments) {
-  for (const host::ConstantDeclaration& constant : host::requireClass(className).constants) {
+  const host::HostClass& owner = host::requireClass(className);
+  for (const host::ConstantDeclaration& constant : owner.constants) {
     if (arguments.empty() && host::sameName(constant.name, name)) return constant.value;
   }
-  return host::callSharedMember(className, name, arguments);
-}
-
-host::Value elementOf(const host::Value& array, const std::vector<host::Value>& indexes) {
-  if (indexes.size() != 1) throw Failure("an element of an array is named by one number");
-  const std::int64_t index = indexes.front().integer();
-  const std::size_t size = array.size();
-  if (index < 0 || index >= static_cast<std::int64_t>(size)) {
-    throw Failure("no element " + std::to_string(index) + " in an array of " + std::to_string(size));
-  }
-  return array.at(static_cast<std::size_t>(index));
+  return answerOrElement(owner, &host::HostClass::sharedMethods, name, arguments,
+                         [&](const host::Arguments& given) { return host::callSharedMember(className, name, given); });
 }
 
 template <class Makers>
@@ -149,34 +181,33 @@ bool ExpressionReader::take(std::string_view text) {
   return isTaken;
 }
 
-void ExpressionReader::expect(std::string_view text) {
-  if (take(text)) return;
+void ExpressionReader::failFor(std::string_view expected) const {
   throw Failure((isAtEnd() ? "the line ends" : "\"" + printable(token().text) + "\"") + "; expected " +
-                std::string(text));
+                std::string(expected));
+}
+
+void ExpressionReader::expect(std::string_view text) {
+  if (!take(text)) failFor(text);
 }
 
 void ExpressionReader::expectEnd() const {
-  if (!isAtEnd()) throw Failure("\"" + printable(token().text) + "\"; expected the end of the line");
+  if (!isAtEnd()) failFor("the end of the line");
 }
 
 std::string ExpressionReader::name() {
-  if (token().kind != TokenKind::kName) throw Failure("\"" + printable(token().text) + "\"; expected a name");
+  if (token().kind != TokenKind::kName) failFor("a name");
   return lowerCase(tokens_[at_++].text);
 }
 
 Expression ExpressionReader::expression() {
   Expression left = conjunction();
-  while (take("or")) {
-    left = [left, right = conjunction()](Scope& scope) { return truthOf(left(scope)) || truthOf(right(scope)); };
-  }
+  while (take("or")) left = logical(false, left, conjunction());
   return left;
 }
 
 Expression ExpressionReader::conjunction() {
   Expression left = comparison();
-  while (take("and")) {
-    left = [left, right = comparison()](Scope& scope) { return truthOf(left(scope)) && truthOf(right(scope)); };
-  }
+  while (take("and")) left = logical(true, left, comparison());
   return left;
 }
 
@@ -193,23 +224,15 @@ Expression ExpressionReader::comparison() {
   return left;
 }
 
-Expression ExpressionReader::sum() {
-  Expression left = product();
-  while (isNext("+") || isNext("-") || isNext("&")) {
-    const char sign = tokens_[at_++].text.front();
-    left = [sign, left, right = product()](Scope& scope) {
-      const host::Value a = left(scope);
-      return calculated(sign, a, right(scope));
-    };
-  }
-  return left;
-}
+Expression ExpressionReader::sum() { return chain("+-&", &ExpressionReader::product); }
 
-Expression ExpressionReader::product() {
-  Expression left = unary();
-  while (isNext("*") || isNext("/")) {
+Expression ExpressionReader::product() { return chain("*/", &ExpressionReader::unary); }
+
+Expression ExpressionReader::chain(std::string_view signs, Expression (ExpressionReader::*part)()) {
+  Expression left = (this->*part)();
+  while (token().kind == TokenKind::kSign && token().text.size() == 1 && signs.find(token().text[0]) < signs.size()) {
     const char sign = tokens_[at_++].text.front();
-    left = [sign, left, right = unary()](Scope& scope) {
+    left = [sign, left, right = (this->*part)()](Scope& scope) {
       const host::Value a = left(scope);
       return calculated(sign, a, right(scope));
     };
@@ -225,7 +248,17 @@ Expression ExpressionReader::unary() {
 
 ExpressionReader::Place ExpressionReader::place() {
   Place place = first();
-  while (take(".")) place = memberOf(place.value);
+  while (isNext(".") || isNext("(")) {
+    if (take(".")) {
+      place = memberOf(place.value);
+    } else {
+      place = {[array = place.value, makers = arguments()](Scope& scope) {
+                 const host::Value value = array(scope);
+                 return elementOf(value, made(makers, scope));
+               },
+               {}};
+    }
+  }
   return place;
 }
 
@@ -236,19 +269,18 @@ ExpressionReader::Place ExpressionReader::first() {
     return {std::move(inner), {}};
   }
   const Token found = token();
-  if (found.kind == TokenKind::kText) {
-    ++at_;
-    return {[text = found.text](Scope&) { return host::Value(text); }, {}};
-  }
+  std::optional<host::Value> constant;
+  if (found.kind == TokenKind::kText) constant = found.text;
   if (found.kind == TokenKind::kNumber) {
-    ++at_;
-    const bool isWhole = found.text.find('.') == std::string::npos;
-    const host::Value number = isWhole ? host::Value(valueFrom(found.text, kInteger)) : valueFrom(found.text, kReal);
-    return {[number](Scope&) { return number; }, {}};
+    constant = valueFrom(found.text, found.text.find('.') == std::string::npos ? kInteger : kReal);
   }
-  if (take("nil")) return {[](Scope&) { return host::Value(); }, {}};
-  if (take("true")) return {[](Scope&) { return host::Value(true); }, {}};
-  if (take("false")) return {[](Scope&) { return host::Value(false); }, {}};
+  if (isNext("nil")) constant = nullptr;
+  if (isNext("true") || isNext("false")) constant = isNext("true");
+  if (isNext("endofline")) constant = "\n";
+  if (constant) {
+    ++at_;
+    return {[value = *constant](Scope&) { return value; }, {}};
+  }
   return named(name());
 }
 
@@ -267,9 +299,9 @@ ExpressionReader::Place ExpressionReader::named(const std::string& name) {
             [name](Scope& scope, const host::Value& value) { scope.variable(name) = value; }};
   }
   return {[name, makers = arguments()](Scope& scope) {
-            const std::vector<host::Value> values = valuesOf(made(makers, scope));
-            if (auto result = builtIn(name, values)) return *std::move(result);
-            return elementOf(scope.variable(name), values);
+            const host::Arguments given = made(makers, scope);
+            if (auto result = builtIn(name, valuesOf(given))) return *std::move(result);
+            return elementOf(scope.variable(name), given);
           },
           {}};
 }
@@ -312,14 +344,12 @@ std::vector<ExpressionReader::ArgumentMaker> ExpressionReader::arguments() {
   while (!take(")")) {
     if (!makers.empty()) expect(",");
     const Token& next = tokens_[std::min(at_ + 1, tokens_.size() - 1)];
-    const bool isAlone = token().kind == TokenKind::kName && next.kind == TokenKind::kSign &&
-                         (next.text == "," || next.text == ")") && !isNext("nil") && !isNext("true") &&
-                         !isNext("false");
-    if (isAlone) {
-      makers.emplace_back([name = name()](Scope& scope) { return host::Argument(host::Ref(scope.variable(name))); });
-    } else {
-      makers.emplace_back([value = expression()](Scope& scope) { return host::Argument(value(scope)); });
-    }
+    const bool isAlone = next.kind == TokenKind::kSign && (next.text == "," || next.text == ")");
+    const std::string word = isAlone && token().kind == TokenKind::kName ? lowerCase(token().text) : "";
+    makers.emplace_back([word, value = expression()](Scope& scope) {
+      const auto found = scope.variables.find(word);
+      return found == scope.variables.end() ? host::Argument(value(scope)) : host::Argument(host::Ref(found->second));
+    });
   }
   return makers;
 }

@@ -57,10 +57,12 @@ class ExpressionReader {
 
   [[nodiscard]] const Token& token() const { return tokens_[at_]; }
   [[nodiscard]] bool isNext(std::string_view text) const;
+  [[noreturn]] void failFor(std::string_view expected) const;
   Expression conjunction();
   Expression comparison();
   Expression sum();
   Expression product();
+  Expression chain(std::string_view signs, Expression (ExpressionReader::*part)());
   Expression unary();
   Place place();
   Place first();

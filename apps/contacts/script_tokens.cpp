@@ -55,6 +55,9 @@ std::vector<Token> tokensOf(std::string_view line) {
       tokens.push_back({TokenKind::kSign, std::string(*sign)});
     }
   }
+  // Readers go as deep as a line goes.
+  constexpr std::size_t kMostTokens = 1000;
+  if (tokens.size() > kMostTokens) throw Failure("the line is too long; expected 1000 words and signs at most");
   tokens.emplace_back();
   return tokens;
 }

@@ -2,10 +2,13 @@
 
 #include "apps/contacts/failure.h"
 #include "apps/contacts/text.h"
+#include "host/arrays.h"
+#include "host/classes.h"
 #include "host/dates.h"
 #include "host/dictionaries.h"
 #include "host/memory_blocks.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
@@ -96,7 +99,11 @@ std::string valueText(const host::Value& book, const host::Value& value) {
     for (const host::Value& each : value.elements()) line += (line.empty() ? "" : ", ") + valueText(book, each);
     return line;
   }
-  if (std::holds_alternative<host::ObjectRef>(value.data())) return value.call("Description").text();
+  if (std::holds_alternative<host::ObjectRef>(value.data())) {
+    static const host::Declaration description = host::parseDeclaration("Description as string");
+    const bool isDescribed = host::findMethod(host::classOf(value.object()), description) != nullptr;
+    return isDescribed ? value.call("Description").text() : type;
+  }
   if (type == "Single" || type == "Double") {
     char buffer[40];
     std::snprintf(buffer, sizeof buffer, "%.15g", value.number());
@@ -134,6 +141,19 @@ host::Value dictionaryOf(const std::vector<std::pair<std::string, host::Value>>&
   const host::Value dictionary = host::dictionary({});
   for (const auto& [key, value] : entries) dictionary.assign("Value", key, value);
   return dictionary;
+}
+
+host::Value arrayOf(std::string_view type, const std::vector<host::Value>& elements) {
+  constexpr std::pair<std::string_view, host::ElementType> kTypes[] = {
+      {"Boolean", host::ElementType::boolean}, {"Integer", host::ElementType::int32},
+      {"Int64", host::ElementType::int64},     {"Double", host::ElementType::real},
+      {"String", host::ElementType::string},   {"Date", host::ElementType::date},
+  };
+  for (const auto& [name, code] : kTypes) {
+    const auto isOfType = [&](const host::Value& each) { return each.typeName() == name; };
+    if (host::sameName(name, type) && std::ranges::all_of(elements, isOfType)) return host::array(code, elements);
+  }
+  return host::objectArray(elements);
 }
 
 std::vector<Entry> entriesOfMultiValue(const host::Value& multiValue) {

@@ -21,6 +21,8 @@ host::Value valueFrom(std::string_view text, std::int64_t type);
 
 std::vector<std::pair<std::string, host::Value>> entriesOf(const host::Value& dictionary);
 host::Value dictionaryOf(const std::vector<std::pair<std::string, host::Value>>& entries);
+// An array of that type, or of variants where not all elements are of it or the type isn't one of the language's own.
+host::Value arrayOf(std::string_view type, const std::vector<host::Value>& elements);
 
 // An entry of a multi-value.
 struct Entry {

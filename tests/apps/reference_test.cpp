@@ -95,11 +95,10 @@ std::vector<Example> examplesIn(const std::filesystem::path& page) {
   return examples;
 }
 
-// What it prints, without what the frameworks log.
 std::string printed(const Example& example) {
   const auto bin = std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin";
   const std::string command =
-      "PATH='" + bin.string() + "':$PATH; exec 2>/dev/null; " +
+      "PATH='" + bin.string() + "':$PATH; exec 2>&1; " +
       (example.language == "sh" ? example.program : "contacts run <<'PROGRAM'\n" + example.program + "PROGRAM\n");
   const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(command.c_str(), "r"), pclose);
   std::string output;

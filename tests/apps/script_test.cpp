@@ -14,7 +14,7 @@ TEST(Script, DoesWhatTheLanguageSays) {
   const Case cases[] = {
       {"print 1 + 2 * 3, (1 + 2) * 3, 7 / 2, -2 - 1", "7 9 3.5 -3\n"},
       {"print \"a\"\"b\" & 1, 1.5 + 1  ' the rest", "a\"b1 2.5\n"},
-      {"print 1 < 2 and not (2 <= 1) or false, \"a\" <> \"b\", nil = nil", "true true true\n"},
+      {"print 1 < 2 and not (2 <= 1) or false, \"a\" <> \"b\", nil = nil, 6 and 3, 6 or 1", "true true true 2 7\n"},
       {"DIM X = 1\nx = X + 1\nPrint x", "2\n"},
       {"dim s = \"\"\nfor i = 1 to 3\nfor each j in array(\"a\", \"b\")\ns = s + j + i\nnext\nnext\nprint s",
        "a1b1a2b2a3b3\n"},
@@ -24,7 +24,11 @@ TEST(Script, DoesWhatTheLanguageSays) {
       {"dim d = new Dictionary\nd.Value(\"k\") = 2\nprint d.Value(\"k\"), d.Count\nd = new Date\nd.Year = 1999\nprint "
        "d.Year",
        "2 1\n1999\n"},
-      {"dim a = array(1, \"b\")\nprint ubound(a), a(1), len(\"abc\"), date(\"--02-29\")", "1 b 3 --02-29\n"},
+      {"dim a = array(1, \"b\")\nprint ubound(a), a(1), array(2, 3)(1), len(\"abc\"), date(\"--02-29\")",
+       "1 b 3 3 --02-29\n"},
+      {"dim names() as string\nprint ubound(names), ABPersonVXR.removeProperties(names), new NSImageVXR(nil)",
+       "-1 0 NSImageVXR\n"},
+      {"print \"a\" + EndOfLine + chr(66), ABPersonVXR.properties(0)", "a\nB UID\n"},
       {"print ABAddressBookVXR.kABNotEqual, ABAddressBookVXR.kABCreationDateProperty", "1 Creation\n"},
       {"try\nprint (new Dictionary).Value(1)\ncatch e\nprint e.Message\nend try", "The dictionary has no such key.\n"},
   };
@@ -48,6 +52,22 @@ end if
   EXPECT_EQ(outputOf({"find", "ada"}), "Name  Email  Phone\nAda          +44 1\n");
 }
 
+TEST(Script, HandlesEvents) {
+  const ContactsFolder folder;
+  EXPECT_EQ(outputOf({"run"}, R"(
+dim book = ABAddressBookVXR.sharedAddressbook
+on book.DatabaseChanged(externally, inserted, updated, deleted)
+  print externally, book.people(0).DisplayName, ubound(inserted), ubound(deleted)
+end on
+book.EnableEvent
+dim person = new ABPersonVXR(book)
+person.setValue("Ada", "First")
+print book.save
+wait(0)
+)"),
+            "false Ada 0 -1\ntrue\n");
+}
+
 TEST(Script, NamesTheLineThatCannotBeRun) {
   const ContactsFolder folder;
   struct Case {
@@ -64,12 +84,16 @@ TEST(Script, NamesTheLineThatCannotBeRun) {
       {"try\nprint 1\nend try", "contacts: standard input:1: this try is never ended; expected catch\n"},
       {"end if", "contacts: standard input:1: this ends nothing\n"},
       {"if 1 then\nend if", "contacts: standard input:1: a condition is Int"},
-      {"print 5(0)", "contacts: standard input:1: \"(\"; expected ,\n"},
+      {"print 5(0)", "contacts: standard input:1: host: a value is Integer, expected an object\n"},
       {"dim n\nprint n.Name", "contacts: standard input:2: name of Nil; expected an object\n"},
       {"dim d = new Dictionary\nprint d.Value(1)", "contacts: standard input:2: KeyNotFoundException"},
       {"print new Nobody", "contacts: standard input:1: no class \"nobody\"\n"},
       {"print ABAddressBookVXR.nothing", "contacts: standard input:1: "},
-      {"print array(1)(0)", "contacts: standard input:1: \"(\"; expected ,\n"},
+      {"print array(1)(1)", "contacts: standard input:1: no element 1 in an array of 1\n"},
+      {"print chr(300)", "contacts: standard input:1: chr: 300, expected 0 to 127\n"},
+      {"dim x = ", "contacts: standard input:1: the line ends; expected a name\n"},
+      {"on x.y(1)", "contacts: standard input:1: \"1\"; expected a name\n"},
+      {"dim x\non x.y\nend on", "contacts: standard input:2: x is nil; expected an object\n"},
   };
   for (const Case& each : cases) {
     const Outcome outcome = run({"run"}, each.program);
