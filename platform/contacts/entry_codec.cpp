@@ -14,12 +14,12 @@ std::vector<std::string> EntryLine::fields() const {
 }
 
 std::optional<EntryCodec> entryCodecFor(const Property& property) {
+  const bool isMulti = (property.type & kABMultiValueMask) != 0;
+  if (property.isCustom) return isMulti ? std::optional(customCodec(property)) : std::nullopt;
   for (EntryCodec (*codec)() : {emailCodec, phoneCodec, urlCodec, calendarCodec, relatedNameCodec, dateCodec,
                                 addressCodec, instantMessageCodec, socialProfileCodec}) {
     if (EntryCodec known = codec(); known.property == property.name) return known;
   }
-  const bool isMulti = (property.type & kABMultiValueMask) != 0;
-  if (property.isCustom && isMulti) return customCodec(property);
   return std::nullopt;
 }
 

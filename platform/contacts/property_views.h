@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/schema.h"
 #include "platform/objc/retained.h"
 
 #include <string_view>
@@ -17,7 +18,7 @@ struct PropertyView {
   Retained<NSObject> (*write)(const PropertyView& view, NSObject source, NSObject value);
 };
 
-// Null for a property that is no view.
-const PropertyView* findPropertyView(std::string_view property);
+// Null for a property that is no view. A group's custom property may have the name of a person's view.
+const PropertyView* findPropertyView(const Property& property);
 
 }  // namespace contacts

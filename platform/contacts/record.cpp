@@ -52,7 +52,7 @@ bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error)
   }
   std::optional<Retained<NSObject>> checked = checkedValue(*property, value, error);
   if (!checked) return false;
-  if (const PropertyView* view = findPropertyView(property->name)) {
+  if (const PropertyView* view = findPropertyView(*property)) {
     property = schema_->find(view->source);
     const Retained<NSObject> written = view->write(*view, this->value(*property), checked->get());
     checked = checkedValue(*property, written.get(), error);
@@ -76,7 +76,7 @@ NSObject RecordObject::value(const Property& property) {
 
 Retained<NSObject> RecordObject::read(const Property& property) {
   if (property.name == "UID") return Retained<NSObject>::share(uniqueId());
-  if (const PropertyView* view = findPropertyView(property.name)) return view->read(*view, valueFor(view->source));
+  if (const PropertyView* view = findPropertyView(property)) return view->read(*view, valueFor(view->source));
   Retained<NSObject> found = valueFromCard(property, lines(), card_->uid);
   if (found) return found;
   // A card that doesn't say when it was made or changed is as old as its file.
@@ -88,7 +88,7 @@ Retained<NSObject> RecordObject::read(const Property& property) {
 
 void RecordObject::store(const Property& property, Retained<NSObject> value) {
   std::erase_if(values_, [&](const HeldValue& held) {
-    const PropertyView* view = findPropertyView(held.property->name);
+    const PropertyView* view = findPropertyView(*held.property);
     return held.property == &property || (view != nullptr && view->source == property.name);
   });
   values_.push_back({&property, std::move(value), true});
@@ -155,7 +155,7 @@ void RecordObject::adopt(StoredCardPointer card, bool isSaved) {
   for (const bool areViews : {false, true}) {
     for (std::size_t i = 0; i < values_.size(); ++i) {
       const Property& property = *values_[i].property;
-      if (values_[i].isChanged || (findPropertyView(property.name) != nullptr) != areViews) continue;
+      if (values_[i].isChanged || (findPropertyView(property) != nullptr) != areViews) continue;
       Retained<NSObject> fresh = read(property);
       NSObject old = values_[i].value.get();
       if (!old || !fresh || !send<bool>(old, "isEqual:"_sel, fresh.get())) values_[i].value = std::move(fresh);
@@ -173,9 +173,10 @@ ABRecord RecordObject::initializedNew(bool isGroup, NSObject book) {
   auto card = std::make_shared<StoredCard>();
   card->uid = newIdentifier();
   card->isGroup = isGroup;
-  const ABRecord record = initialized(isGroup ? groupSchema() : personSchema(), std::move(card));
-  if (book) book.as<ABAddressBook>().addRecord(record);
-  return record;
+  // Given up where the book raises.
+  auto owned = Retained<ABRecord>::adopt(initialized(isGroup ? groupSchema() : personSchema(), std::move(card)));
+  if (book) book.as<ABAddressBook>().addRecord(owned.get());
+  return owned.leak();
 }
 
 Retained<ABRecord> newRecord(StoredCardPointer card) {

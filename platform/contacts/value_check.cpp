@@ -90,7 +90,8 @@ Retained<NSObject> checkedText(const Property& property, NSString value) {
   const std::string given = utf8Of(value);
   std::string text = vcard::withUnixBreaks(given);
   auto place = std::ranges::find(kTextProperties, property.name, &TextProperty::property);
-  if (place != kTextProperties.end() && place->field != kWholeValue) text = vcard::trimmed(text);
+  const bool isField = !property.isCustom && place != kTextProperties.end() && place->field != kWholeValue;
+  if (isField) text = vcard::trimmed(text);
   if (text.empty()) return {};
   if (text == given) return Retained<NSObject>::adopt(value.copy());
   return Retained<NSObject>::share(makeString(text));

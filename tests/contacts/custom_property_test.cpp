@@ -47,6 +47,22 @@ TEST_F(CustomProperties, AreAddedOnceAndRemovedOnce) {
   EXPECT_EQ(remove({"org.example.shoe"_ns}), 0);
 }
 
+TEST_F(CustomProperties, OfGroupsMayHaveTheNamesOfAPersons) {
+  EXPECT_EQ(ABGroup::addPropertiesAndTypes(typesByName(
+                {{"HomePage", kABStringProperty}, {"Email", kABStringProperty}, {"First", kABStringProperty}})),
+            3);
+  const ABAddressBook book = ABAddressBook::addressBook();
+  const auto group = Retained<ABGroup>::adopt(ABGroup::alloc().initWithAddressBook(book));
+  EXPECT_FALSE(group->valueForProperty(kABHomePageProperty));
+  for (const NSString name : {kABHomePageProperty, kABEmailProperty, kABFirstNameProperty}) {
+    EXPECT_TRUE(group->setValue(" text "_ns, name));
+  }
+  EXPECT_TRUE(book.save());
+  for (const NSString name : {kABHomePageProperty, kABEmailProperty, kABFirstNameProperty}) {
+    EXPECT_EQ(shown(group->valueForProperty(name)), " text ");
+  }
+}
+
 TEST_F(CustomProperties, AreRefusedWholeWhenOneCantBe) {
   for (const NSInteger type : {0, 9, 0x100, 0x109, -1, 0x201}) {
     EXPECT_EQ(add({{"good", kABStringProperty}, {"bad", type}}), -1) << type;
