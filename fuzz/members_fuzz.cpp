@@ -103,16 +103,8 @@ Catalogue readClasses() {
 }
 
 // The running program's variables. Events reach them too.
-struct Variables {
-  std::vector<Value> objects;
-  std::vector<Value> texts;
-};
-
-Variables& variables() {
-  static Variables all;
-  return all;
-}
-
+std::vector<Value> objects;
+std::vector<Value> texts;
 std::size_t callCount = 0;
 
 class Program {
@@ -141,31 +133,27 @@ class Program {
 
  private:
   void takeStep() {
-    switch (input_.number() % 16) {
-      case 0:
-        if (!variables().objects.empty()) std::exchange(variables().objects[place()], nullptr);
-        return;
-      case 1:
-        return host::idle();
-      case 2:
-        failing_ = input_.number() % 4;
-        return;
-      case 3:
-      case 4:
-        return use(one(catalogue_.others), nullptr);
-      default:
-        useObject(variables().objects.empty() ? Value() : variables().objects[place()]);
+    const int choice = input_.number() % 16;
+    const Value object = objects.empty() ? Value() : one(objects);
+    if (choice == 0) {
+      std::erase(objects, object);
+    } else if (choice == 1) {
+      host::idle();
+    } else if (choice == 2) {
+      failing_ = input_.number() % 4;
+    } else if (choice < 5) {
+      use(one(catalogue_.others), nullptr);
+    } else if (!object.isNil()) {
+      useObject(object);
     }
   }
 
   void useObject(const Value& self) {
     std::vector<const Member*> members;
-    if (!self.isNil()) {
-      for (const HostClass* owner = &host::classOf(self.object()); owner != nullptr; owner = owner->superclass) {
-        const auto found = catalogue_.ofObjects.find(owner);
-        if (found == catalogue_.ofObjects.end()) continue;
-        for (const Member& member : found->second) members.push_back(&member);
-      }
+    for (const HostClass* owner = &host::classOf(self.object()); owner != nullptr; owner = owner->superclass) {
+      const auto found = catalogue_.ofObjects.find(owner);
+      if (found == catalogue_.ofObjects.end()) continue;
+      for (const Member& member : found->second) members.push_back(&member);
     }
     if (!members.empty()) use(*one(members), self);
   }
@@ -178,11 +166,8 @@ class Program {
     for (const host::Parameter& parameter : member.parameters) values.push_back(valueOf(parameter.type));
     host::Arguments arguments;
     for (std::size_t i = 0; i < values.size(); ++i) {
-      if (member.parameters[i].isByReference) {
-        arguments.emplace_back(host::Ref(values[i]));
-      } else {
-        arguments.emplace_back(values[i]);
-      }
+      const bool isByReference = member.parameters[i].isByReference;
+      arguments.push_back(isByReference ? host::Argument(host::Ref(values[i])) : host::Argument(values[i]));
     }
     host::failMemoryBlock(std::exchange(failing_, 0));
     keep(result(member, self, arguments, values));
@@ -210,45 +195,30 @@ class Program {
 
   // Objects of every class, elements of arrays too, and texts.
   void keep(const Value& value) {
-    if (std::holds_alternative<host::StringRef>(value.data())) put(variables().texts, kMostTexts, value);
-    if (value.isNil() || !std::holds_alternative<host::ObjectRef>(value.data())) return;
-    put(variables().objects, kMostObjects, value);
+    if (std::holds_alternative<host::StringRef>(value.data())) put(texts, kMostTexts, value);
+    if (!std::holds_alternative<host::ObjectRef>(value.data())) return;
+    put(objects, kMostObjects, value);
     if (!value.typeName().ends_with("()")) return;
-    const std::vector<Value> elements = value.elements();
-    for (std::size_t i = 0; i < std::min<std::size_t>(elements.size(), 3); ++i) keep(elements[i]);
+    for (const Value& element : value.elements()) keep(element);
   }
 
   void put(std::vector<Value>& kept, std::size_t most, const Value& value) {
-    if (kept.size() < most) {
-      kept.push_back(value);
-    } else {
-      std::exchange(kept[nextPlace_++ % most], value);
-    }
+    if (kept.size() == most) kept.erase(kept.begin());
+    kept.push_back(value);
   }
 
   template <class T>
   const T& one(const std::vector<T>& list) {
     return list[input_.number<std::uint16_t>() % list.size()];
   }
-  std::size_t place() { return input_.number() % variables().objects.size(); }
 
   Value textValue() {
-    switch (input_.number() % 8) {
-      case 0:
-        return host::Value::adopt(REALstring());
-      case 1:
-        return std::string(input_.text());
-      case 2:
-        return host::Value::adopt(host::newString(input_.text(), kEncodingUTF16));
-      case 3:
-        return std::string(input_.number() % 8 == 0 ? kHugeLength : 1, 'x');
-      case 4:
-      case 5:
-        if (!variables().texts.empty()) return one(variables().texts);
-        [[fallthrough]];
-      default:
-        return one(catalogue_.words);
-    }
+    const int choice = input_.number() % 8;
+    if (choice == 0) return Value::adopt(REALstring());
+    if (choice == 1) return std::string(input_.text());
+    if (choice == 2) return Value::adopt(host::newString(input_.text(), kEncodingUTF16));
+    if (choice == 3) return std::string(input_.number() % 8 == 0 ? kHugeLength : 1, 'x');
+    return choice < 6 && !texts.empty() ? one(texts) : one(catalogue_.words);
   }
 
   std::int64_t wholeNumber() {
@@ -259,14 +229,9 @@ class Program {
   }
 
   Value blockValue() {
-    switch (input_.number() % 3) {
-      case 0:
-        return host::memoryBlock(input_.text());
-      case 1:
-        return host::memoryBlock(kCard);
-      default:
-        return objectOfClass("MemoryBlock");
-    }
+    const int choice = input_.number() % 3;
+    if (choice == 0) return host::memoryBlock(input_.text());
+    return choice == 1 ? host::memoryBlock(kCard) : objectOfClass("MemoryBlock");
   }
 
   // One that is there, an empty one, or nil.
@@ -276,8 +241,8 @@ class Program {
     if (choice % 8 == 0) return nullptr;
     if (choice % 8 == 1) return Value::adopt(host::newInstance(wanted));
     std::vector<Value> fitting;
-    for (const Value& object : variables().objects) {
-      if (!object.isNil() && host::classOf(object.object()).isKindOf(wanted)) fitting.push_back(object);
+    for (const Value& object : objects) {
+      if (host::classOf(object.object()).isKindOf(wanted)) fitting.push_back(object);
     }
     return fitting.empty() ? Value() : one(fitting);
   }
@@ -291,26 +256,18 @@ class Program {
   }
 
   Value valueOf(const host::Type& type) {
+    using enum host::TypeKind;
     if (type.isArray) return arrayOf(type);
-    switch (type.kind) {
-      case host::TypeKind::boolean:
-        return input_.number() % 2 != 0;
-      case host::TypeKind::single:
-        return input_.number<float>();
-      case host::TypeKind::uint32:
-        return static_cast<std::uint32_t>(wholeNumber());
-      case host::TypeKind::integer:
-        return wholeNumber();
-      case host::TypeKind::string:
-        return textValue();
-      case host::TypeKind::variant:
-        if (input_.number() % 2 == 0) return takeSample(input_).value;
-        return input_.number() % 2 == 0 || variables().objects.empty() ? textValue() : variables().objects[place()];
-      default:
-        break;
-    }
+    if (type.kind == boolean) return input_.number() % 2 != 0;
+    if (type.kind == single) return input_.number<float>();
+    if (type.kind == uint32) return static_cast<std::uint32_t>(wholeNumber());
+    if (type.kind == integer) return wholeNumber();
+    const int choice = input_.number() % 4;
+    if (type.kind == variant && choice < 2) return takeSample(input_).value;
+    if (type.kind == variant && choice == 2 && !objects.empty()) return one(objects);
+    if (type.kind == variant || type.kind == string) return textValue();
     if (host::sameName(type.name, "MemoryBlock")) return blockValue();
-    if (host::sameName(type.name, "Dictionary") && input_.number() % 2 == 0) return takeDictionary(input_).value;
+    if (host::sameName(type.name, "Dictionary") && choice < 2) return takeDictionary(input_).value;
     return objectOfClass(type.name);
   }
 
@@ -319,8 +276,7 @@ class Program {
     expect(!host::takePendingException(), "nothing is pending between calls");
     static const std::array kRegistered{&host::requireClass("ABRecordVXR"), &host::requireClass("ABMultiValueVXR"),
                                         &host::requireClass("ABSearchElementVXR")};
-    for (const Value& object : variables().objects) {
-      if (object.isNil()) continue;
+    for (const Value& object : objects) {
       const auto isRegistered = [&](const HostClass* one) { return host::classOf(object.object()).isKindOf(*one); };
       if (std::ranges::none_of(kRegistered, isRegistered)) continue;
       const auto held = wrapped<NSObject>(object.object());
@@ -331,7 +287,6 @@ class Program {
   const Catalogue& catalogue_;
   Input input_;
   int failing_ = 0;  // the nth memory block of the next call
-  std::size_t nextPlace_ = 0;
 };
 
 std::set<std::string> propertiesOf(const char* className) {
@@ -367,7 +322,7 @@ class Contacts {
   // What every program finds.
   void open() {
     host::handleClassEvent(kBook, "DatabaseChanged", [](const Value&, auto) {
-      if (!variables().objects.empty()) variables().objects.pop_back();
+      if (!objects.empty()) objects.pop_back();
     });
     host::callShared(kBook, "sharedAddressbook").call("EnableEvent");
     for (const char* name : kRecords) initial_[name] = propertiesOf(name);
@@ -375,7 +330,8 @@ class Contacts {
   }
 
   void clear() {
-    variables() = {};
+    objects.clear();
+    texts.clear();
     host::takePendingException();
     const Value book = host::callShared(kBook, "sharedAddressbook");
     for (const char* member : {"people", "groups"}) {
