@@ -48,6 +48,7 @@ void importFiles(const std::vector<std::string>& files, const Manner& manner);
 // The vCards of all whom the text finds, to the file or the standard output.
 void exportPeople(const std::string& text, const std::string& file, const Manner& manner);
 
+// Shows the picture as well where the terminal can draw it.
 void describePhoto(const std::string& name, const Manner& manner);
 // "-" for the standard output.
 void writePhoto(const std::string& name, const std::string& file);

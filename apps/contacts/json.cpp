@@ -1,12 +1,11 @@
 #include "apps/contacts/json.h"
 
 #include "apps/contacts/people.h"
+#include "apps/contacts/text.h"
 #include "apps/contacts/values.h"
 #include "host/memory_blocks.h"
 
 #include <nlohmann/json.hpp>
-
-#include <string_view>
 
 namespace contacts {
 namespace {
@@ -14,22 +13,6 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr int kIndent = 2;
-
-std::string base64(std::string_view bytes) {
-  constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string text;
-  for (std::size_t i = 0; i < bytes.size(); i += 3) {
-    const auto at = [&](std::size_t offset) {
-      return i + offset < bytes.size() ? static_cast<unsigned char>(bytes[i + offset]) : 0U;
-    };
-    const unsigned word = at(0) << 16U | at(1) << 8U | at(2);
-    text += kDigits[word >> 18U];
-    text += kDigits[word >> 12U & 63U];
-    text += i + 1 < bytes.size() ? kDigits[word >> 6U & 63U] : '=';
-    text += i + 2 < bytes.size() ? kDigits[word & 63U] : '=';
-  }
-  return text;
-}
 
 Json jsonValue(const host::Value& value, const host::Value& book) {
   const std::string type = value.typeName();

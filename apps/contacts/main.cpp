@@ -196,7 +196,7 @@ void CommandLine::addGroups() {
 }
 
 void CommandLine::addPhoto() {
-  CLI::App* photo = addWriting(app_, "photo", "Describe, write, set or remove somebody's picture", [this] {
+  CLI::App* photo = addWriting(app_, "photo", "Show, write, set or remove somebody's picture", [this] {
     if (!file_.empty()) {
       writePhoto(name_, file_);
     } else if (!second_.empty()) {

@@ -1,4 +1,5 @@
 #include "apps/contacts/commands.h"
+#include "apps/contacts/drawing.h"
 #include "apps/contacts/failure.h"
 #include "apps/contacts/people.h"
 #include "apps/contacts/session.h"
@@ -49,13 +50,15 @@ void describePhoto(const std::string& name, const Manner& manner) {
   const host::Value book = openAddressBook();
   const host::Value person = findPerson(book, name);
   const std::string bytes = photoOf(person);
-  const bool isShowable = !person.call("image").isNil();
+  const host::Value image = person.call("image");
   if (manner.isJson) {
     std::cout << R"({"format": ")" << formatOf(bytes) << R"(", "bytes": )" << bytes.size() << "}\n";
     return;
   }
   std::cout << printable(nameOf(person)) << ": " << formatOf(bytes) << ", " << bytes.size() << " bytes"
-            << (isShowable ? "" : ", can't be shown") << '\n';
+            << (image.isNil() ? ", can't be shown" : "") << '\n';
+  const std::string drawing = image.isNil() ? std::string() : drawingOf(bytes, image);
+  if (!drawing.empty()) std::cout << drawing << '\n';
 }
 
 void writePhoto(const std::string& name, const std::string& file) {

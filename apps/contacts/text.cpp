@@ -100,6 +100,22 @@ bool contains(std::string_view text, std::string_view part) {
   return lowerCase(text).find(lowerCase(part)) != std::string::npos;
 }
 
+std::string base64(std::string_view bytes) {
+  constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const auto at = [&](std::size_t offset) {
+      return i + offset < bytes.size() ? static_cast<unsigned char>(bytes[i + offset]) : 0U;
+    };
+    const unsigned word = at(0) << 16U | at(1) << 8U | at(2);
+    text += kDigits[word >> 18U];
+    text += kDigits[word >> 12U & 63U];
+    text += i + 1 < bytes.size() ? kDigits[word >> 6U & 63U] : '=';
+    text += i + 2 < bytes.size() ? kDigits[word & 63U] : '=';
+  }
+  return text;
+}
+
 bool isTerminal(int descriptor) {
   const char* type = std::getenv("TERM");
   return isatty(descriptor) == 1 && type != nullptr && std::strcmp(type, "dumb") != 0;

@@ -19,6 +19,9 @@ std::string lowerCase(std::string_view text);
 bool isSame(std::string_view a, std::string_view b);
 bool contains(std::string_view text, std::string_view part);
 
+// Bytes of any kind.
+std::string base64(std::string_view bytes);
+
 // Whether the file descriptor is a terminal that shows colours and movement.
 bool isTerminal(int descriptor);
 

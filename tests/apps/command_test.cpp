@@ -45,43 +45,33 @@ std::vector<std::string> sortedLines(const std::string& text) {
 
 }  // namespace
 
-TEST(Command, DoesAFirstUsersSession) {
+TEST(Command, ChangesPeopleAndGroups) {
   const ContactsFolder folder;
-  EXPECT_EQ(outputOf({"import", "-"}, cards(300)), "Imported 300 cards\n");
-  EXPECT_EQ(sortedLines(outputOf({"list"})).size(), 300U);
-  EXPECT_EQ(outputOf({"find", "p7@EXAMPLE"}),
-            "Name          Email           Phone\nTest Person7  p7@example.org  +49 30 7\n");
-
-  outputOf({"edit", "p7@example.org", "First=Ada", "Last=Lovelace", "Phone:mobile=", "Phone:home+=12", "Phone:home+=34",
-            "Address:home.City=London", "Address:home.Street=St James's Square", "Birthday=1815-12-10"});
+  outputOf({"import", "-"}, cards(2));
+  outputOf({"edit", "p1@example.org", "First=Ada", "Last=Lovelace", "Phone:mobile=", "Phone:home+=12", "Phone:home+=34",
+            "Birthday=1815-12-10"});
   const std::string shown = outputOf({"show", "lovelace"});
-  for (const char* line : {"Phone (home)       12\n", "Phone (home)       34\n", "St James's Square, London\n",
-                           "Birthday           1815-12-10\n"}) {
+  for (const char* line : {"Phone (home)       12\n", "Phone (home)       34\n", "Birthday           1815-12-10\n"}) {
     EXPECT_NE(shown.find(line), std::string::npos) << line << " in\n" << shown;
   }
   EXPECT_EQ(shown.find("mobile"), std::string::npos) << shown;
-  EXPECT_NE(outputOf({"find", "london", "--property", "Address", "--key", "city"}).find("Ada Lovelace"),
-            std::string::npos);
 
   outputOf({"groups", "create", "Work"});
   outputOf({"groups", "create", "Engines", "--in", "work"});
-  outputOf({"groups", "add", "engines", "Ada Lovelace", "p8@example.org"});
-  EXPECT_EQ(outputOf({"groups"}), "Work (0)\n  Engines (2)\n");
-  outputOf({"groups", "drop", "engines", "p8@example.org"});
+  outputOf({"groups", "add", "engines", "Ada Lovelace", "p0@example.org"});
+  outputOf({"groups", "drop", "engines", "p0@example.org"});
   outputOf({"groups", "rename", "engines", "Machines"});
   EXPECT_EQ(outputOf({"groups", "members", "machines"}),
-            "Name          Email           Phone\nAda Lovelace  p7@example.org  12\n");
+            "Name          Email           Phone\nAda Lovelace  p1@example.org  12\n");
+  outputOf({"groups", "nest", "machines", "work", "--out"});
+  EXPECT_EQ(sortedLines(outputOf({"groups"})), (std::vector<std::string>{"Machines (1)", "Work (0)"}));
+  outputOf({"groups", "remove", "machines"});
+  EXPECT_EQ(outputOf({"groups"}), "Work (0)\n");
 
   outputOf({"me", "ada"});
   EXPECT_NE(outputOf({"me", "--json"}).find("\"name\": \"Ada Lovelace\""), std::string::npos);
-  outputOf({"remove", "p9@example.org"});
-  EXPECT_EQ(run({"show", "p9@example.org"}).status, 1);
-
-  const std::string names = outputOf({"list"});
-  const std::string exported = outputOf({"export"});
-  const ContactsFolder other;
-  outputOf({"import", "-"}, exported);
-  EXPECT_EQ(sortedLines(outputOf({"list"})), sortedLines(names));
+  outputOf({"me", "--clear"});
+  EXPECT_EQ(run({"me"}).status, 1);
 }
 
 TEST(Command, AlignsWideAndCombiningCharacters) {
