@@ -5,6 +5,7 @@
 #include "addressbook/errors.h"
 #include "addressbook/forward.h"
 #include "addressbook/observer.h"
+#include "addressbook/pool.h"
 #include "addressbook/search_element.h"
 #include "bridge/data.h"
 #include "bridge/dictionaries.h"
@@ -14,7 +15,6 @@
 #include "frame/runtime_support.h"
 #include "frame/worker_thread.h"
 #include "platform/contacts/constants.h"
-#include "platform/foundation/autorelease_pool.h"
 #include "platform/objc/retained.h"
 
 #include <algorithm>
@@ -66,8 +66,7 @@ REALobject addressBook() {
 // Opening the database may take long; the constructor finds it open then.
 void MyThreadWork(void*) {
   SetThreadName("Addressbook");
-  const AutoreleasePool pool;
-  guard([] { ABAddressBook::sharedAddressBook(); });
+  inPool([] { guard([] { ABAddressBook::sharedAddressBook(); }); });
 }
 
 REALobject sharedObject(bool openOnWorker) {
@@ -117,13 +116,13 @@ REALobject NewPersonWithVCardRepresentation(REALobject, REALmemoryBlock data) {
 }
 
 REALobjectArray recordsMatchingSearchElement(REALobject self, REALobject search) {
-  auto result = REALCreateArrayObject(-1);
+  auto result = adoptHost(REALCreateArrayObject(-1));
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
     auto element = wrapped<ABSearchElement>(search);
-    if (book && element) FillABRecordArray(result, book.recordsMatchingSearchElement(element));
+    if (book && element) FillABRecordArray(result.get(), book.recordsMatchingSearchElement(element));
   });
-  return result;
+  return result.handOver();
 }
 
 // Adds or removes the record, through the selector that reports errors where there is one.
@@ -243,22 +242,21 @@ REALobject groupForName(REALobject self, REALstring name) {
 }
 
 REALobjectArray peopleForEmail(REALobject self, REALstring email) {
-  constexpr NSInteger kABEqualCaseInsensitive = 6;
-  auto result = REALCreateArrayObject(-1);
+  auto result = adoptHost(REALCreateArrayObject(-1));
   guard([&] {
     auto book = wrapped<ABAddressBook>(self);
     const NSString address = NewNSString(email);
-    if (!book || !address || result == nullptr) return;
+    if (!book || !address || !result) return;
     auto search = ABPerson::searchElement(kABEmailProperty, nullptr, nullptr, address, kABEqualCaseInsensitive);
     NSEnumerator records = book.recordsMatchingSearchElement(search).objectEnumerator();
     REALinteger index = 0;
     while (NSObject record = records.nextObject()) {
       if (!IsABPerson(record)) continue;
       const auto person = adoptHost(NewABPersonVXR(record.as<ABPerson>()));
-      REALInsertArrayValue(result, index++, person.get());
+      REALInsertArrayValue(result.get(), index++, person.get());
     }
   });
-  return result;
+  return result.handOver();
 }
 
 // Of the framework's two forms, those that report no error.

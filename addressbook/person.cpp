@@ -2,6 +2,7 @@
 
 #include "addressbook/class_tables.h"
 #include "addressbook/forward.h"
+#include "addressbook/pool.h"
 #include "addressbook/schema.h"
 #include "addressbook/search_element.h"
 #include "bridge/data.h"
@@ -9,7 +10,6 @@
 #include "frame/member_table.h"
 #include "platform/appkit/image.h"
 #include "platform/appkit/workspace.h"
-#include "platform/foundation/autorelease_pool.h"
 #include "platform/objc/retained.h"
 
 namespace {
@@ -43,12 +43,12 @@ REALobject image(REALobject self) {
   REALobject result = nullptr;
   CocoaInit();
   guard([&] {
-    // Gone again before an exception is reported.
-    const AutoreleasePool pool;
-    NSData data = wrapped<ABPerson>(self).imageData();
-    if (!data) return;
-    const auto decoded = Retained<NSImage>::adopt(NSImage::alloc().initWithData(data));
-    result = NewNSImageVXR(decoded.get());
+    inPool([&] {
+      NSData data = wrapped<ABPerson>(self).imageData();
+      if (!data) return;
+      const auto decoded = Retained<NSImage>::adopt(NSImage::alloc().initWithData(data));
+      result = NewNSImageVXR(decoded.get());
+    });
   });
   return result;
 }

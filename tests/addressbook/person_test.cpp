@@ -19,6 +19,17 @@ bool noteOpened(NSWorkspace, NSURL url) {
   return true;
 }
 
+bool isPoolGone = false;
+
+struct PoolMarker : objc::Object {
+  ~PoolMarker() { isPoolGone = true; }
+};
+
+NSData raiseBesideMarker(ABPerson) {
+  objc_autorelease(class_createInstance(Class("PoolMarker").record()));
+  NSException::raise("Refused"_ns, "because"_ns);
+}
+
 }  // namespace
 
 TEST(Person, IsMadeOfAVCardOrEmpty) {
@@ -99,4 +110,18 @@ TEST(Picture, LeavesTheExceptionToHostCode) {
     EXPECT_EQ(thrownBy(action), kRefused) << selector;
   }
   EXPECT_FALSE(ada.call("image").isNil());
+}
+
+TEST(Picture, EndsItsPoolBeforeTheExceptionIsReported) {
+  static bool wasPoolGone = false;
+  objc::ClassBuilder::define<PoolMarker>("PoolMarker", "NSObject");
+  objc::ClassBuilder(Class("ABPerson")).method<&raiseBesideMarker>("imageData");
+  const Host host{.contacts = kContacts};
+  const Value ada = adaOf(host);
+  objc_setSendHook([](objc::Object*, objc::Selector sent) {
+    if (sent == "reason"_sel) wasPoolGone = isPoolGone;
+  });
+  EXPECT_EQ(thrownBy([&] { ada.call("image"); }), kRefused);
+  objc_setSendHook(nullptr);
+  EXPECT_TRUE(wasPoolGone);
 }
