@@ -4,6 +4,7 @@
 #include "bridge/exceptions.h"
 #include "bridge/strings.h"
 #include "bridge/wrappers.h"
+#include "frame/host_ref.h"
 #include "frame/runtime_support.h"
 
 // Members that only send and convert, as rows of the class tables.
@@ -82,9 +83,9 @@ struct ForwardList;
 template <class Handle, NSArray (Handle::*List)() const, void (*Fill)(REALobjectArray, NSArray)>
 struct ForwardList<List, Fill> {
   static REALobjectArray call(REALobject self) {
-    auto result = REALCreateArrayObject(-1);
-    guard([&] { Fill(result, (wrapped<Handle>(self).*List)()); });
-    return result;
+    auto result = adoptHost(REALCreateArrayObject(-1));
+    guard([&] { Fill(result.get(), (wrapped<Handle>(self).*List)()); });
+    return result.handOver();
   }
 };
 

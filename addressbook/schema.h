@@ -2,6 +2,7 @@
 
 #include "bridge/exceptions.h"
 #include "bridge/strings.h"
+#include "frame/host_ref.h"
 #include "frame/runtime_support.h"
 #include "platform/foundation/dictionary.h"
 #include "platform/foundation/number.h"
@@ -11,9 +12,9 @@
 template <class Record>
 struct Schema {
   static REALstringArray properties() {
-    auto result = REALCreateArrayString(-1);
-    guard([&] { FillStringArray(result, Record::properties()); });
-    return result;
+    auto result = adoptHost(REALCreateArrayString(-1));
+    guard([&] { FillStringArray(result.get(), Record::properties()); });
+    return result.handOver();
   }
 
   // The number of properties removed.

@@ -138,11 +138,11 @@ void sDisplayedProperty(REALobject self, Word, REALstring value) {
 }
 
 REALstringArray PickerCopyProperties(REALobject self) {
-  auto result = REALCreateArrayString(-1);
+  auto result = adoptHost(REALCreateArrayString(-1));
   if (ABPickerRef picker = pickerOf(self)) {
-    FillStringArray(result, adoptCopy<NSArray>(ABPickerCopyProperties(picker)).get());
+    FillStringArray(result.get(), adoptCopy<NSArray>(ABPickerCopyProperties(picker)).get());
   }
-  return result;
+  return result.handOver();
 }
 
 REALstring PickerCopyColumnTitle(REALobject self, REALstring property) {
@@ -162,33 +162,33 @@ void PickerSetColumnTitle(REALobject self, REALstring property, REALstring title
 }
 
 REALobjectArray PickerCopySelectedGroups(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
+  auto result = adoptHost(REALCreateArrayObject(-1));
   guard([&] {
     if (ABPickerRef picker = pickerOf(self)) {
-      FillABGroupArray(result, adoptCopy<NSArray>(ABPickerCopySelectedGroups(picker)).get());
+      FillABGroupArray(result.get(), adoptCopy<NSArray>(ABPickerCopySelectedGroups(picker)).get());
     }
   });
-  return result;
+  return result.handOver();
 }
 
 REALobjectArray PickerCopySelectedRecords(REALobject self) {
-  auto result = REALCreateArrayObject(-1);
+  auto result = adoptHost(REALCreateArrayObject(-1));
   guard([&] {
     if (ABPickerRef picker = pickerOf(self)) {
-      FillABRecordArray(result, adoptCopy<NSArray>(ABPickerCopySelectedRecords(picker)).get());
+      FillABRecordArray(result.get(), adoptCopy<NSArray>(ABPickerCopySelectedRecords(picker)).get());
     }
   });
-  return result;
+  return result.handOver();
 }
 
 REALstringArray PickerCopySelectedIdentifiers(REALobject self, REALobject person) {
-  auto result = REALCreateArrayString(-1);
+  auto result = adoptHost(REALCreateArrayString(-1));
   ABPickerRef picker = pickerOf(self);
   auto wanted = bridge<ABPersonRef>(wrapped<ABPerson>(person));
   if (picker != nullptr && wanted != nullptr) {
-    FillStringArray(result, adoptCopy<NSArray>(ABPickerCopySelectedIdentifiers(picker, wanted)).get());
+    FillStringArray(result.get(), adoptCopy<NSArray>(ABPickerCopySelectedIdentifiers(picker, wanted)).get());
   }
-  return result;
+  return result.handOver();
 }
 
 // The selected values, or nil.
@@ -197,23 +197,12 @@ Retained<NSArray> selectedValues(REALobject self) {
   return picker == nullptr ? Retained<NSArray>() : adoptCopy<NSArray>(ABPickerCopySelectedValues(picker));
 }
 
-REALstringArray PickerCopySelectedValues(REALobject self) {
-  auto result = REALCreateArrayString(-1);
-  guard([&] {
-    const auto values = selectedValues(self);
-    auto texts = NSMutableArray::array();
-    const NSUInteger count = values->count();
-    for (NSUInteger index = 0; index < count; ++index) texts.addObject(readableText(values->objectAtIndex(index)));
-    FillStringArray(result, texts);
-  });
-  return result;
-}
-
-// Inserts the converted values of that class side by side.
+// Fills the array, just created, with the converted values of that class, side by side.
 template <class Array, class Convert>
-Array valuesOfClass(REALobject self, Array result, Class kind, Convert convert) {
-  if (result == nullptr) return result;
+Array valuesOfClass(REALobject self, Array created, Class kind, Convert convert) {
+  auto result = adoptHost(created);
   guard([&] {
+    if (!result) return;
     const auto values = selectedValues(self);
     const NSUInteger count = values->count();
     REALinteger next = 0;
@@ -221,10 +210,15 @@ Array valuesOfClass(REALobject self, Array result, Class kind, Convert convert) 
       NSObject value = values->objectAtIndex(index);
       if (!value.isKindOfClass(kind)) continue;
       const auto converted = adoptHost(convert(value));
-      REALInsertArrayValue(result, next++, converted.get());
+      REALInsertArrayValue(result.get(), next++, converted.get());
     }
   });
-  return result;
+  return result.handOver();
+}
+
+REALstringArray PickerCopySelectedValues(REALobject self) {
+  return valuesOfClass(self, REALCreateArrayString(-1), "NSObject"_class,
+                       [](NSObject value) { return NSStringRB(readableText(value)); });
 }
 
 REALstringArray PickerCopySelectedStrings(REALobject self) {

@@ -13,15 +13,18 @@
 #include <string_view>
 #include <utility>
 
-// Counts the sends of a selector while it lives, and raises at one of them.
+// Counts the sends of a selector while it lives, and raises at one of them, or throws what is no NSException.
 class Sends {
  public:
-  explicit Sends(std::string selector, int raiseAt = 0) {
+  explicit Sends(std::string selector, int raiseAt = 0, bool throwForeign = false) {
     watched = std::move(selector);
     raising = raiseAt;
+    foreign = throwForeign;
     seen = 0;
     objc_setSendHook([](objc::Object*, objc::Selector sent) {
-      if (sel_getName(sent) == watched && ++seen == raising) NSException::raise("Refused"_ns, "because"_ns);
+      if (sel_getName(sent) != watched || ++seen != raising) return;
+      if (foreign) throw 7;
+      NSException::raise("Refused"_ns, "because"_ns);
     });
   }
   Sends(const Sends&) = delete;
@@ -33,6 +36,7 @@ class Sends {
  private:
   static inline std::string watched;
   static inline int raising = 0;
+  static inline bool foreign = false;
   static inline std::atomic<int> seen{0};
 };
 

@@ -28,9 +28,9 @@ struct Row {
   const char* sharedBy = nullptr;          // the class of a shared method
 
   // The answer, and how often the selector was sent.
-  [[nodiscard]] std::pair<std::string, int> outcome(const Value& self, const host::Arguments& given,
-                                                    int raiseAt = 0) const {
-    const Sends sends(selector, raiseAt);
+  [[nodiscard]] std::pair<std::string, int> outcome(const Value& self, const host::Arguments& given, int raiseAt = 0,
+                                                    bool throwForeign = false) const {
+    const Sends sends(selector, raiseAt, throwForeign);
     const Value answer =
         sharedBy == nullptr ? host::callMember(self, member, given) : host::callSharedMember(sharedBy, member, given);
     const int count = sends.count();
@@ -276,7 +276,11 @@ TEST(Members, KeepTheListSoFarWhenTheFrameworkRaises) {
       {phones(host), {"valueForLabel", {"_$!<Home>!$_"}, "labelAtIndex:", "'1'", ""}},
       {Value(), {"properties", {}, "nextObject", "['UID']", "", {}, "ABPersonVXR"}},
   };
-  for (const auto& [self, row] : rows) EXPECT_EQ(row.outcome(self, row.arguments, 2).first, row.result) << row.member;
+  for (const auto& [self, row] : rows) {
+    EXPECT_EQ(row.outcome(self, row.arguments, 2).first, row.result) << row.member;
+    // What else is thrown passes, and the list is dropped.
+    EXPECT_THROW(row.outcome(self, row.arguments, 2, true), int) << row.member;
+  }
 }
 
 TEST(Members, LeaveTheExceptionToHostCode) {
