@@ -49,6 +49,7 @@ void CallEvent(REALobject hostObject, bool externally, NSDictionary userInfo) {
 // The class AddressbookObserverVXR.
 struct Observer : objc::Object {
   REALobject target = nullptr;  // not counted: the host object owns its observer
+  ABAddressBook sender;         // whose notifications it gets, not retained
 
   void databaseChanged(NSNotification notification) {
     guard([&] { CallEvent(target, false, notification.userInfo()); });
@@ -71,6 +72,8 @@ NSObject observerOf(REALobject hostObject) {
   return NSObject(reinterpret_cast<objc::Object*>(dataBlock(hostObject)[kObserverWord]));
 }
 
+Observer& implementationOf(NSObject observer) { return *static_cast<Observer*>(observer.get()); }
+
 void setObserver(REALobject hostObject, NSObject observer) {
   dataBlock(hostObject)[kObserverWord] = reinterpret_cast<Word>(observer.get());
 }
@@ -85,22 +88,23 @@ void InstallEvent(REALobject hostObject) {
   auto observer = send<NSObject>(alloc<NSObject>(observerClass()), "init"_sel);
   if (!observer) return;
   setObserver(hostObject, observer);
-  static_cast<Observer*>(observer.get())->target = hostObject;
+  implementationOf(observer).target = hostObject;
   auto center = NSNotificationCenter::defaultCenter();
-  center.addObserver(observer, "DatabaseChangedNotification:"_sel, kABDatabaseChangedNotification,
-                     ABAddressBook::sharedAddressBook());
+  auto sender = implementationOf(observer).sender = ABAddressBook::sharedAddressBook();
+  center.addObserver(observer, "DatabaseChangedNotification:"_sel, kABDatabaseChangedNotification, sender);
   center.addObserver(observer, "DatabaseChangedExternallyNotification:"_sel, kABDatabaseChangedExternallyNotification,
-                     ABAddressBook::sharedAddressBook());
+                     sender);
 }
 
 void removeEvent(REALobject hostObject) {
   NSObject observer = observerOf(hostObject);
   if (!observer) return;
   // From here on nothing is delivered, even if the framework should fail to let go of the observer.
-  static_cast<Observer*>(observer.get())->target = nullptr;
+  implementationOf(observer).target = nullptr;
   auto center = NSNotificationCenter::defaultCenter();
-  center.removeObserver(observer, kABDatabaseChangedNotification, ABAddressBook::sharedAddressBook());
-  center.removeObserver(observer, kABDatabaseChangedExternallyNotification, ABAddressBook::sharedAddressBook());
+  auto sender = implementationOf(observer).sender;
+  center.removeObserver(observer, kABDatabaseChangedNotification, sender);
+  center.removeObserver(observer, kABDatabaseChangedExternallyNotification, sender);
   Retained<NSObject>::adopt(observer);
   setObserver(hostObject, nullptr);
 }

@@ -3,6 +3,7 @@
 #include "host/memory_blocks.h"
 #include "platform/contacts/address_book.h"
 #include "platform/foundation/notification.h"
+#include "platform/objc/class_builder.h"
 #include "tests/addressbook/framework_calls.h"
 #include "tests/contacts/in_child.h"
 
@@ -120,6 +121,31 @@ TEST(DatabaseChanged, HasEmptyListsForWhatTheFrameworkLeavesOut) {
   EXPECT_EQ(heardNow(), kNothing);
   center.postNotification(name, ABAddressBook::sharedAddressBook(), nullptr);
   EXPECT_EQ(heardNow(), std::vector<std::string>{"external [] [] []"});
+}
+
+namespace {
+
+ABAddressBook sharedNow;
+
+ABAddressBook sharedAtTheMoment(Class) { return sharedNow; }
+
+}  // namespace
+
+TEST(DatabaseChanged, EndsWithTheObjectThoughTheSharedBookIsAnother) {
+  const Host host{.contacts = kContacts};
+  host::handleClassEvent(kBook, kEvent, listen);
+  objc::ClassBuilder(Class("ABAddressBook")).classMethod<&sharedAtTheMoment>("sharedAddressBook");
+  const Value books[] = {host.shared(kBook, "addressBook"), host.shared(kBook, "addressBook")};
+  const auto share = [&books](int index) {
+    sharedNow = ABAddressBook(reinterpret_cast<objc::Object*>(books[index].get("Handle").integer()));
+  };
+  share(0);
+  Value listening = host.make(kBook);
+  share(1);
+  listening = nullptr;
+  share(0);
+  NSNotificationCenter::defaultCenter().postNotification(kABDatabaseChangedNotification, sharedNow, nullptr);
+  EXPECT_EQ(heardNow(), kNothing);
 }
 
 TEST(DatabaseChanged, MayDestroyTheObjectsThatAreTold) {
