@@ -3,6 +3,7 @@
 #include "platform/appkit/load.h"
 #include "platform/appkit/pixels.h"
 #include "platform/objc/class_builder.h"
+#include "platform/objc/retained.h"
 
 #include <new>
 #include <optional>
@@ -26,13 +27,11 @@ std::optional<Pixels> decode(NSData data) try {
 struct ImageObject : objc::Object {
   // The receiver is the caller's no more: it is answered, or given up.
   NSImage initWithData(NSData data) {
+    auto owned = Retained<NSImage>::adopt(NSImage(this));
     std::optional<Pixels> decoded = decode(data);
-    if (!decoded) {
-      objc_release(this);
-      return nullptr;
-    }
+    if (!decoded) return nullptr;
     pixels = std::move(*decoded);
-    return NSImage(this);
+    return owned.leak();
   }
 
   NSSize size() const { return {static_cast<CGFloat>(pixels.width), static_cast<CGFloat>(pixels.height)}; }

@@ -80,8 +80,8 @@ NSString nameFor(char part, const AddressFormat& format) {
 }
 
 void append(NSMutableAttributedString text, const std::string& part, NSDictionary attributes) {
-  const auto run =
-      Retained<NSAttributedString>::adopt(NSAttributedString::alloc().initWithString(makeString(part), attributes));
+  const NSString string = makeString(part);  // may raise: before there is an object without owner
+  const auto run = Retained<NSAttributedString>::adopt(NSAttributedString::alloc().initWithString(string, attributes));
   text.appendAttributedString(run.get());
 }
 

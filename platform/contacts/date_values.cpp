@@ -51,11 +51,11 @@ void writeDate(LineDraft& draft, NSDateComponents components) {
 }
 
 Retained<NSObject> newDateComponents(const vcard::Date& date) {
-  const NSDateComponents components = NSDateComponents::alloc().init();
-  if (date.year) components.setYear(*date.year);
-  components.setMonth(date.month);
-  components.setDay(date.day);
-  return Retained<NSObject>::adopt(components);
+  auto components = Retained<NSDateComponents>::adopt(NSDateComponents::alloc().init());
+  if (date.year) components->setYear(*date.year);
+  components->setMonth(date.month);
+  components->setDay(date.day);
+  return Retained<NSObject>::adopt(components.leak());
 }
 
 std::optional<vcard::Date> dateOf(NSDateComponents components) {

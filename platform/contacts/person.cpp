@@ -58,15 +58,15 @@ struct PersonObject : RecordObject {
   ABRecord initWithAddressBook(NSObject book) { return initializedNew(false, book); }
 
   ABRecord initWithVCardRepresentation(NSData vCard) {
+    // The receiver is the caller's no more: it is answered, or given up.
+    auto owned = Retained<ABRecord>::adopt(ABRecord(this));
     std::optional<std::string> text = importedText(vCard);
-    if (!text) {
-      objc_release(this);
-      return nullptr;
-    }
+    if (!text) return nullptr;
     auto card = std::make_shared<StoredCard>();
     card->uid = newIdentifier();
     card->text = *std::move(text);
-    return initialized(personSchema(), std::move(card));
+    initialized(personSchema(), std::move(card));
+    return owned.leak();
   }
 
   [[nodiscard]] NSArray linkedPeople() {

@@ -23,19 +23,20 @@ struct AttributedStringObject : objc::Object {
   std::vector<Run> runs;
 
   NSAttributedString initWithStringAndAttributes(NSString string, NSDictionary attributes) {
+    // The receiver is the caller's no more: it is answered, or given up.
+    auto owned = Retained<NSAttributedString>::adopt(NSAttributedString(this));
     if (!string) {
-      const auto owned = Retained<NSObject>::adopt(NSObject(this));
       NSException::raise(NSInvalidArgumentException,
                          "-[NSAttributedString initWithString:attributes:]: the string is nil");
     }
     text = Retained<NSString>::adopt(string.copy());
     if (!attributes) attributes = NSDictionary::dictionary();
     if (string.length() != 0) runs.push_back({string.length(), Retained<NSDictionary>::adopt(attributes.copy())});
-    return NSAttributedString(this);
+    return owned.leak();
   }
 
   NSAttributedString initWithString(NSString string) { return initWithStringAndAttributes(string, nullptr); }
-  NSAttributedString init() { return initWithString(NSString::string()); }
+  NSAttributedString init() { return initWithString(""_ns); }
 
   NSString string() const { return text.get(); }
   NSUInteger length() const { return text->length(); }

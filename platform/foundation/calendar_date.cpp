@@ -17,8 +17,11 @@ struct CalendarDateObject : DateObject {
   Retained<NSTimeZone> zone;
 
   NSDate initWithTimeIntervalSinceReferenceDate(NSTimeInterval seconds) {
+    // The receiver is the caller's no more: it is answered, or given up.
+    auto owned = Retained<NSDate>::adopt(NSDate(this));
     zone = Retained<NSTimeZone>::share(NSTimeZone::localTimeZone());
-    return DateObject::initWithTimeIntervalSinceReferenceDate(seconds);
+    DateObject::initWithTimeIntervalSinceReferenceDate(seconds);
+    return owned.leak();
   }
 
   [[nodiscard]] NSInteger yearOfCommonEra() const { return static_cast<NSInteger>(fields().year); }
