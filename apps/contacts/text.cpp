@@ -33,10 +33,9 @@ template <class Each>
 void forEachCharacter(std::string_view text, Each each) {
   const InUtf8 scope;
   while (!text.empty()) {
-    wchar_t character = 0;
+    auto character = static_cast<wchar_t>(static_cast<unsigned char>(text.front()));
     std::mbstate_t state{};
-    std::size_t length = std::mbrtowc(&character, text.data(), text.size(), &state);
-    if (length == 0) length = 1;
+    std::size_t length = character < 0x80 ? 1 : std::mbrtowc(&character, text.data(), text.size(), &state);
     if (length > text.size()) {
       length = 1;
       character = L'\uFFFD';
