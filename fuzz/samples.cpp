@@ -221,11 +221,12 @@ void set(Entries& entries, const Sample& key, const Sample& value, IsSame isSame
   }
 }
 
-// For the host a Boolean is no number, and an object is only the same as itself.
+// For the host a Boolean is no number, an object is only the same as itself, and what Foundation can't tell apart may
+// be two keys.
 bool isSameInTheHost(const Sample& a, const Sample& b) {
   const auto isPlain = [](const Sample& key) { return !std::holds_alternative<host::ObjectRef>(key.value.data()); };
   const auto isBoolean = [](const Sample& key) { return std::holds_alternative<bool>(key.value.data()); };
-  return isPlain(a) && isPlain(b) && isBoolean(a) == isBoolean(b) && a.identity == b.identity;
+  return isPlain(a) && isPlain(b) && isBoolean(a) == isBoolean(b) && a.identity == b.identity && a.value == b.value;
 }
 
 bool isSameInFoundation(const Sample& a, const Sample& b) { return a.identity == b.identity; }
