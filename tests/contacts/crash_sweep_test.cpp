@@ -1,10 +1,8 @@
 #include "tests/contacts/file_faults.h"
-#include "tests/contacts/in_child.h"
 #include "tests/contacts/store_scenarios.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <filesystem>
 #include <optional>
 #include <set>
@@ -15,24 +13,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace store_scenarios;
-
-// Opens, edits and saves, and is killed before that call. faultsFromStart: already the opening may be the end of it.
-// Whether it was killed.
-bool killedAt(int at, void (*edit)(ABAddressBook), bool faultsFromStart) {
-  const auto [status, answer] = answerOfChild([&] {
-    const file_faults::Fault fault{file_faults::Fault::Effect::kKill, 0, false, at};
-    if (faultsFromStart) file_faults::start(fault);
-    const ABAddressBook book = ABAddressBook::addressBook();
-    edit(book);
-    if (!faultsFromStart) file_faults::start(fault);
-    const bool isSaved = book.save();
-    file_faults::stop();
-    return std::string(isSaved ? "saved" : "failed");
-  });
-  const bool isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
-  EXPECT_EQ(answer, isKilled ? "" : "saved");
-  return isKilled;
-}
 
 class CrashSweep : public testing::TestWithParam<std::size_t> {
  protected:

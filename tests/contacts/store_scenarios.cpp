@@ -2,10 +2,12 @@
 
 #include "tests/contacts/book_test.h"
 #include "tests/contacts/file_faults.h"
+#include "tests/contacts/in_child.h"
 
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -97,6 +99,22 @@ void fillUnfinished(const fs::path& folder, const Scenario& scenario) {
     });
     ASSERT_NE(status, 0) << scenario.name << " leaves no journal wherever it is killed";
   }
+}
+
+bool killedAt(int at, void (*edit)(ABAddressBook), bool faultsFromStart) {
+  const auto [status, answer] = answerOfChild([&] {
+    const file_faults::Fault fault{file_faults::Fault::Effect::kKill, 0, false, at};
+    if (faultsFromStart) file_faults::start(fault);
+    const ABAddressBook book = ABAddressBook::addressBook();
+    edit(book);
+    if (!faultsFromStart) file_faults::start(fault);
+    const bool isSaved = book.save();
+    file_faults::stop();
+    return std::string(isSaved ? "saved" : "failed");
+  });
+  const bool isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+  EXPECT_EQ(answer, isKilled ? "" : "saved");
+  return isKilled;
 }
 
 void addLater(ABAddressBook book) { add(book, "Later"); }

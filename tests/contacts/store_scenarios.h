@@ -31,6 +31,10 @@ void fill(const std::filesystem::path& folder);
 // As fill, and then a process was killed when it had just committed the scenario's save.
 void fillUnfinished(const std::filesystem::path& folder, const Scenario& scenario);
 
+// A process opens, edits and saves, and is killed before that call. faultsFromStart: already the opening may be the end
+// of it. Whether it was killed.
+bool killedAt(int at, void (*edit)(ABAddressBook), bool faultsFromStart);
+
 void addLater(ABAddressBook book);
 
 // Names, notes, pictures, groups and owner, without ids, which differ each time.
