@@ -53,9 +53,9 @@ host::Value findRecord(const host::Value& book, std::string_view text, const std
   return found;
 }
 
-host::Value contains(const PropertyName& property, const std::string& key, std::string_view text) {
-  return host::callShared("ABPersonVXR", "searchElementForProperty", property.name, nullptr,
-                          key.empty() ? host::Value() : host::Value(key), text,
+// Of dictionaries, such as addresses, in any part.
+host::Value contains(const PropertyName& property, std::string_view text) {
+  return host::callShared("ABPersonVXR", "searchElementForProperty", property.name, nullptr, nullptr, text,
                           host::constant("ABAddressBookVXR", "kABContainsSubStringCaseInsensitive"));
 }
 
@@ -72,11 +72,8 @@ std::vector<host::Value> peopleWith(const host::Value& book, std::string_view te
   std::vector<host::Value> conditions;
   const Vocabulary vocabulary(book);
   for (const PropertyName& property : vocabulary.properties()) {
-    if (property.entryType() == kString) conditions.push_back(contains(property, "", text));
-    if (property.name != "Address") continue;
-    for (const char* key : {"Street", "City", "State", "ZIP", "Country"}) {
-      conditions.push_back(contains(property, key, text));
-    }
+    const bool hasText = property.entryType() == kString || property.entryType() == kDictionary;
+    if (hasText) conditions.push_back(contains(property, text));
   }
   const host::Value any =
       host::callShared("ABSearchElementVXR", "searchElementForConjunction",
