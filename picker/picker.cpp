@@ -2,6 +2,7 @@
 
 #include "bridge/dictionaries.h"
 #include "bridge/exceptions.h"
+#include "bridge/instance_registry.h"
 #include "bridge/strings.h"
 #include "bridge/wrappers.h"
 #include "frame/host_ref.h"
@@ -39,6 +40,8 @@ void releasePicker(REALobject self) {
 }
 
 void PickerConstructor(REALobject) {
+  // The records that the user selects may be the first objects of the plug-in that are wrapped.
+  CocoaInit();
   if (eventHandler == nullptr) eventHandler = MyEventHandler;
 }
 

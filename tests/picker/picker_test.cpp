@@ -1,4 +1,5 @@
 #include "host/objects.h"
+#include "platform/contacts/address_book.h"
 #include "platform/contacts/people_picker.h"
 #include "tests/kit/host.h"
 #include "tests/objc/live_objects.h"
@@ -207,6 +208,17 @@ TEST(Picker, SelectsGroupsAndPeople) {
   picker.call("DeselectAll");
   EXPECT_EQ(fixture.names("SelectedRecords"), Texts());
   EXPECT_EQ(fixture.names("SelectedGroups"), Texts());
+}
+
+TEST(Picker, FindsTheRecordsThatItGaveBefore) {
+  const Host host{.contacts = kContacts};
+  const host::Value picker = host.make(kPicker);
+  picker.call("Create");
+  // As the user does, before host code has met any record.
+  ABPickerSelectRecord(reinterpret_cast<ABPickerRef>(picker.get("Handle").integer()),
+                       ABAddressBook::sharedAddressBook().people().objectAtIndex(0).get(), false);
+  const host::Value records = picker.call("SelectedRecords");
+  EXPECT_EQ(picker.call("SelectedRecords").at(0), records.at(0));
 }
 
 TEST(Picker, LeavesNothingSelectedThatIsNotInTheBook) {
