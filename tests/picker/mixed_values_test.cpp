@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <vector>
 
 #include <dlfcn.h>
@@ -18,6 +19,8 @@ namespace {
 CFArrayRef (*selectedValues)() = nullptr;
 
 CFArrayRef owned(NSArray array) { return bridge<CFArrayRef>(Retained<NSArray>::share(array).leak()); }
+
+NSDate dateAt(double seconds) { return NSDate::dateWithTimeIntervalSinceReferenceDate(seconds); }
 
 NSDictionary address() { return NSDictionary::dictionaryWithObject("Paris"_ns, "City"_ns); }
 
@@ -35,13 +38,14 @@ TEST(MixedValues, AreSortedByKindWithoutGapsAndMayBeMissingOrRaise) {
   const Host host{};
   const host::Value picker = host.make("ABPickerVXR");
   picker.call("Create");
+  setenv("TZ", "Pacific/Kiritimati", 1);  // 14 hours ahead: an evening is on the next day, a noon GMT stays on its own
   selectedValues = [] {
     return owned(NSArray::arrayWithObjects(
-        {"a@b"_ns, address(), NSDate::dateWithTimeIntervalSinceReferenceDate(0), "c@d"_ns, address()}));
+        {"a@b"_ns, address(), dateAt(43200), dateAt(-3600), dateAt(-12498494400), "c@d"_ns, address()}));
   };
   EXPECT_EQ(picker.call("SelectedStrings").elements(), (std::vector<host::Value>{"a@b", "c@d"}));
   EXPECT_EQ(picker.call("SelectedValues").elements(),
-            (std::vector<host::Value>{"a@b", "Paris", "2001-01-01", "c@d", "Paris"}));
+            (std::vector<host::Value>{"a@b", "Paris", "2001-01-01", "2001-01-01", "--12-09", "c@d", "Paris"}));
   const host::Value dictionaries = picker.call("SelectedDictionaries");
   ASSERT_EQ(dictionaries.size(), 2U);
   EXPECT_EQ(dictionaries.at(1).call("Value", "City"), "Paris");
