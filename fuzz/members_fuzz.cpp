@@ -28,7 +28,6 @@
 #include <cstdlib>
 #include <limits>
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -38,8 +37,7 @@ using host::HostClass;
 using host::Value;
 
 constexpr const char* kBook = "ABAddressBookVXR";
-constexpr std::size_t kMostObjects = 40;
-constexpr std::size_t kMostTexts = 20;
+constexpr std::size_t kMostKept = 40;
 constexpr std::size_t kHugeLength = 70'000;
 constexpr int kCallsBetweenChecks = 16;
 constexpr const char* kCard =
@@ -195,15 +193,15 @@ class Program {
 
   // Objects of every class, elements of arrays too, and texts.
   void keep(const Value& value) {
-    if (std::holds_alternative<host::StringRef>(value.data())) put(texts, kMostTexts, value);
+    if (std::holds_alternative<host::StringRef>(value.data())) put(texts, value);
     if (!std::holds_alternative<host::ObjectRef>(value.data())) return;
-    put(objects, kMostObjects, value);
+    put(objects, value);
     if (!value.typeName().ends_with("()")) return;
     for (const Value& element : value.elements()) keep(element);
   }
 
-  void put(std::vector<Value>& kept, std::size_t most, const Value& value) {
-    if (kept.size() == most) kept.erase(kept.begin());
+  static void put(std::vector<Value>& kept, const Value& value) {
+    if (kept.size() == kMostKept) kept.erase(kept.begin());
     kept.push_back(value);
   }
 
@@ -226,12 +224,6 @@ class Program {
         -1, std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max(), 0x100, 0x10000, 4};
     const std::uint8_t choice = input_.number();
     return choice % 4 == 0 ? one(kSpecial) : choice % 16;
-  }
-
-  Value blockValue() {
-    const int choice = input_.number() % 3;
-    if (choice == 0) return host::memoryBlock(input_.text());
-    return choice == 1 ? host::memoryBlock(kCard) : objectOfClass("MemoryBlock");
   }
 
   // One that is there, an empty one, or nil.
@@ -266,7 +258,8 @@ class Program {
     if (type.kind == variant && choice < 2) return takeSample(input_).value;
     if (type.kind == variant && choice == 2 && !objects.empty()) return one(objects);
     if (type.kind == variant || type.kind == string) return textValue();
-    if (host::sameName(type.name, "MemoryBlock")) return blockValue();
+    if (host::sameName(type.name, "MemoryBlock") && choice == 0) return host::memoryBlock(input_.text());
+    if (host::sameName(type.name, "MemoryBlock") && choice == 1) return host::memoryBlock(kCard);
     if (host::sameName(type.name, "Dictionary") && choice < 2) return takeDictionary(input_).value;
     return objectOfClass(type.name);
   }
@@ -288,12 +281,6 @@ class Program {
   Input input_;
   int failing_ = 0;  // the nth memory block of the next call
 };
-
-std::set<std::string> propertiesOf(const char* className) {
-  std::set<std::string> names;
-  for (const Value& name : host::callShared(className, "properties").elements()) names.insert(name.text());
-  return names;
-}
 
 // Of the registry's entries only the shared address book's may be left. It goes with the first wrapper of several.
 void expectNothingRegistered() {
@@ -325,7 +312,6 @@ class Contacts {
       if (!objects.empty()) objects.pop_back();
     });
     host::callShared(kBook, "sharedAddressbook").call("EnableEvent");
-    for (const char* name : kRecords) initial_[name] = propertiesOf(name);
     clear();
   }
 
@@ -337,10 +323,8 @@ class Contacts {
     for (const char* member : {"people", "groups"}) {
       for (const Value& record : book.call(member).elements()) book.call("removeRecord", record);
     }
-    for (const char* name : kRecords) {
-      for (const std::string& property : propertiesOf(name)) {
-        if (!initial_[name].contains(property)) host::callShared(name, "removeProperty", property);
-      }
+    for (const char* name : {"ABPersonVXR", "ABGroupVXR"}) {
+      host::callShared(name, "removeProperties", host::callShared(name, "properties"));
     }
     book.call("setMe", nullptr);
     expect(book.call("save") == true, "the contacts are removed");
@@ -348,15 +332,12 @@ class Contacts {
   }
 
  private:
-  static constexpr std::array kRecords{"ABPersonVXR", "ABGroupVXR"};
-
   static ContactsFolder inMemory() {
     if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 1);
     return {};
   }
 
   ContactsFolder folder_;
-  std::map<std::string, std::set<std::string>> initial_;
 };
 
 }  // namespace
