@@ -38,7 +38,7 @@ std::optional<DecodedEntry> decode(const EntryLine& line) {
   if (address.count() == 0) return std::nullopt;
   const bool isBeside = !line.country.empty();
   set(address, "CountryCode",
-      isBeside ? line.country : vcard::lowercased(vcard::firstParameter(line.parameters, "CC")));
+      isBeside ? line.country : vcard::lowercased(vcard::firstParameter(line.parameters(), "CC")));
   return DecodedEntry{Retained<NSObject>::adopt(address.copy()), labelOf(line, kPlaceWords, kOther)};
 }
 

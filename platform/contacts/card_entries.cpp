@@ -40,7 +40,7 @@ class Companions {
     auto found = known.find(group);
     if (found == known.end()) return {};
     places.push_back(found->second);
-    return EntryLine{card_.lines[found->second], {}, card_.version, {}, {}}.text();
+    return EntryLine(card_.lines[found->second], card_.version).text();
   }
 
   const vcard::Card& card_;
@@ -51,7 +51,7 @@ class Companions {
 int preferenceOf(const EntryLine& line) {
   if (line.hasType("PREF")) return 1;
   int preference = kNoPreference;
-  const std::string_view text = vcard::firstParameter(line.parameters, "PREF");
+  const std::string_view text = vcard::firstParameter(line.parameters(), "PREF");
   std::from_chars(text.data(), text.data() + text.size(), preference);
   return std::clamp(preference, 1, kNoPreference);
 }
@@ -60,7 +60,7 @@ int preferenceOf(const EntryLine& line) {
 class Alternatives {
  public:
   bool isRepeated(const EntryLine& line) {
-    const std::string_view id = vcard::firstParameter(line.parameters, "ALTID");
+    const std::string_view id = vcard::firstParameter(line.parameters(), "ALTID");
     return !id.empty() && !seen_.insert(vcard::uppercased(line.line.name()) + "=" + std::string(id)).second;
   }
 
@@ -86,7 +86,7 @@ std::vector<CardEntry> entriesFromCard(const EntryCodec& codec, const vcard::Car
 
   for (std::size_t i = 0; i < card.lines.size(); ++i) {
     if (card.lines[i].name().empty()) continue;
-    EntryLine line{card.lines[i], card.lines[i].parameters(), card.version, {}, {}};
+    EntryLine line(card.lines[i], card.version);
     std::vector<std::size_t> places;
     companions.addTo(line, places);
     std::optional<DecodedEntry> decoded = codec.decode(line);
@@ -101,7 +101,7 @@ std::vector<CardEntry> entriesFromCard(const EntryCodec& codec, const vcard::Car
         continue;
       }
     }
-    std::string identifier(vcard::firstParameter(line.parameters, kIdentifierParameter));
+    std::string identifier(vcard::firstParameter(line.parameters(), kIdentifierParameter));
     bool isRepeated = false;
     if (identifier.empty() || identifiers.contains(identifier)) {
       std::string seed(uid);

@@ -96,7 +96,7 @@ Retained<NSObject> multiValueFromCard(const EntryCodec& codec, const Property& p
 Retained<NSObject> customFromCard(const Property& property, const vcard::Card& card) {
   for (const vcard::Line& line : card.lines) {
     if (!isLineOf(property, line)) continue;
-    if (auto value = customValue(property, EntryLine{line, {}, card.version, {}, {}})) return value;
+    if (auto value = customValue(property, EntryLine(line, card.version))) return value;
   }
   return {};
 }

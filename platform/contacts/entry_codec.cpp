@@ -6,16 +6,16 @@
 namespace contacts {
 
 std::string EntryLine::text() const {
-  return std::string(vcard::trimmed(vcard::unescape(vcard::decodedValue(line), version)));
+  return std::string(vcard::trimmed(vcard::unescape(vcard::decodedValue(line, parameters()), version)));
 }
 
 std::vector<std::string> EntryLine::fields() const {
-  return vcard::splitFields(vcard::decodedValue(line), ';', version);
+  return vcard::splitFields(vcard::decodedValue(line, parameters()), ';', version);
 }
 
 std::optional<EntryCodec> entryCodecFor(const Property& property) {
-  const bool isMulti = (property.type & kABMultiValueMask) != 0;
-  if (property.isCustom) return isMulti ? std::optional(customCodec(property)) : std::nullopt;
+  if ((property.type & kABMultiValueMask) == 0) return std::nullopt;
+  if (property.isCustom) return customCodec(property);
   for (EntryCodec (*codec)() : {emailCodec, phoneCodec, urlCodec, calendarCodec, relatedNameCodec, dateCodec,
                                 addressCodec, instantMessageCodec, socialProfileCodec}) {
     if (EntryCodec known = codec(); known.property == property.name) return known;

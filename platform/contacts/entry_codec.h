@@ -15,18 +15,29 @@
 namespace contacts {
 
 // A line together with what stands beside it under the same group: item1.ADR, item1.X-ABLabel, item1.X-ABADR.
-struct EntryLine {
+class EntryLine {
+ public:
+  // The line must outlive it.
+  EntryLine(const vcard::Line& cardLine, vcard::Version cardVersion) : line(cardLine), version(cardVersion) {}
+
   const vcard::Line& line;
-  std::vector<vcard::Parameter> parameters;
   vcard::Version version;
   std::string customLabel;  // empty when there is none
   std::string country;
 
+  [[nodiscard]] const std::vector<vcard::Parameter>& parameters() const {
+    if (!parameters_) parameters_ = line.parameters();
+    return *parameters_;
+  }
   // Decoded and unescaped, without blanks at its ends.
   [[nodiscard]] std::string text() const;
   // The fields of a structured value.
   [[nodiscard]] std::vector<std::string> fields() const;
-  [[nodiscard]] bool hasType(std::string_view word) const { return vcard::hasParameter(parameters, "TYPE", word); }
+  [[nodiscard]] bool hasType(std::string_view word) const { return vcard::hasParameter(parameters(), "TYPE", word); }
+
+ private:
+  // Most lines are asked for their name alone.
+  mutable std::optional<std::vector<vcard::Parameter>> parameters_;
 };
 
 struct DecodedEntry {

@@ -74,7 +74,7 @@ std::optional<DecodedEntry> decodeImpp(const EntryLine& line) {
       colon == std::string::npos ? std::string_view() : std::string_view(uri).substr(0, colon);
   const std::string_view username = std::string_view(uri).substr(colon == std::string::npos ? 0 : colon + 1);
   if (username.empty()) return std::nullopt;
-  std::string_view word = vcard::firstParameter(line.parameters, "X-SERVICE-TYPE");
+  std::string_view word = vcard::firstParameter(line.parameters(), "X-SERVICE-TYPE");
   // Some programs name the service as others name its scheme.
   for (const std::string_view name : {word, scheme}) {
     std::string_view known = wordFor(kServices, name, &Service::word);
@@ -146,9 +146,9 @@ std::optional<DecodedEntry> decodeProfile(const EntryLine& line) {
     if (!text.empty()) profile.setObject(makeString(text), key);
   };
   set(kABSocialProfileURLKey, line.text());
-  for (const auto& row : kProfileParameters) set(row.key, vcard::firstParameter(line.parameters, row.parameter));
+  for (const auto& row : kProfileParameters) set(row.key, vcard::firstParameter(line.parameters(), row.parameter));
   std::string label = line.customLabel.empty() ? std::string(kOther) : line.customLabel;
-  for (const vcard::Parameter& parameter : line.parameters) {
+  for (const vcard::Parameter& parameter : line.parameters()) {
     if (parameter.name == "SERVICE-TYPE") set(kABSocialProfileServiceKey, parameter.value);
     if (parameter.name != "TYPE") continue;
     const std::string word = vcard::uppercased(parameter.value);

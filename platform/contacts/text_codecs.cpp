@@ -130,7 +130,7 @@ std::optional<DecodedEntry> decodeRelatedName(const EntryLine& line) {
     if (line.line.is(relation.name)) return textEntry(line.text(), std::string(relation.label));
   }
   // Without VALUE=text it is another card's address, not a name.
-  if (!line.line.is("RELATED") || !vcard::hasParameter(line.parameters, "VALUE", "text")) return std::nullopt;
+  if (!line.line.is("RELATED") || !vcard::hasParameter(line.parameters(), "VALUE", "text")) return std::nullopt;
   auto known = std::ranges::find_if(kRelationWords, [&](const auto& relation) { return line.hasType(relation.name); });
   return textEntry(line.text(), labelOf(line, {}, known == kRelationWords.end() ? kOther : known->label));
 }
@@ -146,7 +146,7 @@ std::optional<DecodedEntry> decodeDate(const EntryLine& line) {
                                                               "X-KADDRESSBOOK-X-ANNIVERSARY"};
   const bool isAnniversary = std::ranges::any_of(kAnniversaryLines, [&](auto name) { return line.line.is(name); });
   if (!isAnniversary && !line.line.is("X-ABDATE")) return std::nullopt;
-  const std::optional<vcard::Date> date = dateOnLine(line.text(), line.parameters);
+  const std::optional<vcard::Date> date = dateOnLine(line.text(), line.parameters());
   if (!date) return std::nullopt;
   return DecodedEntry{newDateComponents(*date), labelOf(line, {}, isAnniversary ? kAnniversary : kOther)};
 }

@@ -41,9 +41,10 @@ std::optional<DecodedEntry> readBack(const EntryCodec& codec, const MultiValueEn
     vcard::appendLine(text, "", draft.name, draft.parameters, draft.value);
     const std::string card = "BEGIN:VCARD\r\n" + text + "END:VCARD\r\n";
     const vcard::Card parsed = vcard::parseCard(card);
-    const vcard::Line& line = parsed.lines[1];
-    const std::string label(vcard::trimmed(vcard::withUnixBreaks(draft.customLabel)));
-    if (auto decoded = codec.decode({line, line.parameters(), parsed.version, label, draft.country})) return decoded;
+    EntryLine line(parsed.lines[1], parsed.version);
+    line.customLabel = vcard::trimmed(vcard::withUnixBreaks(draft.customLabel));
+    line.country = draft.country;
+    if (auto decoded = codec.decode(line)) return decoded;
   }
   return std::nullopt;
 }

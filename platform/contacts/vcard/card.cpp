@@ -15,6 +15,13 @@ constexpr bool isBase64Character(char c) {
   return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '/' || c == '=';
 }
 
+// Nearly every head is found out here: only parameters name encodings, and those that matter have one of these letters.
+bool mayNameEncoding(std::string_view head) {
+  const std::size_t parameters = head.find(';');
+  if (parameters == std::string_view::npos) return false;
+  return std::ranges::any_of(head.substr(parameters), [](char c) { return upper(c) == 'B' || upper(c) == 'Q'; });
+}
+
 // Collects the physical lines of one logical line.
 class LogicalLine {
  public:
@@ -72,10 +79,12 @@ class LogicalLine {
       if (content.size() > kLongestHead) encoding_ = Encoding::kPlain;
       return;
     }
-    const std::string head = uppercased(content.substr(0, colon));
-    if (isQuotedPrintable(content)) {
+    const std::string_view head = content.substr(0, colon);
+    if (!mayNameEncoding(head)) {
+      encoding_ = Encoding::kPlain;
+    } else if (isQuotedPrintable(content)) {
       encoding_ = Encoding::kQuotedPrintable;
-    } else if (head.find("BASE64") != std::string::npos || head.find("ENCODING=B") != std::string::npos) {
+    } else if (containsIgnoringCase(head, "BASE64") || containsIgnoringCase(head, "ENCODING=B")) {
       encoding_ = Encoding::kBase64;
     } else {
       encoding_ = Encoding::kPlain;
@@ -95,6 +104,13 @@ class LogicalLine {
 
 Card parseCard(std::string_view section) {
   Card card;
+  parseCard(section, card);
+  return card;
+}
+
+void parseCard(std::string_view section, Card& card) {
+  card.version = Version::k30;
+  card.lines.clear();
   LogicalLine current;
   while (!section.empty()) {
     const std::string_view physicalLine = takePhysicalLine(section);
@@ -114,7 +130,6 @@ Card parseCard(std::string_view section) {
     if (number.starts_with('2')) card.version = Version::k21;
     if (number.starts_with('4')) card.version = Version::k40;
   }
-  return card;
 }
 
 }  // namespace vcard

@@ -18,5 +18,7 @@ struct Card {
 
 // section is the text of one card (sections.h), which must outlive the result.
 Card parseCard(std::string_view section);
+// The same in a card whose storage is used again.
+void parseCard(std::string_view section, Card& card);
 
 }  // namespace vcard

@@ -84,42 +84,32 @@ void appendParameter(std::vector<Parameter>& parameters, std::string_view text) 
 
 }  // namespace
 
-Line::Line(std::string_view raw, std::string unfolded) : raw_(raw), unfolded_(std::move(unfolded)) {
-  const std::string_view text = content();
-  nameEnd_ = text.find_first_of(";:");
-  headEnd_ = text.size();
-  if (nameEnd_ == kNone) return;
-  const std::size_t dot = text.substr(0, nameEnd_).rfind('.');
-  nameStart_ = dot == kNone ? 0 : dot + 1;
-  const std::string_view found = trimmed(text.substr(nameStart_, nameEnd_ - nameStart_));
-  if (found.empty() || !std::ranges::all_of(found, isNameCharacter)) return;
+Line::Line(std::string_view raw, std::string unfolded) : raw_(raw), content_(withoutBreak(raw)) {
+  if (!unfolded.empty()) {
+    unfolded_ = std::make_shared<const std::string>(std::move(unfolded));
+    content_ = *unfolded_;
+  }
+  const auto end = std::ranges::find_if(content_, [](char c) { return c == ';' || c == ':'; });
+  if (end == content_.end()) return;
+  const auto nameEnd = static_cast<std::size_t>(end - content_.begin());
+  const std::string_view start = content_.substr(0, nameEnd);
+  const std::size_t dot = start.rfind('.');
+  const std::string_view name = trimmed(dot == kNone ? start : start.substr(dot + 1));
+  if (name.empty() || !std::ranges::all_of(name, isNameCharacter)) return;
 
-  std::size_t colon = findOutsideQuotes(text, nameEnd_, ':', ':');
-  if (colon == kNone) colon = text.find(':', nameEnd_);  // a quote that is never closed
+  std::size_t colon = findOutsideQuotes(content_, nameEnd, ':', ':');
+  if (colon == kNone) colon = content_.find(':', nameEnd);  // a quote that is never closed
   if (colon == kNone) return;
-  headEnd_ = colon;
-  wellFormed_ = true;
+  if (dot != kNone) group_ = trimmed(start.substr(0, dot));
+  name_ = name;
+  if (colon > nameEnd) parameters_ = content_.substr(nameEnd + 1, colon - nameEnd - 1);
+  value_ = content_.substr(colon + 1);
 }
-
-std::string_view Line::content() const { return unfolded_.empty() ? withoutBreak(raw_) : std::string_view(unfolded_); }
-
-std::string_view Line::group() const {
-  if (!wellFormed_ || nameStart_ == 0) return {};
-  return trimmed(content().substr(0, nameStart_ - 1));
-}
-
-std::string_view Line::name() const {
-  return wellFormed_ ? trimmed(content().substr(nameStart_, nameEnd_ - nameStart_)) : std::string_view();
-}
-
-std::string_view Line::value() const { return wellFormed_ ? content().substr(headEnd_ + 1) : std::string_view(); }
-
-bool Line::is(std::string_view wanted) const { return equalsIgnoringCase(name(), wanted); }
 
 std::vector<Parameter> Line::parameters() const {
   std::vector<Parameter> parameters;
-  if (!wellFormed_ || nameEnd_ == headEnd_) return parameters;
-  std::string_view rest = head().substr(nameEnd_ + 1);
+  std::string_view rest = parameters_;
+  if (rest.empty()) return parameters;
   for (std::size_t end = 0; (end = findOutsideQuotes(rest, 0, ';', ';')) != kNone; rest.remove_prefix(end + 1)) {
     appendParameter(parameters, rest.substr(0, end));
   }
@@ -130,7 +120,7 @@ std::vector<Parameter> Line::parameters() const {
 bool isQuotedPrintable(std::string_view content) {
   constexpr std::string_view kWord = "QUOTED-PRINTABLE";
   const std::string_view head = content.substr(0, content.substr(0, kLongestHead).find(':') + 1);
-  if (uppercased(head).find(kWord) == kNone) return false;  // nearly always
+  if (!containsIgnoringCase(head, kWord)) return false;  // nearly always
   return hasParameter(Line(head, {}).parameters(), "ENCODING", kWord);
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "platform/contacts/vcard/ascii.h"
+
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,26 +25,28 @@ class Line {
   Line(std::string_view raw, std::string unfolded);
 
   [[nodiscard]] std::string_view raw() const { return raw_; }
-  [[nodiscard]] std::string_view content() const;
+  [[nodiscard]] std::string_view content() const { return content_; }
 
   // A line that isn't in that form (empty, without a colon, a strange name) has an empty name and no value.
-  [[nodiscard]] std::string_view group() const;
-  [[nodiscard]] std::string_view name() const;
+  [[nodiscard]] std::string_view group() const { return group_; }
+  [[nodiscard]] std::string_view name() const { return name_; }
+  // As they stand, without the first semicolon; empty when there are none.
+  [[nodiscard]] std::string_view parameterText() const { return parameters_; }
   // Still escaped and encoded.
-  [[nodiscard]] std::string_view value() const;
-  [[nodiscard]] bool is(std::string_view name) const;
+  [[nodiscard]] std::string_view value() const { return value_; }
+  [[nodiscard]] bool is(std::string_view name) const { return equalsIgnoringCase(name_, name); }
 
   [[nodiscard]] std::vector<Parameter> parameters() const;
 
  private:
-  [[nodiscard]] std::string_view head() const { return content().substr(0, headEnd_); }
-
   std::string_view raw_;
-  std::string unfolded_;
-  std::size_t nameStart_ = 0;  // where the group's dot ends
-  std::size_t nameEnd_ = 0;
-  std::size_t headEnd_ = 0;  // the colon; content().size() when there is no value
-  bool wellFormed_ = false;
+  std::shared_ptr<const std::string> unfolded_;
+  std::string_view content_;
+  // Parts of the content.
+  std::string_view group_;
+  std::string_view name_;
+  std::string_view parameters_;
+  std::string_view value_;
 };
 
 // Whether a logical line with this content, of which the head at least is there, is quoted-printable: its physical

@@ -2,14 +2,43 @@
 
 #include "platform/contacts/vcard/ascii.h"
 
-#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+static_assert(std::endian::native == std::endian::little);
 
 namespace vcard {
+namespace {
+
+// The place of the first line break, the text's size when there is none. Eight characters at a step: this is where the
+// time goes when a folder is opened.
+std::size_t findBreak(std::string_view text) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101;
+  constexpr std::uint64_t kAboveBreaks = '\r' + 1;
+  auto isBreak = [](char c) { return c == '\n' || c == '\r'; };
+  std::size_t i = 0;
+  while (i + sizeof(std::uint64_t) <= text.size()) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + i, sizeof word);
+    // The top bit of each byte below that, right up to the first one.
+    const std::uint64_t low = (word - kOnes * kAboveBreaks) & ~word & kOnes << 7;
+    if (low == 0) {
+      i += sizeof word;
+      continue;
+    }
+    i += static_cast<std::size_t>(std::countr_zero(low)) / 8;
+    if (isBreak(text[i])) return i;
+    ++i;
+  }
+  while (i < text.size() && !isBreak(text[i])) ++i;
+  return i;
+}
+
+}  // namespace
 
 std::string_view takePhysicalLine(std::string_view& text) {
-  // Faster than find_first_of, which looks each character up.
-  const auto found = std::ranges::find_if(text, [](char c) { return c == '\n' || c == '\r'; });
-  auto end = static_cast<std::size_t>(found - text.begin());
+  std::size_t end = findBreak(text);
   if (end < text.size()) end += text.substr(end, 2) == "\r\n" ? 2 : 1;
   const std::string_view line = text.substr(0, end);
   text.remove_prefix(end);

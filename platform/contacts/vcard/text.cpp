@@ -4,6 +4,7 @@
 #include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/encoding.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace vcard {
@@ -15,8 +16,9 @@ bool isBase64(const std::vector<Parameter>& parameters) {
 
 }  // namespace
 
-std::string decodedValue(const Line& line) {
-  const std::vector<Parameter> parameters = line.parameters();
+std::string decodedValue(const Line& line) { return decodedValue(line, line.parameters()); }
+
+std::string decodedValue(const Line& line, const std::vector<Parameter>& parameters) {
   const std::string_view charset = firstParameter(parameters, "CHARSET");
   if (hasParameter(parameters, "ENCODING", "QUOTED-PRINTABLE")) {
     return decodeCharset(decodeQuotedPrintable(line.value()), charset);
@@ -55,6 +57,7 @@ std::string withUnixBreaks(std::string_view text) {
 }
 
 std::string unescape(std::string_view escaped, Version version) {
+  if (escaped.find_first_of("\\\r") == std::string_view::npos) return std::string(escaped);
   std::string text;
   text.reserve(escaped.size());
   constexpr std::string_view kPunctuation = "\\;,:\"";
@@ -70,11 +73,12 @@ std::string unescape(std::string_view escaped, Version version) {
     }
     text.push_back(escaped[i]);
   }
-  return withUnixBreaks(text);
+  return text.find('\r') == std::string::npos ? text : withUnixBreaks(text);
 }
 
 std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version) {
   std::vector<std::string> fields;
+  fields.reserve(static_cast<std::size_t>(std::ranges::count(escaped, separator)) + 1);
   std::size_t start = 0;
   for (std::size_t i = 0; i < escaped.size(); ++i) {
     if (escaped[i] == '\\') {

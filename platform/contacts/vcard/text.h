@@ -11,6 +11,8 @@ namespace vcard {
 
 // The line's value with its transfer encoding and character set undone, still escaped; always valid UTF-8.
 std::string decodedValue(const Line& line);
+// The same of a line whose parameters are known.
+std::string decodedValue(const Line& line, const std::vector<Parameter>& parameters);
 // The bytes of an embedded picture or sound, whether base64 or a data: URI; empty for anything else.
 std::string binaryValue(const Line& line);
 
