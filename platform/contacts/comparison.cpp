@@ -3,6 +3,7 @@
 #include "platform/contacts/case_folding.h"
 #include "platform/contacts/date_values.h"
 #include "platform/contacts/multi_value_object.h"
+#include "platform/contacts/strings.h"
 #include "platform/foundation/number.h"
 
 #include <optional>
@@ -12,18 +13,6 @@ namespace contacts {
 namespace {
 
 constexpr double kSecondsInDay = 86400;
-
-std::u16string unitsOf(NSObject string) {
-  const auto text = string.as<NSString>();
-  std::u16string units(text.length(), u'\0');
-  if (!units.empty()) text.getCharacters(units.data(), NSMakeRange(0, units.size()));
-  return units;
-}
-
-bool isOfText(ABSearchComparison asked) {
-  return (asked >= kABEqualCaseInsensitive && asked <= kABPrefixMatchCaseInsensitive) || asked == kABSuffixMatch ||
-         asked == kABSuffixMatchCaseInsensitive;
-}
 
 bool isOfDays(ABSearchComparison asked) { return asked >= kABWithinIntervalAroundToday; }
 
@@ -46,8 +35,8 @@ bool hasOrder(NSComparisonResult order, ABSearchComparison asked) {
 }
 
 bool comparesTexts(NSObject value, ABSearchComparison asked, NSObject searched) {
-  std::u16string text = unitsOf(value);
-  std::u16string part = unitsOf(searched);
+  std::u16string text = unitsOf(value.as<NSString>());
+  std::u16string part = unitsOf(searched.as<NSString>());
   const bool ignoresCase = asked == kABEqualCaseInsensitive || asked == kABContainsSubStringCaseInsensitive ||
                            asked == kABPrefixMatchCaseInsensitive || asked == kABSuffixMatchCaseInsensitive;
   if (ignoresCase) {
@@ -96,6 +85,11 @@ bool comparesDates(NSObject value, ABSearchComparison asked, NSObject searched) 
 }
 
 }  // namespace
+
+bool isOfText(ABSearchComparison asked) {
+  return (asked >= kABEqualCaseInsensitive && asked <= kABPrefixMatchCaseInsensitive) || asked == kABSuffixMatch ||
+         asked == kABSuffixMatchCaseInsensitive;
+}
 
 Comparison comparisonOf(ABSearchComparison comparison) {
   switch (comparison) {

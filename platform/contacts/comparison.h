@@ -11,6 +11,8 @@ struct Comparison {
 };
 
 Comparison comparisonOf(ABSearchComparison comparison);
+// Whether it is of texts only: parts of them, or with case ignored.
+bool isOfText(ABSearchComparison asked);
 // Whether values of that single-value type can be compared so with the value.
 bool isComparable(ABPropertyType type, ABSearchComparison asked, NSObject value);
 // Only for an asked comparison, and values that are comparable.

@@ -6,12 +6,13 @@
 
 namespace contacts {
 
-std::string utf8Of(NSString string) {
+std::u16string unitsOf(NSString string) {
   std::u16string units(string.length(), u'\0');
-  if (units.empty()) return {};
-  string.getCharacters(units.data(), NSMakeRange(0, units.size()));
-  return vcard::utf8FromUtf16(units);
+  if (!units.empty()) string.getCharacters(units.data(), NSMakeRange(0, units.size()));
+  return units;
 }
+
+std::string utf8Of(NSString string) { return vcard::utf8FromUtf16(unitsOf(string)); }
 
 std::string printable(std::string_view bytes) {
   if (vcard::isValidUtf8(bytes)) return std::string(bytes);

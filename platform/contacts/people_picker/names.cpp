@@ -4,6 +4,7 @@
 #include "platform/contacts/people_picker/values.h"
 #include "platform/contacts/preferences.h"
 #include "platform/contacts/record_object.h"
+#include "platform/contacts/strings.h"
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/cf_string.h"
 #include "platform/foundation/number.h"
@@ -89,12 +90,6 @@ std::vector<ABRecord> membersOf(std::vector<ABGroup> groups) {
 }
 
 }  // namespace
-
-std::u16string unitsOf(NSString string) {
-  std::u16string units(string.length(), u'\0');
-  if (!units.empty()) string.getCharacters(units.data(), NSMakeRange(0, units.size()));
-  return units;
-}
 
 std::u16string displayName(ABRecord record) {
   std::u16string name = isGroup(record) ? textOf(record, kABGroupNameProperty) : personName(record);

@@ -8,7 +8,6 @@
 
 namespace contacts {
 
-std::u16string unitsOf(NSString string);
 // The record's name as its card shows it; of a company the company's. Never empty.
 std::u16string displayName(ABRecord record);
 // Text as it is searched and sorted: without differences of case and without accents.
