@@ -2,33 +2,85 @@
 
 #include "platform/contacts/group_lines.h"
 #include "platform/contacts/identifier.h"
+#include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/ascii.h"
 #include "platform/contacts/vcard/sections.h"
 #include "platform/contacts/vcard/text.h"
+#include "platform/foundation/autorelease_pool.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 namespace contacts {
 namespace {
 
+// Lines that no property but the UID comes from.
+constexpr std::array<std::string_view, 5> kAboutCard{"BEGIN", "END", "VERSION", "PRODID", "REV"};
+
 // Pictures and the like, which stay in the file until somebody asks.
 bool isLongBinary(const vcard::Line& line) {
   constexpr std::size_t kLongestKept = 1024;
-  return line.raw().size() > kLongestKept && !vcard::binaryValue(line).empty();
+  constexpr std::array<std::string_view, 4> kNames{"PHOTO", "LOGO", "SOUND", "KEY"};
+  return line.raw().size() > kLongestKept && std::ranges::any_of(kNames, [&](auto name) { return line.is(name); });
 }
 
-StoredCard readCard(std::string_view section) {
-  const vcard::Card card = vcard::parseCard(section);
-  StoredCard stored;
+// Whether all of them are types, which say nothing about how the value is written.
+bool areTypes(std::string_view parameters) {
+  constexpr std::string_view kType = "TYPE=";
+  while (!parameters.empty()) {
+    if (!vcard::equalsIgnoringCase(parameters.substr(0, kType.size()), kType)) return false;
+    const std::size_t end = parameters.find(';');
+    parameters.remove_prefix(end == std::string_view::npos ? parameters.size() : end + 1);
+  }
+  return true;
+}
+
+bool isAscii(std::string_view value) {
+  return std::ranges::all_of(value, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// Where a property's text isn't a part of the line's, it may be any text.
+void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) {
+  const std::string_view value = line.value();
+  if ((line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos)) {
+    digest.addAnything();
+  } else if (areTypes(line.parameterText()) && isAscii(value)) {
+    digest.addAscii(vcard::unescape(value, version));
+  } else {
+    const AutoreleasePool pool;
+    const std::vector<vcard::Parameter> parameters = line.parameters();
+    digest.add(unitsOf(makeString(vcard::unescape(vcard::decodedValue(line, parameters), version))));
+    for (const vcard::Parameter& parameter : parameters) digest.add(unitsOf(makeString(parameter.value)));
+  }
+}
+
+std::shared_ptr<StoredCard> readCard(std::string_view section, std::uint64_t hash) {
+  thread_local vcard::Card card;
+  vcard::parseCard(section, card);
+  auto result = std::make_shared<StoredCard>();
+  StoredCard& stored = *result;
+  stored.hash = hash;
+  bool isWhole = true;
+  for (const vcard::Line& line : card.lines) {
+    if (isLongBinary(line)) {
+      isWhole = false;
+    } else if (line.is("UID")) {
+      if (stored.uid.empty()) stored.uid = uidOf(line, card.version);
+    } else if (!std::ranges::any_of(kAboutCard, [&](auto name) { return line.is(name); })) {
+      stored.isGroup = stored.isGroup || saysGroup(line);
+      addTo(stored.digest, line, card.version);
+    }
+  }
+  if (isWhole) {
+    stored.text = section;
+    return result;
+  }
   for (const vcard::Line& line : card.lines) {
     if (!isLongBinary(line)) stored.text += line.raw();
-    if (line.is("UID") && stored.uid.empty()) stored.uid = uidOf(line, card.version);
-    stored.isGroup = stored.isGroup || saysGroup(line);
   }
   stored.text.shrink_to_fit();
-  stored.hash = contentHash(section);
-  return stored;
+  return result;
 }
 
 constexpr bool isHarmless(char c) {
@@ -38,12 +90,13 @@ constexpr bool isHarmless(char c) {
 
 }  // namespace
 
-std::vector<StoredCard> cardsIn(std::string_view text) {
-  std::vector<StoredCard> cards;
+NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash) {
+  NewCards cards;
   for (const vcard::Section& section : vcard::splitSections(text)) {
     if (!section.isCard) continue;
-    cards.push_back(readCard(section.text));
-    cards.back().position = cards.size() - 1;
+    const bool isAll = hash && section.text.size() == text.size();
+    cards.push_back(readCard(section.text, isAll ? *hash : contentHash(section.text)));
+    cards.back()->position = cards.size() - 1;
   }
   return cards;
 }

@@ -4,6 +4,7 @@
 #include "platform/contacts/stored_card.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,8 +20,9 @@ struct CardFile {
   std::vector<StoredCardPointer> cards;
 };
 
-// The cards of a file's text in order. Cards without a UID have an empty one. Pictures and the like are left out.
-std::vector<StoredCard> cardsIn(std::string_view text);
+// The cards of a file's text in order. Cards without a UID have an empty one. Pictures and the like are left out. hash
+// is that of the text where it is known.
+NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash = std::nullopt);
 
 // A file name that a card of that UID can have: the UID where all of it is harmless, else a name of its own.
 std::string fileNameFor(const std::string& uid);

@@ -8,7 +8,9 @@
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/log.h"
 
+#include <algorithm>
 #include <chrono>
+#include <iterator>
 #include <utility>
 
 namespace contacts {
@@ -48,8 +50,8 @@ std::string Database::fullText(const StoredCard& card) const try {
   if (card.position < sections.size() && contentHash(sections[card.position]) == card.hash) {
     return std::string(sections[card.position]);
   }
-  for (const StoredCard& found : cardsIn(text)) {
-    if (found.uniqueId() == card.uniqueId()) return std::string(sections[found.position]);
+  for (const auto& found : cardsIn(text)) {
+    if (found->uniqueId() == card.uniqueId()) return std::string(sections[found->position]);
   }
   return card.text;
 } catch (const FileError&) {
@@ -70,18 +72,31 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
   std::vector<FoundFile> found;
-  std::set<std::string> all;
-  if (names == nullptr) {
-    all = fileNames();
-    for (const auto& [name, file] : files_) all.insert(name);
-    names = &all;
-  }
-  for (const std::string& name : *names) {
-    if (!isCardFileName(name)) continue;
+  auto lookAt = [&](const std::string& name) {
     if (std::optional<FoundFile> file = look(name)) found.push_back(*std::move(file));
+  };
+  if (names == nullptr) {
+    const std::vector<std::string> all = namesToLookAt();
+    if (files_.empty()) found.reserve(all.size());
+    std::ranges::for_each(all, lookAt);
+  } else {
+    for (const std::string& name : *names) {
+      if (isCardFileName(name)) lookAt(name);
+    }
   }
   readData();
   return adopt(std::move(found));
+}
+
+// Of the files that are there, and of those that were.
+std::vector<std::string> Database::namesToLookAt() const {
+  std::vector<std::string> present = fileNames();
+  if (files_.empty()) return present;
+  std::vector<std::string> known;
+  for (const auto& [name, file] : files_) known.push_back(name);
+  std::vector<std::string> names;
+  std::ranges::set_union(present, known, std::back_inserter(names));
+  return names;
 }
 
 void Database::refreshProperties() {
@@ -129,18 +144,16 @@ void Database::overlay(const std::vector<JournalStep>& steps) {
   }
 }
 
-std::set<std::string> Database::fileNames() const {
-  const std::vector<std::string> names = folder_.cardFileNames();
-  std::set<std::string> present(names.begin(), names.end());
+std::vector<std::string> Database::fileNames() const {
+  std::vector<std::string> names = folder_.cardFileNames();
   for (const auto& [file, temporary] : overlay_) {
     if (file.first != JournalStep::Target::kCard) continue;
-    if (temporary.empty()) {
-      present.erase(file.second);
-    } else {
-      present.insert(file.second);
-    }
+    auto place = std::ranges::lower_bound(names, file.second);
+    const bool isListed = place != names.end() && *place == file.second;
+    if (isListed && temporary.empty()) names.erase(place);
+    if (!isListed && !temporary.empty()) names.insert(place, file.second);
   }
-  return present;
+  return names;
 }
 
 std::optional<FileContents> Database::read(JournalStep::Target target, const std::string& name) const {
@@ -186,7 +199,10 @@ Database::FoundFile Database::parse(const std::string& name, FileContents conten
   FoundFile found{name, false, {}, {}};
   found.file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
   if (found.file.refusal.empty()) {
-    found.cards = cardsIn(vcard::decodeFile(std::move(contents.bytes)));
+    // Text that is decoded to itself, as nearly every file's.
+    const bool isAsWritten = contents.bytes.starts_with("BEGIN");
+    found.cards = cardsIn(vcard::decodeFile(std::move(contents.bytes)),
+                          isAsWritten ? std::optional(found.file.hash) : std::nullopt);
     if (found.cards.empty()) found.file.refusal = "is not a vCard";
   }
   if (!found.file.refusal.empty()) logOnce(name + ": " + found.file.refusal + "; left alone");
@@ -209,29 +225,31 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   }
 
   std::vector<CardChange> changes;
+  byId_.reserve(byId_.size() + found.size());
   for (FoundFile& file : found) {
     if (file.isGone) continue;
-    for (StoredCard& card : file.cards) {
-      card.database = this;
-      card.fileName = file.name;
-      card.fileTime = static_cast<double>(file.file.stamp.modified) * 1e-9;
-      if (card.uid.empty() || byId_.contains(card.uniqueId())) {
-        card.uid = derivedIdentifier(file.name + "/" + std::to_string(card.position));
+    for (const std::shared_ptr<StoredCard>& card : file.cards) {
+      card->database = this;
+      card->fileName = file.name;
+      card->fileTime = static_cast<double>(file.file.stamp.modified) * 1e-9;
+      std::string id = card->uniqueId();
+      if (card->uid.empty() || byId_.contains(id)) {
+        card->uid = derivedIdentifier(file.name + "/" + std::to_string(card->position));
+        id = card->uniqueId();
       }
-      const std::string id = card.uniqueId();
       StoredCardPointer before;
       if (auto known = gone.find(id); known != gone.end()) {
         before = std::move(known->second);
         gone.erase(known);
       }
-      const bool isSame =
-          before && before->hash == card.hash && before->fileName == card.fileName && before->position == card.position;
-      StoredCardPointer after = isSame ? before : std::make_shared<const StoredCard>(std::move(card));
+      const bool isSame = before && before->hash == card->hash && before->fileName == card->fileName &&
+                          before->position == card->position;
+      StoredCardPointer after = isSame ? before : card;
       if (!isSame) changes.push_back({before, after});
-      byId_.emplace(id, after);
+      byId_.emplace(std::move(id), after);
       file.file.cards.push_back(std::move(after));
     }
-    files_.insert_or_assign(file.name, std::move(file.file));
+    files_.insert_or_assign(files_.end(), file.name, std::move(file.file));
   }
   for (const std::string& id : goneIds) {
     if (auto left = gone.find(id); left != gone.end()) changes.push_back({left->second, nullptr});

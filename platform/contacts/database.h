@@ -75,15 +75,17 @@ class Database {
     std::string name;
     bool isGone = false;
     CardFile file;
-    std::vector<StoredCard> cards;
+    NewCards cards;
   };
 
   // All but the public functions want the lock held.
   std::vector<CardChange> readFiles(const std::set<std::string>* names);
+  [[nodiscard]] std::vector<std::string> namesToLookAt() const;
   FolderLock settle();
   void finishPending();
   void overlay(const std::vector<JournalStep>& steps);
-  [[nodiscard]] std::set<std::string> fileNames() const;
+  // Sorted.
+  [[nodiscard]] std::vector<std::string> fileNames() const;
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
   [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
   // Nothing when the file is as it was last read.

@@ -106,7 +106,7 @@ bool DatabaseSave::placeIn(const StoredCard& known, const CardUpdate& update) {
   std::size_t position = found == plan->positions.end() ? plan->cards.size() : found->second;
   // A card whose id is derived from its place has none that could be found.
   const bool isInPlace = known.position < plan->cards.size() &&
-                         (plan->cards[known.position].uid.empty() || plan->cards[known.position].hash == known.hash);
+                         (plan->cards[known.position]->uid.empty() || plan->cards[known.position]->hash == known.hash);
   if (isInPlace) position = known.position;
   if (position == plan->cards.size()) return false;
   plan->byPosition[position] = &update;
@@ -125,7 +125,7 @@ DatabaseSave::Plan* DatabaseSave::planFor(const std::string& name) {
   plan.mode = contents->mode & 0777;
   plan.text = vcard::decodeFile(std::move(contents->bytes));
   plan.cards = cardsIn(plan.text);
-  for (const StoredCard& card : plan.cards) plan.positions.emplace(card.uniqueId(), card.position);
+  for (const auto& card : plan.cards) plan.positions.emplace(card->uniqueId(), card->position);
   return &plan;
 }
 

@@ -23,7 +23,7 @@ class DatabaseSave {
   // A file as it will be.
   struct Plan {
     std::string text;  // as it is now, decoded
-    std::vector<StoredCard> cards;
+    NewCards cards;
     std::unordered_map<std::string, std::size_t> positions;  // by unique id
     std::string composed;                                    // as it will be
     std::uint64_t inode = 0;                                 // of the file that has that

@@ -160,14 +160,19 @@ std::uint64_t contentHash(std::string_view bytes) {
   // Eight bytes at a step; the length goes in, so that trailing zeros count.
   constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
   std::uint64_t hash = bytes.size() * kPrime;
-  while (!bytes.empty()) {
-    std::uint64_t word = 0;
-    const std::size_t length = std::min(bytes.size(), sizeof word);
-    std::memcpy(&word, bytes.data(), length);
+  std::uint64_t word = 0;
+  auto add = [&] {
     hash = (hash ^ word) * kPrime;
     hash ^= hash >> 29;
-    bytes.remove_prefix(length);
+  };
+  for (; bytes.size() >= sizeof word; bytes.remove_prefix(sizeof word)) {
+    std::memcpy(&word, bytes.data(), sizeof word);
+    add();
   }
+  if (bytes.empty()) return hash;
+  word = 0;
+  std::memcpy(&word, bytes.data(), bytes.size());
+  add();
   return hash;
 }
 

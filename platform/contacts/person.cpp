@@ -65,6 +65,7 @@ struct PersonObject : RecordObject {
     auto card = std::make_shared<StoredCard>();
     card->uid = newIdentifier();
     card->text = *std::move(text);
+    card->digest.addAnything();
     initialized(personSchema(), std::move(card));
     return owned.leak();
   }

@@ -101,7 +101,11 @@ const vcard::Card& RecordObject::lines() const {
     vcard::Card card;
   };
   thread_local Parsed parsed;
-  if (parsed.source != card_) parsed = {card_, vcard::parseCard(card_->text)};
+  if (parsed.source != card_) {
+    parsed.source.reset();
+    vcard::parseCard(card_->text, parsed.card);
+    parsed.source = card_;
+  }
   return parsed.card;
 }
 
@@ -113,6 +117,10 @@ bool RecordObject::isToBeSaved(const HeldValue& held) const {
 bool RecordObject::isChanged() const {
   return std::ranges::any_of(values_, [this](const HeldValue& held) { return isToBeSaved(held); }) ||
          (isGroup() && static_cast<const GroupObject*>(this)->hasChangedMembers());
+}
+
+bool RecordObject::mayHave(const TextDigest& part) const {
+  return card_->digest.mayHave(part) || std::ranges::any_of(values_, &HeldValue::isChanged);
 }
 
 CardChanges RecordObject::changes(double time) {

@@ -38,6 +38,9 @@ struct RecordObject : objc::Object {
   // The card as it would be saved now.
   [[nodiscard]] std::string changedText();
 
+  // Whether one of the texts that digests are of (stored_card.h) may contain what the part was made of.
+  [[nodiscard]] bool mayHave(const TextDigest& part) const;
+
   // The card was read anew. What was changed in the record stays changed, unless the card has it since a save.
   void adopt(StoredCardPointer card, bool isSaved);
 

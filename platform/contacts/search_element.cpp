@@ -33,6 +33,22 @@ ABSearchElement searchElementForConjunction(Class, NSInteger conjunction, NSArra
   return Retained<ABSearchElement>(owner).autorelease();
 }
 
+// Whether the property's texts are in its record's digest.
+bool isDigested(const Property& property) {
+  if (property.isCustom || property.name == "UID" || property.name.ends_with("Instant")) return false;
+  return property.type == kABStringProperty || property.type == kABMultiStringProperty || property.name == "Address";
+}
+
+// Of a text that a value is or contains; empty for any other comparison.
+TextDigest digestOf(NSObject value, ABSearchComparison asked) {
+  TextDigest digest;
+  if (!value || !value.isKindOfClass("NSString"_class) || (asked != kABEqual && !isOfText(asked))) return digest;
+  const std::u16string units = unitsOf(value.as<NSString>());
+  const bool hasSurrogates = std::ranges::any_of(units, [](char16_t unit) { return unit >= 0xD800 && unit < 0xE000; });
+  if (!hasSurrogates) digest.add(units);
+  return digest;
+}
+
 }  // namespace
 
 ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSString property, NSString label,
@@ -55,6 +71,8 @@ ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSStrin
   if (key) element->key = Retained<NSString>::adopt(key.copy());
   element->value = Retained<NSObject>::share(value);
   element->comparison = static_cast<ABSearchComparison>(comparison);
+  if (known != nullptr && isDigested(*known))
+    element->needed = digestOf(value, comparisonOf(element->comparison).asked);
   return owner.autorelease();
 }
 
@@ -73,6 +91,8 @@ bool SearchElementObject::matches(ABRecord record) const {
   const ABPropertyType elementType = type & ~kABMultiValueMask;
   const bool isDictionary = elementType == kABDictionaryProperty;
   if (value.get() && !isDictionary && !isComparable(elementType, asked, value.get())) return false;
+
+  if (!objectOf(record).mayHave(needed)) return isNegated;
 
   const NSObject found = record.valueForProperty(property.get());
   bool isFound = false;

@@ -4,6 +4,7 @@
 #include "platform/contacts/record.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/search_element.h"
+#include "platform/contacts/text_digest.h"
 #include "platform/foundation/array.h"
 #include "platform/objc/retained.h"
 
@@ -28,6 +29,7 @@ struct SearchElementObject : objc::Object {
   Retained<NSString> key;    // nil for any
   Retained<NSObject> value;  // nil: whether there is one at all
   ABSearchComparison comparison = kABEqual;
+  TextDigest needed;  // a record can't have the value without having it; empty when that can't be told
 
  private:
   [[nodiscard]] bool matches(ABRecord record) const;

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/contacts/text_digest.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace contacts {
 
@@ -17,9 +20,11 @@ struct StoredCard {
   std::string fileName;
   std::size_t position = 0;        // among the file's cards
   std::optional<double> fileTime;  // when the file was last changed, in seconds since 1970
-  std::string uid;         // without urn:uuid:; of a card that has none, or another card's, derived from its place
+  std::string uid;  // without urn:uuid:; of a card that has none, or another card's, derived from its place
   std::uint64_t hash = 0;  // of all of its text
   bool isGroup = false;
+  // Of the texts of its properties that are one text or several, and of its addresses.
+  TextDigest digest;
   // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks.
   std::string text;
 
@@ -31,5 +36,7 @@ struct StoredCard {
 };
 
 using StoredCardPointer = std::shared_ptr<const StoredCard>;
+// Cards of which nobody else knows yet.
+using NewCards = std::vector<std::shared_ptr<StoredCard>>;
 
 }  // namespace contacts

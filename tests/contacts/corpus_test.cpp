@@ -1,4 +1,6 @@
+#include "platform/contacts/search_element.h"
 #include "platform/contacts/vcard/sections.h"
+#include "platform/foundation/dictionary.h"
 #include "tests/contacts/book_test.h"
 
 #include <algorithm>
@@ -61,6 +63,51 @@ TEST_F(Corpus, IsAFolder) {
   const auto emails = own.valueForProperty(kABEmailProperty).as<ABMultiValue>();
   EXPECT_EQ(shown(emails.identifierAtIndex(0)), "0AC4DB2E-7A57-4B4A-9A4C-0F8C7B0C6F11");
   EXPECT_EQ(shown(own, "Creation"), "2012-03-04 05:06:07 +0000");
+}
+
+void addTexts(std::vector<std::string>& texts, NSObject value) {
+  if (!value) return;
+  if (value.isKindOfClass("ABMultiValue"_class)) {
+    const auto entries = value.as<ABMultiValue>();
+    for (NSUInteger i = 0; i < entries.count(); ++i) addTexts(texts, entries.valueAtIndex(i));
+  } else if (value.isKindOfClass("NSDictionary"_class)) {
+    const auto dictionary = value.as<NSDictionary>();
+    for (const NSObject key : each<NSObject>(dictionary.allKeys())) addTexts(texts, dictionary.objectForKey(key));
+  } else if (value.isKindOfClass("NSString"_class)) {
+    texts.push_back(shown(value));
+  }
+}
+
+// However a card writes it: most cards are told not to have a text without a look at their values.
+TEST_F(Corpus, IsFoundByAllItsTexts) {
+  for (const auto& entry : std::filesystem::directory_iterator(kCards)) {
+    if (entry.path().extension() == ".vcf") folder_.write(entry.path().filename(), bytesOf(entry.path()));
+  }
+  const ABAddressBook read = ABAddressBook::addressBook();
+  int count = 0;
+  for (const NSString property : each<NSString>(ABPerson::properties())) {
+    const ABAddressBook searched = ABAddressBook::addressBook();
+    for (const ABPerson person : each(read.people())) {
+      std::vector<std::string> texts;
+      addTexts(texts, person.valueForProperty(property));
+      for (const std::string& text : texts) {
+        const NSString whole = NSString::stringWithUTF8(text);
+        std::u16string units(whole.length(), u'\0');
+        whole.getCharacters(units.data(), NSMakeRange(0, units.size()));
+        const std::u16string part = units.substr(units.size() / 4, units.size() / 2 + 1);
+        for (const auto& [comparison, value] :
+             {std::pair(kABEqual, units), {kABContainsSubStringCaseInsensitive, part}}) {
+          const auto element = ABPerson::searchElement(
+              property, nullptr, nullptr, NSString::stringWithCharacters(value.data(), value.size()), comparison);
+          const NSArray found = searched.recordsMatchingSearchElement(element);
+          EXPECT_TRUE(found.containsObject(searched.recordForUniqueId(person.uniqueId())))
+              << shown(property) << " " << text;
+          ++count;
+        }
+      }
+    }
+  }
+  EXPECT_GT(count, 1000);
 }
 
 TEST_F(Corpus, TellsWhenACardWasMade) {
