@@ -14,6 +14,16 @@
 #include <utility>
 
 namespace contacts {
+namespace {
+
+// Whether so many files that had to be read are reason to write a new cache.
+bool isWorthKeeping(std::size_t read, std::size_t all) {
+  constexpr std::size_t kWorthwhile = 500;
+  constexpr std::size_t kPart = 8;
+  return read >= kWorthwhile && read >= all / kPart;
+}
+
+}  // namespace
 
 std::string StoredCard::fullText() const { return database == nullptr ? text : database->fullText(*this); }
 
@@ -72,8 +82,9 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
   std::vector<FoundFile> found;
+  const CardCache cache = files_.empty() && names == nullptr ? CardCache(folder_) : CardCache();
   auto lookAt = [&](const std::string& name) {
-    if (std::optional<FoundFile> file = look(name)) found.push_back(*std::move(file));
+    if (std::optional<FoundFile> file = look(name, cache)) found.push_back(*std::move(file));
   };
   if (names == nullptr) {
     const std::vector<std::string> all = namesToLookAt();
@@ -85,7 +96,13 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     }
   }
   readData();
-  return adopt(std::move(found));
+  const auto readCount = std::ranges::count_if(
+      found, [](const FoundFile& file) { return file.file.isSettled && !file.isCached && !file.isGone; });
+  std::vector<CardChange> changes = adopt(std::move(found));
+  if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.size()) && folder_.data() >= 0 && overlay_.empty()) {
+    writeCardCache(folder_, files_);
+  }
+  return changes;
 }
 
 // Of the files that are there, and of those that were.
@@ -175,12 +192,17 @@ std::optional<FileStamp> Database::stamp(const std::string& name) const {
   return folder_.cards() < 0 ? std::nullopt : stampIn(folder_.cards(), name);
 }
 
-std::optional<Database::FoundFile> Database::look(const std::string& name) {
+std::optional<Database::FoundFile> Database::look(const std::string& name, const CardCache& cache) {
   auto known = files_.find(name);
   const bool isKnown = known != files_.end();
+  if (!cache.isEmpty()) {
+    FoundFile found{name, false, true, {}, {}};
+    const std::optional<FileStamp> present = stamp(name);
+    if (present && cache.find(name, *present, found.file, found.cards)) return found;
+  }
   if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return std::nullopt;
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, name);
-  if (!contents) return isKnown ? std::optional(FoundFile{name, true, {}, {}}) : std::nullopt;
+  if (!contents) return isKnown ? std::optional(FoundFile{name, true, false, {}, {}}) : std::nullopt;
   if (isKnown && known->second.refusal.empty()) {
     if (contents->error != 0) {
       logOnce(name + ": " + contents->refusal + "; what it had before is kept");
@@ -196,7 +218,7 @@ std::optional<Database::FoundFile> Database::look(const std::string& name) {
 }
 
 Database::FoundFile Database::parse(const std::string& name, FileContents contents) {
-  FoundFile found{name, false, {}, {}};
+  FoundFile found{name, false, false, {}, {}};
   found.file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
   if (found.file.refusal.empty()) {
     // Text that is decoded to itself, as nearly every file's.
@@ -235,6 +257,7 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
       std::string id = card->uniqueId();
       if (card->uid.empty() || byId_.contains(id)) {
         card->uid = derivedIdentifier(file.name + "/" + std::to_string(card->position));
+        card->hasDerivedUid = true;
         id = card->uniqueId();
       }
       StoredCardPointer before;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/card_cache.h"
 #include "platform/contacts/card_changes.h"
 #include "platform/contacts/card_file.h"
 #include "platform/contacts/folder.h"
@@ -74,6 +75,7 @@ class Database {
   struct FoundFile {
     std::string name;
     bool isGone = false;
+    bool isCached = false;  // not read itself
     CardFile file;
     NewCards cards;
   };
@@ -89,7 +91,7 @@ class Database {
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
   [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
   // Nothing when the file is as it was last read.
-  [[nodiscard]] std::optional<FoundFile> look(const std::string& name);
+  [[nodiscard]] std::optional<FoundFile> look(const std::string& name, const CardCache& cache);
   FoundFile parse(const std::string& name, FileContents contents);
   static void log(const std::string& message);
   void logOnce(const std::string& message);

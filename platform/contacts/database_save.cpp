@@ -257,7 +257,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
     } catch (const FileError&) {
     }
     if (step.temporary.empty()) {
-      found.push_back({step.name, true, {}, {}});
+      found.push_back({step.name, true, false, {}, {}});
     } else {
       found.push_back(database_.parse(step.name, std::move(contents)));
     }

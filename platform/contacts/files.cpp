@@ -61,7 +61,7 @@ std::optional<FileStamp> stampIn(int folder, const std::string& name) {
   return stampOf(status);
 }
 
-std::optional<FileContents> readFile(int folder, const std::string& name) {
+std::optional<FileContents> readFile(int folder, const std::string& name, std::int64_t largest) {
   auto refuse = [](std::string reason) { return FileContents{{}, {}, false, 0, std::move(reason)}; };
   auto refuseForNow = [](int error) { return FileContents{{}, {}, false, 0, std::strerror(error), error}; };
   const FileDescriptor file(
@@ -76,7 +76,7 @@ std::optional<FileContents> readFile(int folder, const std::string& name) {
   if (fstat(file.number(), &status) != 0) return refuseForNow(errno);
   if (!S_ISREG(status.st_mode)) return refuse("is no regular file");
   if (status.st_size == 0) return refuse(kEmptyFile);
-  if (status.st_size > kLargestFile) return refuse("is larger than 32 MB");
+  if (status.st_size > largest) return refuse("is larger than " + std::to_string(largest >> 20) + " MB");
 
   // The file may change meanwhile: what is read is what counts, never more than its size was.
   const FileStamp stamp = stampOf(status);
@@ -94,14 +94,15 @@ std::optional<FileContents> readFile(int folder, const std::string& name) {
   return contents;
 }
 
-void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode) {
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode, Durability durability) {
   constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
   const FileDescriptor file(again([&] { return openat(folder, name.c_str(), kFlags, 0600); }));
   if (!file.isOpen()) fail("write", name);
   try {
     if (mode != 0600 && fchmod(file.number(), mode) != 0) fail("write", name);
     writeAll(file.number(), bytes, name);
-    if (again([&] { return fsync(file.number()); }) != 0) fail("write", name);
+    const bool isDurable = durability == Durability::kOnReturn;
+    if (isDurable && again([&] { return fsync(file.number()); }) != 0) fail("write", name);
   } catch (const FileError&) {
     unlinkat(folder, name.c_str(), 0);
     throw;

@@ -56,11 +56,15 @@ inline constexpr std::int64_t kLargestFile = std::int64_t{32} << 20;
 // The refusal of one without contents.
 inline constexpr char kEmptyFile[] = "is empty";
 
-// Nothing when there is no such file. Throws FileError when the process lacks the means to read on.
-std::optional<FileContents> readFile(int folder, const std::string& name);
+// Nothing when there is no such file. One larger than that is refused. Throws FileError when the process lacks the
+// means to read on.
+std::optional<FileContents> readFile(int folder, const std::string& name, std::int64_t largest = kLargestFile);
 
-// Makes a file that must not be there yet, and is durable when the call returns. Throws FileError, and leaves nothing.
-void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode);
+enum class Durability { kOnReturn, kNone };
+
+// Makes a file that must not be there yet. Throws FileError, and leaves nothing.
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode,
+                  Durability durability = Durability::kOnReturn);
 void removeFile(int folder, const std::string& name);
 // Whether there is no such file any more.
 bool removeFileQuietly(int folder, const std::string& name);

@@ -21,6 +21,7 @@ struct StoredCard {
   std::size_t position = 0;        // among the file's cards
   std::optional<double> fileTime;  // when the file was last changed, in seconds since 1970
   std::string uid;  // without urn:uuid:; of a card that has none, or another card's, derived from its place
+  bool hasDerivedUid = false;
   std::uint64_t hash = 0;  // of all of its text
   bool isGroup = false;
   // Of the texts of its properties that are one text or several, and of its addresses.

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/contacts/card_file.h"
+#include "platform/contacts/files.h"
+#include "platform/contacts/stored_card.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace contacts {
+
+class Folder;
+
+// What was read from the card files of a folder, in one file of its data folder, so that the files that are still the
+// same need not be read when the folder is opened again. It may be removed at any time; one that is damaged, or that
+// another version wrote, is none.
+class CardCache {
+ public:
+  // Has nothing.
+  CardCache() = default;
+  // What the folder has.
+  explicit CardCache(const Folder& folder);
+  CardCache(const CardCache&) = delete;
+  CardCache& operator=(const CardCache&) = delete;
+
+  [[nodiscard]] bool isEmpty() const { return entries_.empty(); }
+  // Fills in the file of that name, all but its stored cards, and its cards, as they were read when it had that stamp.
+  // False, and nothing done, when that isn't known.
+  bool find(std::string_view name, const FileStamp& stamp, CardFile& file, NewCards& cards) const;
+
+ private:
+  struct Entry {
+    std::string_view name;
+    std::string_view contents;
+  };
+
+  std::string bytes_;
+  std::vector<Entry> entries_;  // sorted by name
+};
+
+// Writes the cache anew. Says nothing when that fails: the folder is as good without it.
+void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files);
+
+}  // namespace contacts
