@@ -20,6 +20,12 @@ void set(const host::Value& record, const PropertyName& property, const host::Va
                 (error.isNil() ? std::string() : ": " + error.get("LocalizedDescription").text()));
 }
 
+// What isn't there is removed already.
+void remove(const host::Value& record, const PropertyName& property) {
+  record.call("removeValueForProperty", property.name);
+  if (!record.call("valueForProperty", property.name).isNil()) throw Failure(property.name + " can't be removed");
+}
+
 // The dictionary with the key set, or removed where there is no value.
 host::Value dictionaryWith(const host::Value& dictionary, const std::string& key, const std::string& value) {
   std::vector<std::pair<std::string, host::Value>> entries;
@@ -48,7 +54,7 @@ void applyToMulti(const Assignment& assignment, const Vocabulary& vocabulary, co
                   const host::Value& record) {
   const host::Value before = record.call("valueForProperty", property.name);
   if (assignment.label.empty() && assignment.key.empty() && assignment.value.empty()) {
-    record.call("removeValueForProperty", property.name);
+    remove(record, property);
     return;
   }
   const host::Value entries = before.isNil() ? host::newObject("ABMutableMultiValueVXR") : before.call("edit");
@@ -76,6 +82,7 @@ void applyToMulti(const Assignment& assignment, const Vocabulary& vocabulary, co
 }  // namespace
 
 Assignment assignmentFrom(std::string_view text) {
+  if (!isUtf8(text)) throw Failure("\"" + printable(text) + "\" is no text; expected UTF-8");
   const std::size_t equals = text.find('=');
   Assignment assignment;
   std::string_view name = text.substr(0, equals);
@@ -108,7 +115,7 @@ void apply(const Assignment& assignment, const Vocabulary& vocabulary, const hos
   const host::Value value =
       newEntry(assignment, vocabulary, property.type, record.call("valueForProperty", property.name));
   if (value.isNil()) {
-    record.call("removeValueForProperty", property.name);
+    remove(record, property);
   } else {
     set(record, property, value);
   }

@@ -1,4 +1,5 @@
 #include "apps/contacts/commands.h"
+#include "apps/contacts/json.h"
 #include "host/describe.h"
 
 #include <iostream>
@@ -15,12 +16,20 @@ void printMembers(const char* kind, const std::vector<std::string>& members) {
 
 }  // namespace
 
-void listClasses(const std::vector<std::string>& registered) {
+void listClasses(const std::vector<std::string>& registered, const Manner& manner) {
+  if (manner.isJson) {
+    std::cout << jsonOf(registered) << '\n';
+    return;
+  }
   for (const std::string& name : registered) std::cout << name << '\n';
 }
 
-void describeClass(const std::string& className) {
+void describeClass(const std::string& className, const Manner& manner) {
   const host::ClassDescription description = host::describe(className);
+  if (manner.isJson) {
+    std::cout << jsonOf(description) << '\n';
+    return;
+  }
   std::cout << description.name;
   if (!description.superName.empty()) std::cout << " inherits " << description.superName;
   std::cout << '\n';

@@ -66,11 +66,11 @@ void addProperty(bool toGroups, const std::string& name, const std::string& type
 void removeProperty(bool fromGroups, const std::string& name, const Manner& manner);
 
 // Every change to the contacts, as another process makes it, a line each; goes on until the program is ended.
-void watchChanges();
+void watchChanges(const Manner& manner);
 
 // The classes that the plug-in registered.
-void listClasses(const std::vector<std::string>& registered);
+void listClasses(const std::vector<std::string>& registered, const Manner& manner);
 // Every member of the class as the host sees it.
-void describeClass(const std::string& className);
+void describeClass(const std::string& className, const Manner& manner);
 
 }  // namespace contacts

@@ -25,6 +25,9 @@ void report(const Manner& manner, const char* what, const host::Value& person, c
 void addPerson(const std::vector<std::string>& assignments, const Manner& manner) {
   const Vocabulary vocabulary(openAddressBook());
   const host::Value& book = vocabulary.book();
+  for (const std::string& text : assignments) {
+    if (text.ends_with('=')) throw Failure("\"" + printable(text) + "\" adds nothing; expected a value after =");
+  }
   const host::Value person = host::newObject("ABPersonVXR", book);
   applyAll(assignments, vocabulary, person);
   save(book, manner);

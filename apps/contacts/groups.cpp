@@ -16,6 +16,11 @@ void require(const host::Value& answer, const std::string& whatFailed) {
   if (!static_cast<bool>(answer)) throw Failure(whatFailed);
 }
 
+void setName(const host::Value& group, const std::string& name) {
+  require(isUtf8(name) && group.call("setValue", name, "GroupName") == true,
+          "\"" + printable(name) + "\" can't be a group's name");
+}
+
 void printTree(const std::vector<host::Value>& groups, const std::string& indent) {
   for (const host::Value& group : groups) {
     std::cout << indent << printable(nameOf(group)) << " (" << group.call("members").size() << ")\n";
@@ -54,7 +59,7 @@ void printGroups(const Manner& manner) {
   const host::Value book = openAddressBook();
   const std::vector<host::Value> groups = book.call("groups").elements();
   if (manner.isJson) {
-    std::vector<std::vector<std::pair<std::string, std::string>>> objects;
+    std::vector<NamedTexts> objects;
     for (const host::Value& group : groups) {
       const std::vector<host::Value> parents = group.call("parentGroups").elements();
       objects.push_back({{"id", group.call("uniqueId").text()}, {"name", nameOf(group)}});
@@ -79,7 +84,7 @@ void createGroup(const std::string& name, const std::string& parent, const Manne
   const host::Value book = openAddressBook();
   const host::Value above = parent.empty() ? host::Value() : findGroup(book, parent);
   const host::Value group = host::newObject("ABGroupVXR", book);
-  require(group.call("setValue", name, "GroupName"), "\"" + printable(name) + "\" can't be a group's name");
+  setName(group, name);
   if (!above.isNil()) require(above.call("addSubgroup", group), printable(name) + " can't be in " + printable(parent));
   save(book, manner);
   say(manner, "Created", group);
@@ -88,7 +93,7 @@ void createGroup(const std::string& name, const std::string& parent, const Manne
 void renameGroup(const std::string& group, const std::string& name, const Manner& manner) {
   const host::Value book = openAddressBook();
   const host::Value found = findGroup(book, group);
-  require(found.call("setValue", name, "GroupName"), "\"" + printable(name) + "\" can't be a group's name");
+  setName(found, name);
   save(book, manner);
   say(manner, "Renamed", found);
 }

@@ -59,8 +59,16 @@ Json jsonRecord(const host::Value& record, const Vocabulary& vocabulary) {
   return object;
 }
 
+Json jsonObject(const NamedTexts& texts) {
+  Json object = Json::object();
+  for (const auto& [name, text] : texts) object[name] = text;
+  return object;
+}
+
 // What a foreign card has of invalid text is replaced.
-std::string textOf(const Json& json) { return json.dump(kIndent, ' ', false, Json::error_handler_t::replace); }
+std::string textOf(const Json& json, int indent = kIndent) {
+  return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
 
 }  // namespace
 
@@ -74,14 +82,27 @@ std::string jsonOf(const std::vector<host::Value>& records, const Vocabulary& vo
   return textOf(array);
 }
 
-std::string jsonOf(const std::vector<std::vector<std::pair<std::string, std::string>>>& objects) {
+std::string jsonOf(const std::vector<NamedTexts>& objects) {
   Json array = Json::array();
-  for (const auto& each : objects) {
-    Json object = Json::object();
-    for (const auto& [name, text] : each) object[name] = text;
-    array.push_back(std::move(object));
-  }
+  for (const NamedTexts& each : objects) array.push_back(jsonObject(each));
   return textOf(array);
+}
+
+std::string jsonLine(const NamedTexts& object) {
+  constexpr int kOneLine = -1;
+  return textOf(jsonObject(object), kOneLine);
+}
+
+std::string jsonOf(const std::vector<std::string>& texts) { return textOf(Json(texts)); }
+
+std::string jsonOf(const host::ClassDescription& description) {
+  return textOf(Json{{"name", description.name},
+                     {"super", description.superName},
+                     {"constants", description.constants},
+                     {"sharedMethods", description.sharedMethods},
+                     {"properties", description.properties},
+                     {"methods", description.methods},
+                     {"events", description.events}});
 }
 
 }  // namespace contacts

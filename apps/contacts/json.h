@@ -1,6 +1,7 @@
 #pragma once
 
 #include "apps/contacts/vocabulary.h"
+#include "host/describe.h"
 #include "host/value.h"
 
 #include <string>
@@ -13,7 +14,11 @@ namespace contacts {
 
 std::string jsonOf(const host::Value& record, const Vocabulary& vocabulary);
 std::string jsonOf(const std::vector<host::Value>& records, const Vocabulary& vocabulary);
-// Of names and texts.
-std::string jsonOf(const std::vector<std::vector<std::pair<std::string, std::string>>>& objects);
+using NamedTexts = std::vector<std::pair<std::string, std::string>>;
+std::string jsonOf(const std::vector<NamedTexts>& objects);
+std::string jsonLine(const NamedTexts& object);
+
+std::string jsonOf(const std::vector<std::string>& texts);
+std::string jsonOf(const host::ClassDescription& description);
 
 }  // namespace contacts

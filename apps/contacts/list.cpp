@@ -41,6 +41,10 @@ host::Value condition(const Query& query, const Vocabulary& vocabulary) {
   const std::string comparison = !query.comparison.empty() ? query.comparison
                                  : isText                  ? "ContainsSubStringCaseInsensitive"
                                                            : "Equal";
+  if (!query.label.empty() && !property.isMulti()) throw Failure(property.name + " has one value and no labels");
+  if (!query.key.empty() && property.entryType() != kDictionary) {
+    throw Failure(property.name + " has no keys such as " + printable(query.key));
+  }
   const auto orNil = [](const std::string& text) { return text.empty() ? host::Value() : host::Value(text); };
   return host::callShared("ABPersonVXR", "searchElementForProperty", property.name,
                           orNil(query.label.empty() ? std::string() : vocabulary.labelNamed(query.label)),

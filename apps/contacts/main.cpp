@@ -13,6 +13,7 @@
 #include <iostream>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace contacts {
@@ -21,10 +22,23 @@ namespace {
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-int fail(const std::string& reason) {
+int fail(std::string_view reason) {
+  constexpr std::string_view kHostsMark = "host: ";
+  if (reason.starts_with(kHostsMark)) reason.remove_prefix(kHostsMark.size());
   std::cout.flush();
   std::cerr << "contacts: " << reason << '\n';
   return kFailed;
+}
+
+// No text is empty, and what is meant by one is told by its name.
+void requireTexts(CLI::App& command) {
+  static const CLI::Validator notEmpty([](std::string& text) { return text.empty() ? "is empty" : std::string(); }, "");
+  for (CLI::Option* option : command.get_options()) {
+    if (option->get_items_expected_max() == 0) continue;
+    option->check(notEmpty);
+    if (option->get_positional()) option->type_name("");
+  }
+  for (CLI::App* each : command.get_subcommands(nullptr)) requireTexts(*each);
 }
 
 // The arguments, and what they ask for.
@@ -80,11 +94,13 @@ CommandLine::CommandLine() {
   addGroups();
   addPhoto();
   addSchema();
+  requireTexts(app_);
 }
 
 CLI::App* CommandLine::add(CLI::App& parent, const std::string& name, const std::string& description, Run run) {
   CLI::App* command = parent.add_subcommand(name, description);
   command->fallthrough();
+  if (&parent == &app_) command->footer("--folder, --json and --quiet can stand here, too: contacts --help.");
   // The innermost subcommand's is the last that is called.
   command->callback([this, run = std::move(run), command] {
     if (command->get_subcommands().empty()) run_ = run;
@@ -112,7 +128,7 @@ void CommandLine::addReading() {
   CLI::App* exported = add(app_, "export", "Write vCards", [this] { exportPeople(query_.text, file_, manner_); });
   exported->add_option("TEXT", query_.text, "Of those who have this text; else all");
   exported->add_option("-o,--output", file_, "The file to write");
-  add(app_, "watch", "Print each change to the contacts as it happens", [] { watchChanges(); });
+  add(app_, "watch", "Print each change to the contacts as it happens", [this] { watchChanges(manner_); });
   CLI::App* picked = add(app_, "pick", "Pick people in a window on the terminal, and print them", [this] {
     picking_.json = manner_.isJson;
     isFound_ = pick(picking_);
@@ -123,9 +139,9 @@ void CommandLine::addReading() {
   picked->add_flag("--groups", picking_.groups, "Allow groups");
   CLI::App* classes = add(app_, "classes", "Show the classes that the plug-in offers to host code", [this] {
     if (name_.empty()) {
-      listClasses(registered_);
+      listClasses(registered_, manner_);
     } else {
-      describeClass(name_);
+      describeClass(name_, manner_);
     }
   });
   CLI::App* script = add(app_, "run", "Run a program in the host's language", [this] {
@@ -165,11 +181,13 @@ void CommandLine::addEditing() {
 
 void CommandLine::addGroups() {
   CLI::App* groups = add(app_, "groups", "Show the groups as a tree, or change them", [this] { printGroups(manner_); });
-  const auto named = [this](CLI::App* command, const char* name) { command->add_option(name, name_)->required(); };
+  const auto named = [this](CLI::App* command, const char* name, const char* meaning = "Unique id or name") {
+    command->add_option(name, name_, meaning)->required();
+  };
   const auto members = [this](CLI::App* command) { command->add_option("PERSON", names_, "Whom")->required(); };
   named(add(*groups, "members", "List a group's members", [this] { printMembers(name_, manner_); }), "GROUP");
   CLI::App* create = addWriting(*groups, "create", "Make a group", [this] { createGroup(name_, second_, manner_); });
-  named(create, "NAME");
+  named(create, "NAME", "Its name");
   create->add_option("--in", second_, "The group to make it in");
   CLI::App* rename = addWriting(*groups, "rename", "Rename a group", [this] { renameGroup(name_, second_, manner_); });
   named(rename, "GROUP");

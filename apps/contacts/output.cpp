@@ -77,8 +77,15 @@ void printRecord(const host::Value& record, const Vocabulary& vocabulary, const 
 
 void say(const Manner& manner, std::string_view what, const host::Value& record) {
   if (manner.isQuiet) return;
-  std::cout << (manner.isDryRun ? "(not saved) " : "") << what << ' ' << printable(nameOf(record)) << " ("
-            << record.call("uniqueId").text() << ")\n";
+  if (manner.isJson) {
+    NamedTexts line{{manner.isDryRun ? "planned" : "done", std::string(what)}};
+    if (!record.isNil()) line.insert(line.end(), {{"id", record.call("uniqueId").text()}, {"name", nameOf(record)}});
+    std::cout << jsonLine(line) << '\n';
+    return;
+  }
+  std::cout << (manner.isDryRun ? "(not saved) " : "") << what;
+  if (!record.isNil()) std::cout << ' ' << printable(nameOf(record)) << " (" << record.call("uniqueId").text() << ')';
+  std::cout << '\n';
 }
 
 }  // namespace contacts

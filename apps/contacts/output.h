@@ -31,7 +31,7 @@ class Table {
 void printPeople(const std::vector<host::Value>& people, const host::Value& book, const Manner& manner);
 // All values of the record that it has, as lines or as JSON.
 void printRecord(const host::Value& record, const Vocabulary& vocabulary, const Manner& manner);
-// "Added Anna Berg (id)".
-void say(const Manner& manner, std::string_view what, const host::Value& record);
+// "Added Anna Berg (id)"; as JSON {"done": "Added", "id", "name"} on one line.
+void say(const Manner& manner, std::string_view what, const host::Value& record = nullptr);
 
 }  // namespace contacts

@@ -40,7 +40,6 @@ host::Value only(const std::vector<host::Value>& records, std::string_view text,
 }
 
 host::Value findRecord(const host::Value& book, std::string_view text, const std::string& kind, bool byEmail) {
-  if (text.empty()) throw Failure("an empty name; expected a name, an e-mail address or a unique id");
   const std::string suffix = kind == "person" ? ":ABPerson" : ":ABGroup";
   const std::string id = std::string(text) + (text.ends_with(suffix) ? "" : suffix);
   if (const host::Value record = book.call("recordForUniqueId", id); !record.isNil()) return record;

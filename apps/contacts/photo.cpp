@@ -16,6 +16,7 @@ namespace contacts {
 namespace {
 
 constexpr std::string_view kJpeg = "\xFF\xD8\xFF";
+constexpr std::string_view kUnknown = "of unknown format";
 constexpr std::string_view kPng = "\x89PNG\r\n";
 
 std::string_view formatOf(std::string_view bytes) {
@@ -24,7 +25,7 @@ std::string_view formatOf(std::string_view bytes) {
   if (bytes.starts_with("GIF8")) return "GIF";
   if (bytes.starts_with("BM")) return "BMP";
   if (bytes.starts_with(std::string_view("II*\0", 4)) || bytes.starts_with(std::string_view("MM\0*", 4))) return "TIFF";
-  return "of unknown format";
+  return kUnknown;
 }
 
 std::string photoOf(const host::Value& person) {
@@ -34,14 +35,9 @@ std::string photoOf(const host::Value& person) {
   return bytes;
 }
 
-void change(const std::string& name, const host::Value& data, const char* done, const Manner& manner) {
-  const host::Value book = openAddressBook();
-  const host::Value person = findPerson(book, name);
-  if (!static_cast<bool>(person.call("setImageData", data))) {
-    throw Failure("the picture of " + printable(nameOf(person)) + " can't be changed");
-  }
-  save(book, manner);
-  say(manner, done, person);
+void change(const host::Value& person, const host::Value& data) {
+  if (static_cast<bool>(person.call("setImageData", data))) return;
+  throw Failure("the picture of " + printable(nameOf(person)) + " can't be changed");
 }
 
 }  // namespace
@@ -64,26 +60,38 @@ void describePhoto(const std::string& name, const Manner& manner) {
 void writePhoto(const std::string& name, const std::string& file) {
   const host::Value book = openAddressBook();
   const std::string bytes = photoOf(findPerson(book, name));
-  if (file == "-") {
+  if (file == kStandardStream) {
     std::cout << bytes;
     return;
   }
   std::ofstream stream(file, std::ios::binary);
   stream << bytes;
   stream.close();
-  if (!stream) throw Failure(file + ": cannot be written: " + std::strerror(errno));
+  if (!stream) throw Failure(printable(file) + ": cannot be written: " + std::strerror(errno));
 }
 
 void setPhoto(const std::string& name, const std::string& file, const Manner& manner) {
   const std::string bytes = readWhole(file);
-  if (formatOf(bytes) == "of unknown format") {
-    throw Failure(file + ": no picture; expected JPEG, PNG, GIF, BMP or TIFF");
+  const std::string_view format = formatOf(bytes);
+  if (format == kUnknown) throw Failure(fileText(file) + ": no picture; expected JPEG, PNG, GIF, BMP or TIFF");
+  const host::Value book = openAddressBook();
+  const host::Value person = findPerson(book, name);
+  change(person, host::memoryBlock(bytes));
+  // There are more kinds of TIFF than are shown here.
+  if (format != "TIFF" && person.call("image").isNil()) {
+    throw Failure(fileText(file) + ": a broken picture; expected a whole " + std::string(format));
   }
-  change(name, host::memoryBlock(bytes), "Changed the picture of", manner);
+  save(book, manner);
+  say(manner, "Changed the picture of", person);
 }
 
 void removePhoto(const std::string& name, const Manner& manner) {
-  change(name, nullptr, "Removed the picture of", manner);
+  const host::Value book = openAddressBook();
+  const host::Value person = findPerson(book, name);
+  photoOf(person);
+  change(person, nullptr);
+  save(book, manner);
+  say(manner, "Removed the picture of", person);
 }
 
 }  // namespace contacts

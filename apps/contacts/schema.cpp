@@ -17,7 +17,7 @@ const char* classOf(bool isOfGroups) { return isOfGroups ? "ABGroupVXR" : "ABPer
 void printProperties(bool ofGroups, const Manner& manner) {
   const Vocabulary vocabulary(openAddressBook(), classOf(ofGroups));
   if (manner.isJson) {
-    std::vector<std::vector<std::pair<std::string, std::string>>> objects;
+    std::vector<NamedTexts> objects;
     for (const PropertyName& each : vocabulary.properties()) {
       objects.push_back({{"name", each.name}, {"title", each.title}, {"type", typeText(each.type)}});
     }
@@ -39,7 +39,7 @@ void addProperty(bool toGroups, const std::string& name, const std::string& type
     throw Failure("the property \"" + printable(name) + "\" can't be added; expected a name that isn't taken");
   }
   save(book, manner);
-  if (!manner.isQuiet) std::cout << "Added the property " << printable(name) << '\n';
+  say(manner, "Added the property " + printable(name));
 }
 
 void removeProperty(bool fromGroups, const std::string& name, const Manner& manner) {
@@ -48,7 +48,7 @@ void removeProperty(bool fromGroups, const std::string& name, const Manner& mann
     throw Failure("the property \"" + printable(name) + "\" can't be removed; expected one that somebody has added");
   }
   save(book, manner);
-  if (!manner.isQuiet) std::cout << "Removed the property " << printable(name) << '\n';
+  say(manner, "Removed the property " + printable(name));
 }
 
 void printOwner(const Manner& manner) {
@@ -70,7 +70,7 @@ void clearOwner(const Manner& manner) {
   const host::Value book = openAddressBook();
   book.call("setMe", nullptr);
   save(book, manner);
-  if (!manner.isQuiet) std::cout << "There is no owner any more\n";
+  say(manner, "There is no owner any more");
 }
 
 }  // namespace contacts

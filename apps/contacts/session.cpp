@@ -1,6 +1,7 @@
 #include "apps/contacts/session.h"
 
 #include "apps/contacts/failure.h"
+#include "apps/contacts/text.h"
 #include "host/classes.h"
 #include "host/error.h"
 #include "host/foreign_classes.h"
@@ -63,13 +64,17 @@ void save(const host::Value& book, const Manner& manner) {
 }
 
 std::string readWhole(const std::string& file) {
-  if (file == "-") return {std::istreambuf_iterator<char>(std::cin), {}};
-  if (std::filesystem::is_directory(file)) throw Failure(file + ": is a folder; expected a file");
+  if (file == kStandardStream) return {std::istreambuf_iterator<char>(std::cin), {}};
+  if (std::filesystem::is_directory(file)) throw Failure(fileText(file) + ": is a folder; expected a file");
   std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw Failure(file + ": cannot be read: " + std::strerror(errno));
+  if (!stream) throw Failure(fileText(file) + ": cannot be read: " + std::strerror(errno));
   std::string bytes{std::istreambuf_iterator<char>(stream), {}};
-  if (stream.bad()) throw Failure(file + ": cannot be read: " + std::strerror(errno));
+  if (stream.bad()) throw Failure(fileText(file) + ": cannot be read: " + std::strerror(errno));
   return bytes;
+}
+
+std::string fileText(const std::string& file) {
+  return file == kStandardStream ? std::string("standard input") : printable(file);
 }
 
 }  // namespace contacts

@@ -4,6 +4,7 @@
 #include "host/value.h"
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace contacts {
@@ -19,7 +20,11 @@ host::Value openAddressBook();
 // Throws Failure when the changes can't be saved; nothing is then.
 void save(const host::Value& book, const Manner& manner);
 
-// The whole file, "-" for the standard input. Throws Failure.
+// Stands for the standard input or output in the place of a file's name.
+constexpr std::string_view kStandardStream = "-";
+// The whole file. Throws Failure.
 std::string readWhole(const std::string& file);
+// As messages name a file that is read.
+std::string fileText(const std::string& file);
 
 }  // namespace contacts

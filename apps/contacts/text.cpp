@@ -77,6 +77,14 @@ std::string printable(std::string_view text) {
   return result;
 }
 
+bool isUtf8(std::string_view text) {
+  bool isValid = true;
+  forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {
+    if (character == L'\uFFFD' && bytes.size() == 1) isValid = false;
+  });
+  return isValid;
+}
+
 std::string lowerCase(std::string_view text) {
   std::string result;
   forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {

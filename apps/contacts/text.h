@@ -14,6 +14,7 @@ std::string padded(std::string_view text, std::size_t width);
 // On one line, and without what would steer the terminal.
 std::string printable(std::string_view text);
 
+bool isUtf8(std::string_view text);
 std::string lowerCase(std::string_view text);
 // Whatever their case.
 bool isSame(std::string_view a, std::string_view b);

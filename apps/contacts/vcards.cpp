@@ -58,7 +58,7 @@ void importFiles(const std::vector<std::string>& files, const Manner& manner) {
   for (const std::string& file : files) {
     texts.push_back(inUtf8(readWhole(file)));
     const std::vector<std::string_view> cards = cardsIn(texts.back());
-    if (cards.empty()) throw Failure(file + ": no vCard; expected a file of vCards");
+    if (cards.empty()) throw Failure(fileText(file) + ": no vCard; expected a file of vCards");
     for (std::size_t i = 0; i < cards.size(); ++i) found.push_back({&file, i + 1, cards[i]});
   }
 
@@ -68,11 +68,11 @@ void importFiles(const std::vector<std::string>& files, const Manner& manner) {
     for (const Found& each : found) {
       const host::Value person = host::newObject("ABPersonVXR", host::memoryBlock(each.card));
       if (person.get("Handle").integer() == 0) {
-        throw Failure(*each.file + ": card " + std::to_string(each.number) + " is no vCard that can be read");
+        throw Failure(fileText(*each.file) + ": card " + std::to_string(each.number) + " is no vCard that can be read");
       }
       host::Value error;
       if (!static_cast<bool>(book.call("addRecord", person, host::Ref(error)))) {
-        throw Failure(*each.file + ": card " + std::to_string(each.number) + " can't be added" +
+        throw Failure(fileText(*each.file) + ": card " + std::to_string(each.number) + " can't be added" +
                       (error.isNil() ? "" : ": " + error.get("LocalizedDescription").text()));
       }
       people.push_back(person);
@@ -82,9 +82,8 @@ void importFiles(const std::vector<std::string>& files, const Manner& manner) {
   save(book, manner);
   if (manner.isJson) {
     printPeople(people, book, manner);
-  } else if (!manner.isQuiet) {
-    std::cout << (manner.isDryRun ? "(not saved) " : "") << "Imported " << people.size()
-              << (people.size() == 1 ? " card" : " cards") << '\n';
+  } else {
+    say(manner, "Imported " + std::to_string(people.size()) + (people.size() == 1 ? " card" : " cards"));
   }
 }
 
@@ -93,9 +92,9 @@ void exportPeople(const std::string& text, const std::string& file, const Manner
   const std::vector<host::Value> people = peopleWith(book, text);
   if (people.empty() && !text.empty()) throw Failure("nobody has the text \"" + printable(text) + "\"");
   std::ofstream stream;
-  const bool isFile = !file.empty() && file != "-";
+  const bool isFile = !file.empty() && file != kStandardStream;
   if (isFile) stream.open(file, std::ios::binary);
-  if (isFile && !stream) throw Failure(file + ": cannot be written: " + std::strerror(errno));
+  if (isFile && !stream) throw Failure(fileText(file) + ": cannot be written: " + std::strerror(errno));
   std::ostream& output = isFile ? stream : std::cout;
   Progress progress("Exporting", people.size(), manner.isQuiet || !isFile);
   for (const host::Value& person : people) {
@@ -103,8 +102,8 @@ void exportPeople(const std::string& text, const std::string& file, const Manner
     progress.advance();
   }
   output.flush();
-  if (isFile && !output) throw Failure(file + ": cannot be written: " + std::strerror(errno));
-  if (isFile && !manner.isQuiet) std::cout << "Exported " << people.size() << " to " << file << '\n';
+  if (isFile && !output) throw Failure(fileText(file) + ": cannot be written: " + std::strerror(errno));
+  if (isFile) say(manner, "Exported " + std::to_string(people.size()) + " to " + printable(file));
 }
 
 }  // namespace contacts

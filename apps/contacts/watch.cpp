@@ -1,5 +1,7 @@
 #include "apps/contacts/commands.h"
+#include "apps/contacts/json.h"
 #include "apps/contacts/session.h"
+#include "apps/contacts/text.h"
 #include "host/entries.h"
 #include "host/events.h"
 
@@ -12,30 +14,35 @@ namespace contacts {
 namespace {
 
 constexpr double kSecondsBetweenLooks = 1;
+constexpr std::size_t kKindWidth = 10;  // of the column
 
 // A deleted record has no name any more.
-std::string nameOf(const host::Value& book, const host::Value& id) {
-  const host::Value record = book.call("recordForUniqueId", id);
-  return record.isNil() ? id.text() : record.call("DisplayName").text();
-}
-
-void printChange(const host::Value& book, std::span<const host::Value> arguments) {
-  constexpr const char* kKinds[] = {"inserted", "updated ", "deleted "};
-  for (std::size_t i = 0; i < std::size(kKinds); ++i) {
-    for (const host::Value& id : arguments[i + 1].elements()) {
-      std::cout << kKinds[i] << "  " << nameOf(book, id) << '\n';
-    }
+void printChange(const char* kind, const std::string& id, const host::Value& record, const Manner& manner) {
+  const std::string name = record.isNil() ? id : record.call("DisplayName").text();
+  if (manner.isJson) {
+    std::cout << jsonLine({{"change", kind}, {"id", id}, {"name", name}}) << '\n';
+  } else {
+    std::cout << padded(kind, kKindWidth) << printable(name) << '\n';
   }
-  std::cout.flush();
 }
 
 }  // namespace
 
-void watchChanges() {
-  host::handleClassEvent("ABAddressBookVXR", "DatabaseChanged", printChange);
+void watchChanges(const Manner& manner) {
+  host::handleClassEvent("ABAddressBookVXR", "DatabaseChanged",
+                         [&manner](const host::Value& book, std::span<const host::Value> arguments) {
+                           std::size_t next = 1;
+                           for (const char* kind : {"inserted", "updated", "deleted"}) {
+                             for (const host::Value& id : arguments[next++].elements()) {
+                               printChange(kind, id.text(), book.call("recordForUniqueId", id), manner);
+                             }
+                           }
+                           std::cout.flush();
+                         });
   const host::Value book = openAddressBook();
-  std::cout << "watching " << book.call("people").size() << " people and " << book.call("groups").size() << " groups"
-            << std::endl;
+  const std::string what = std::to_string(book.call("people").size()) + " people and " +
+                           std::to_string(book.call("groups").size()) + " groups";
+  std::cout << (manner.isJson ? jsonLine({{"watching", what}}) : "watching " + what) << std::endl;
   while (std::cout) host::idle(kSecondsBetweenLooks);
 }
 

@@ -88,7 +88,8 @@ TEST(Command, WritesNothingOnADryRun) {
   folder.writeCard("1.vcf", "UID:p1\nN:Lovelace;Ada\n");
   const auto before = contentsOf(folder.path());
   EXPECT_EQ(outputOf({"edit", "ada", "Note=x", "--dry-run"}), "(not saved) Changed Ada Lovelace (p1:ABPerson)\n");
-  outputOf({"remove", "ada", "--dry-run"});
+  EXPECT_EQ(outputOf({"remove", "ada", "--dry-run", "--json"}),
+            "{\"planned\":\"Removed\",\"id\":\"p1:ABPerson\",\"name\":\"Ada Lovelace\"}\n");
   outputOf({"import", "--dry-run", "-"}, cards(3));
   EXPECT_EQ(contentsOf(folder.path()), before);
 }
@@ -110,6 +111,9 @@ TEST(Command, CarriesPictures) {
       "\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\xFF\0\0\0",
       58);
   outputOf({"add", "First=Ada"});
+  const Outcome broken = run({"photo", "ada", "--set", "-"}, picture.substr(0, 40));
+  EXPECT_EQ(broken.output, "contacts: standard input: a broken picture; expected a whole BMP\n");
+  EXPECT_EQ(broken.status, 1);
   outputOf({"photo", "ada", "--set", "-"}, picture);
   EXPECT_EQ(outputOf({"photo", "ada"}), "Ada: BMP, 58 bytes\n");
   EXPECT_EQ(outputOf({"photo", "ada", "--get", "-"}), picture);
@@ -133,25 +137,34 @@ TEST(Command, RefusesBadInputInOneLineAndLeavesTheFolder) {
       {{"show"}, 2, "required"},
       {{"show", "nobody"}, 1, "no person \"nobody\""},
       {{"show", "ada"}, 1, "Ada Lovelace (p1:ABPerson), Ada Byron (p2:ABPerson)"},
-      {{"show", ""}, 1, "expected a name"},
+      {{"show", ""}, 2, "PERSON: is empty"},
+      {{"list", "--folder", ""}, 2, "--folder: is empty"},
       {{"find", "x", "--property", "Shoe"}, 1, "no property \"Shoe\""},
       {{"find", "x", "--property", "Email", "--comparison", "Likes"}, 1, "no comparison \"Likes\""},
       {{"find", "x", "--property", "Birthday"}, 1, "\"x\" is no date; expected year-month-day"},
       {{"find", "nobody"}, 1, ""},
       {{"find", "x", "--key", "City"}, 1, "need --property"},
+      {{"find", "x", "--property", "First", "--label", "home"}, 1, "no labels"},
+      {{"find", "x", "--property", "Email", "--key", "City"}, 1, "no keys"},
       {{"add", "First"}, 1, "\"First\" is no assignment; expected PROPERTY"},
+      {{"add", "First="}, 1, "\"First=\" adds nothing"},
+      {{"add", "First=\xFF"}, 1, "expected UTF-8"},
       {{"add", "First:home=x"}, 1, "no labels"},
       {{"add", "Birthday=2001-02-29"}, 1, "is no date"},
       {{"add", "Address:home=x"}, 1, "needs a key"},
       {{"add", "Phone:mobile.City=x"}, 1, "no keys"},
       {{"add", "UID=x"}, 1, "UID can't be set"},
       {{"edit", "lovelace", "Phone:mobile="}, 1, "no Phone is labelled mobile"},
+      {{"edit", "lovelace", "Creation="}, 1, "Creation can't be removed"},
+      {{"groups", "rename", "work", "\xFF"}, 1, "can't be a group's name"},
       {{"groups", "nest", "work", "work"}, 1, "can't be put into"},
       {{"groups", "drop", "work", "lovelace"}, 1, "is not in"},
       {{"import", "/nonexistent"}, 1, "/nonexistent: cannot be read: No such file"},
       {{"import", "/"}, 1, "is a folder"},
       {{"import", "/proc/self/status"}, 1, "no vCard"},
       {{"photo", "lovelace"}, 1, "no picture"},
+      {{"photo", "lovelace", "--remove"}, 1, "no picture"},
+      {{"import", "-"}, 1, "standard input: no vCard"},
       {{"photo", "lovelace", "--set", "/proc/self/status"}, 1, "expected JPEG"},
       {{"photo", "lovelace", "--set", "x", "--remove"}, 2, "excludes"},
       {{"export", "-o", "/nonexistent/x.vcf"}, 1, "cannot be written"},
