@@ -26,7 +26,11 @@ NSString displayNameOfPerson(ABPerson person) {
   NSObject middle = person.valueForProperty(kABMiddleNameProperty);
   NSObject suffix = person.valueForProperty(kABSuffixProperty);
   NSInteger ordering = flags & kABNameOrderingMask;
-  if (ordering == kABDefaultNameOrdering) ordering = ABAddressBook::sharedAddressBook().defaultNameOrdering();
+  if (ordering == kABDefaultNameOrdering) {
+    // Older frameworks know no ordering but first names first.
+    auto book = ABAddressBook::sharedAddressBook();
+    if (book.respondsToSelector("defaultNameOrdering"_sel)) ordering = book.defaultNameOrdering();
+  }
   const bool lastNameFirst = ordering == kABLastNameFirst;
 
   auto name = NSMutableString::string();
