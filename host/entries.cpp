@@ -20,6 +20,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 namespace host {
 
@@ -286,7 +287,7 @@ Word pluginVersion() { return state().pluginVersion; }
 
 const std::vector<const HostClass*>& pluginClasses() { return state().pluginClasses; }
 
-void failNewInstance(int nth) { state().instancesToFailure = nth; }
+int failNewInstance(int nth) { return std::exchange(state().instancesToFailure, nth); }
 
 const std::vector<std::string>& messageBoxes() { return state().messageBoxes; }
 

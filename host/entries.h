@@ -25,8 +25,9 @@ Word pluginVersion();
 // The classes that plug-ins have registered, in order.
 const std::vector<const HostClass*>& pluginClasses();
 
-// Makes the nth new instance that a plug-in asks for from now on fail, once; 0 calls it off.
-void failNewInstance(int nth);
+// Makes the nth new instance that a plug-in asks for from now on fail, once; 0 calls it off. Answers how far off the
+// failure that was set before still is; 0 when it came.
+int failNewInstance(int nth);
 
 // The texts of all message boxes so far.
 const std::vector<std::string>& messageBoxes();

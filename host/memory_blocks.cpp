@@ -10,6 +10,7 @@
 #include <cstring>
 #include <iterator>
 #include <new>
+#include <utility>
 
 namespace host {
 
@@ -87,6 +88,6 @@ std::string bytesOf(const Value& memoryBlock) {
   return data.bytes == nullptr ? std::string() : std::string(data.bytes, static_cast<std::size_t>(data.size));
 }
 
-void failMemoryBlock(int nth) { blocksToFailure = nth; }
+int failMemoryBlock(int nth) { return std::exchange(blocksToFailure, nth); }
 
 }  // namespace host

@@ -18,7 +18,8 @@ Value memoryBlock(std::string_view bytes);
 // A copy of its bytes.
 std::string bytesOf(const Value& memoryBlock);
 
-// Makes the allocation of the nth block from now on fail, once; 0 calls it off.
-void failMemoryBlock(int nth);
+// Makes the allocation of the nth block from now on fail, once; 0 calls it off. Answers how far off the failure that
+// was set before still is; 0 when it came.
+int failMemoryBlock(int nth);
 
 }  // namespace host
