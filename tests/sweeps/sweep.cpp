@@ -1,0 +1,282 @@
+#include "tests/sweeps/sweep.h"
+
+#include "host/entries.h"
+#include "host/exceptions.h"
+#include "host/memory_blocks.h"
+#include "host/objects.h"
+#include "platform/carbon/gestalt.h"
+#include "platform/foundation/cf_dictionary.h"
+#include "platform/foundation/exception.h"
+#include "tests/bridge/shown_values.h"
+#include "tests/objc/live_objects.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <span>
+#include <thread>
+
+namespace {
+
+using host::Value;
+
+// What is no NSException.
+struct Foreign {};
+
+struct SendFailure {
+  bool isForeign = false;
+  int toFailure = 0;
+  std::thread::id thread;
+  objc::Selector selector = nullptr;  // that failed
+  NSObject receiver;
+} sendFailure;
+
+void beforeSend(objc::Object* receiver, objc::Selector selector) {
+  SendFailure& state = sendFailure;
+  if (state.toFailure == 0 || std::this_thread::get_id() != state.thread || --state.toFailure != 0) return;
+  state.selector = selector;
+  state.receiver = NSObject(receiver);
+  if (state.isForeign) throw Foreign();
+  NSException::raise("Refused"_ns, "because"_ns);
+}
+
+template <bool IsForeign>
+void armSends(int nth) {
+  sendFailure = {IsForeign, nth, std::this_thread::get_id(), nullptr, {}};
+  objc_setSendHook(beforeSend);
+}
+
+bool disarmSends() {
+  objc_setSendHook(nullptr);
+  return sendFailure.toFailure == 0;
+}
+
+int allocationsToFailure = 0;
+
+CFMutableDictionaryRef registry() {
+  std::intptr_t found = 0;
+  return Gestalt(0x56585269, &found) == noErr ? reinterpret_cast<CFMutableDictionaryRef>(found) : nullptr;
+}
+
+struct Balance {
+  std::map<std::string, long> host = ::host::liveCounts();
+  std::map<std::string, long> platform = liveObjects();
+  CFIndex registered = registry() == nullptr ? 0 : CFDictionaryGetCount(registry());
+
+  bool operator==(const Balance&) const = default;
+};
+
+// What there is more of than before.
+std::string growth(const Balance& before, const Balance& after) {
+  std::string text;
+  const auto compare = [&text](std::map<std::string, long> was, std::map<std::string, long> is) {
+    for (const auto& [name, count] : is) {
+      if (count != was[name]) text = joined(text, std::to_string(count - was[name]) + " " + name);
+    }
+    for (const auto& [name, count] : was) {
+      if (!is.contains(name)) text = joined(text, std::to_string(-count) + " " + name);
+    }
+  };
+  compare(before.host, after.host);
+  compare(before.platform, after.platform);
+  compare({{"registry entries", before.registered}}, {{"registry entries", after.registered}});
+  return text;
+}
+
+// A wrapper that is alive is what the registry has for what it wraps. Of several for one address book it is the last.
+bool isRegistered(const Value& wrapper) {
+  const std::string name = wrapper.typeName();
+  if (!name.starts_with("AB") || name == "ABPickerVXR" || name == "ABAddressBookVXR") return true;
+  const Word wrapped = *reinterpret_cast<const Word*>(reinterpret_cast<char*>(wrapper.object()) + kObjectDataOffset);
+  return wrapped == 0 || CFDictionaryGetValue(registry(), reinterpret_cast<const void*>(wrapped)) == wrapper.object();
+}
+
+// A new entry's identifier and the addresses in descriptions are others each time.
+std::string comparable(std::string shown) {
+  constexpr std::size_t kIdentifierSize = 38;
+  if (shown.size() == kIdentifierSize && shown[9] == '-' && shown[14] == '-') return "'identifier'";
+  for (std::size_t at = shown.find("0x"); at != std::string::npos; at = shown.find("0x", at + 1)) {
+    shown.erase(at + 2, shown.find_first_not_of("0123456789abcdef", at + 2) - at - 2);
+  }
+  return shown;
+}
+
+bool isNeutral(const std::string& shown) {
+  return shown == "Nil" || shown == "''" || shown == "[]" || shown == "{}" || shown.ends_with(" 0") ||
+         shown.ends_with(" False");
+}
+
+// Of a dictionary and a date any entry and any field may be missing; cards have the time in them.
+bool isPart(const std::string& part, const std::string& whole) {
+  constexpr const char* kStarts[] = {"{", "Date ", "block BEGIN:VCARD"};
+  return part == whole || isNeutral(part) || std::ranges::any_of(kStarts, [&](const char* start) {
+           return part.starts_with(start) && whole.starts_with(start);
+         });
+}
+
+void expectBalance(const Balance& before) {
+  std::string grown = growth(before, Balance());
+  // An object whose init can't be sent stays, as there is nobody who could release it.
+  const auto& [isForeign, toFailure, thread, selector, receiver] = sendFailure;
+  if (selector != nullptr && std::strncmp(sel_getName(selector), "init", 4) == 0 &&
+      grown == std::string("1 ") + class_getName(receiver.get()->isa)) {
+    objc_release(receiver.get());
+    grown = growth(before, Balance());
+  }
+  EXPECT_EQ(grown, "") << (selector == nullptr ? "" : sel_getName(selector));
+}
+
+}  // namespace
+
+// Stand before the plug-in's own; the linker's option "wrap" names them.
+#define ALLOCATE_CLEAR_MEMORY "_Z19AllocateClearMemory" SIZE_LETTER
+#if defined(__i386__)
+#define SIZE_LETTER "x"
+#else
+#define SIZE_LETTER "l"
+#endif
+void* allocateClearMemory(std::int64_t size) __asm__("__real_" ALLOCATE_CLEAR_MEMORY);
+void* wrappedAllocateClearMemory(std::int64_t size) __asm__("__wrap_" ALLOCATE_CLEAR_MEMORY);
+void* wrappedAllocateClearMemory(std::int64_t size) {
+  if (allocationsToFailure > 0 && --allocationsToFailure == 0) return nullptr;
+  return allocateClearMemory(size);
+}
+
+const Failure kNewInstanceFails{"new instance", [](int nth) { host::failNewInstance(nth); },
+                                [] { return host::failNewInstance(0) == 0; }};
+const Failure kMemoryBlockFails{"memory block", [](int nth) { host::failMemoryBlock(nth); },
+                                [] { return host::failMemoryBlock(0) == 0; }};
+const Failure kAllocationFails{"allocation", [](int nth) { allocationsToFailure = nth; },
+                               [] { return std::exchange(allocationsToFailure, 0) == 0; }};
+const Failure kSendRaises{"raising send", armSends<false>, disarmSends};
+const Failure kSendThrows{"throwing send", armSends<true>, disarmSends};
+
+namespace {
+
+Outcome made(const MemberCall& call, const Failure* failure, int nth) {
+  Outcome outcome;
+  Scene scene(call);
+  const host::PluginScope scope;
+  Value result;
+  if (failure != nullptr) failure->arm(nth);
+  try {
+    result = scene.call();
+  } catch (const NSException&) {
+    outcome.thrown = "NSException";
+  } catch (const Foreign&) {
+    outcome.thrown = "Foreign";
+  }
+  outcome.hasFailed = failure != nullptr && failure->disarm();
+  if (const auto pending = host::takePendingException()) outcome.pending = pending->what();
+  outcome.result = comparable(shown(result));
+  std::vector<Value> objects = scene.objects();
+  if (result.typeName().ends_with("()")) {
+    for (const Value& element : result.elements()) {
+      outcome.elements.push_back(shown(element));
+      objects.push_back(element);
+    }
+  } else if (std::holds_alternative<host::ObjectRef>(result.data())) {
+    objects.push_back(result);
+  }
+  for (const Value& object : objects) EXPECT_TRUE(isRegistered(object)) << shown(object);
+  return outcome;
+}
+
+}  // namespace
+
+Outcome outcomeOf(const MemberCall& call, const Failure* failure, int nth) {
+  const std::string what = failure == nullptr ? "" : std::string(", ") + failure->name + " " + std::to_string(nth);
+  const testing::ScopedTrace trace(__FILE__, __LINE__, call.name() + what);
+  const Balance before;
+  sendFailure = {};
+  Outcome outcome = made(call, failure, nth);
+  // For these there is now the shared object, which stays.
+  if (!call.is("sharedAddressbook") || outcome.result == "Nil") expectBalance(before);
+  return outcome;
+}
+
+bool isPartOf(const Outcome& outcome, const Outcome& whole) {
+  if (outcome.elements.empty()) return isPart(outcome.result, whole.result);
+  return outcome.elements.size() <= whole.elements.size() &&
+         std::ranges::equal(outcome.elements, std::span(whole.elements).first(outcome.elements.size()), isPart);
+}
+
+namespace {
+
+constexpr const char* kRefused = "NSExceptionVXR: A Cocoa Refused was not handled: because";
+
+// Only some of the picker's members are; the framework may look for its records without the others' knowing.
+bool isGuarded(const MemberCall& call) {
+  if (std::string_view(call.owner->name()) != "ABPickerVXR") return true;
+  return call.is("SelectedGroups") || call.is("SelectedRecords") || call.is("SelectedValues") ||
+         call.is("SelectedStrings") || call.is("SelectedDictionaries");
+}
+
+// An object that is taken out of the notification centre has to get out.
+bool endsObject(const MemberCall& call) {
+  return call.is("class destructor") || (call.is("Create") && !call.isSelfEmpty);
+}
+
+void expectAllowed(const MemberCall& call, const Failure& failure, const Outcome& outcome, const Outcome& whole) {
+  EXPECT_TRUE(isPartOf(outcome, whole)) << "  is " << outcome.result << ", in full " << whole.result;
+  if (&failure == &kSendThrows) {
+    EXPECT_EQ(outcome.thrown, "Foreign");
+    EXPECT_TRUE(outcome.pending.empty() || outcome.pending == whole.pending) << outcome.pending;
+  } else if (&failure == &kSendRaises) {
+    // A second exception, while the first is translated, is nobody's.
+    if (whole.pending.starts_with("NSExceptionVXR")) return;
+    EXPECT_TRUE(!isGuarded(call) || outcome.thrown.empty());
+    EXPECT_EQ(outcome.pending, isGuarded(call) ? kRefused : "");
+  } else {
+    EXPECT_EQ(outcome.thrown, "");
+    if (&failure != &kMemoryBlockFails && whole.pending.empty()) {
+      EXPECT_EQ(outcome.pending, "");
+    }
+  }
+}
+
+}  // namespace
+
+void sweep(const Failure& failure) {
+  int failures = 0;
+  for (const MemberCall& call : callsOfAll()) {
+    if (endsObject(call) && (&failure == &kSendRaises || &failure == &kSendThrows)) continue;
+    const bool makesShared = call.is("sharedAddressbook");
+    Outcome whole;
+    if (makesShared) {
+      whole.result = "ABAddressBookVXR";
+    } else {
+      made(call, nullptr, 0);  // what is made once
+      whole = outcomeOf(call);
+    }
+    // Without an object for the exception the application ends.
+    if (&failure == &kNewInstanceFails && whole.pending.starts_with("NSExceptionVXR")) continue;
+    for (int nth = 1;; ++nth) {
+      const Outcome outcome = outcomeOf(call, &failure, nth);
+      if (!outcome.hasFailed) break;
+      ++failures;
+      const testing::ScopedTrace trace(__FILE__, __LINE__,
+                                       call.name() + ", " + failure.name + " " + std::to_string(nth));
+      expectAllowed(call, failure, outcome, whole);
+    }
+  }
+  EXPECT_GT(failures, 0);
+}
+
+std::vector<MemberCall> callsOfAll() {
+  std::vector<MemberCall> all;
+  for (const host::HostClass* owner : host::pluginClasses())
+    std::ranges::copy(callsOf(*owner), std::back_inserter(all));
+  return all;
+}
+
+std::vector<Outcome> outcomesOfAll() {
+  std::vector<Outcome> all;
+  for (const MemberCall& call : callsOfAll()) {
+    if (!call.is("sharedAddressbook")) made(call, nullptr, 0);
+    all.push_back(outcomeOf(call));
+  }
+  return all;
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "tests/sweeps/member_calls.h"
+
+#include <string>
+#include <vector>
+
+// One thing that goes wrong once, the nth time that it could.
+struct Failure {
+  const char* name;
+  void (*arm)(int nth);
+  // Calls it off; whether it came about.
+  bool (*disarm)();
+};
+
+extern const Failure kNewInstanceFails;
+extern const Failure kMemoryBlockFails;
+extern const Failure kAllocationFails;  // of AllocateClearMemory
+extern const Failure kSendRaises;       // an NSException
+extern const Failure kSendThrows;       // what is no NSException
+
+// How a call ended, in words that don't hold on to anything.
+struct Outcome {
+  std::string result;                 // as the bridge's tests write values
+  std::vector<std::string> elements;  // of an array
+  std::string pending;                // the host exception
+  std::string thrown;                 // what passed through
+  bool hasFailed = false;             // the failure came about
+};
+
+// Makes the call. Adds a test failure when host or framework objects or entries of the registry are left over.
+Outcome outcomeOf(const MemberCall& call, const Failure* failure = nullptr, int nth = 0);
+
+// Whether it is all that the whole outcome is, a part of it or nothing.
+bool isPartOf(const Outcome& outcome, const Outcome& whole);
+
+// The calls of all classes that plug-ins registered, in that order.
+std::vector<MemberCall> callsOfAll();
+// Their outcomes.
+std::vector<Outcome> outcomesOfAll();
+
+// Makes each call again and again, until the failure doesn't come about any more.
+void sweep(const Failure& failure);

@@ -1,0 +1,126 @@
+#include "frame/host_interface.h"
+#include "host/entries.h"
+#include "host/events.h"
+#include "host/options.h"
+#include "platform/appkit/workspace.h"
+#include "platform/foundation/log.h"
+#include "platform/objc/class_builder.h"
+#include "platform/objc/instrumentation.h"
+#include "tests/kit/host.h"
+#include "tests/sweeps/sweep.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+constexpr const char* kClasses[] = {"ABSearchElementVXR", "ABRecordVXR",     "ABPersonVXR",
+                                    "ABGroupVXR",         "ABMultiValueVXR", "ABMutableMultiValueVXR",
+                                    "ABPickerVXR",        "ABAddressBookVXR"};
+
+bool openNothing(NSWorkspace, NSURL) { return true; }
+
+// Without logs, windows, programs and disk, and with host code for the book's event.
+Host sweptHost(const std::vector<std::string>& without = {}) {
+  setenv("TERM", "unknown", 1);
+  if (std::filesystem::exists("/dev/shm")) setenv("TMPDIR", "/dev/shm", 1);
+  return {.contacts = sweptCards(), .without = without, .yield = [] {}};
+}
+
+struct Sweeping {
+  explicit Sweeping(const std::vector<std::string>& without = {}) : host(sweptHost(without)) {
+    NSSetLogHook([](NSString) {});
+    objc::ClassBuilder(Class("NSWorkspace")).method<&openNothing>("openURL:");
+    host::handleClassEvent("ABAddressBookVXR", "DatabaseChanged", [](const auto&...) {});
+  }
+
+  Host host;
+};
+
+const std::vector<std::string> kProbed{"addRecord:error:",    "callStackSymbols",    "defaultCountryCode",
+                                       "defaultNameOrdering", "isReadOnly",          "recordClassFromUniqueId:",
+                                       "removeRecord:error:", "saveAndReturnError:", "setValue:forProperty:error:"};
+
+// Entries that a host can't be without: nothing would be given back, or no class be there. All else it may lack.
+std::vector<std::string> namesToMiss() {
+  constexpr std::array kNeeded{"REALLockObject",   "REALUnlockObject",        "REALLockString",
+                               "REALUnlockString", "PluginDisposeStringData", "PluginRegisterClass"};
+  std::vector<std::string> names = host::entryNames();
+  std::erase_if(names, [&](const std::string& name) { return std::ranges::count(kNeeded, name) != 0; });
+  for (const char* name :
+       {"VarType", "LenB", "Date", "Dictionary", "FolderItem", "NSErrorVXR", "NSImageVXR", "NSAttributedStringVXR"}) {
+    names.emplace_back(name);
+  }
+  return names;
+}
+
+// A letter or digit for each that a name of a test can't have.
+std::string testName(std::string name) {
+  std::ranges::replace_if(
+      name, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; }, '_');
+  return name;
+}
+
+// Each outcome on a host or a framework that lacks something, beside that on one that doesn't. The framework may refuse
+// what didn't reach it.
+void expectPartOf(const std::vector<Outcome>& poor, const std::vector<Outcome>& rich, bool mayBeRefused = false) {
+  const std::vector<MemberCall> calls = callsOfAll();
+  ASSERT_EQ(poor.size(), rich.size());
+  for (std::size_t i = 0; i < poor.size(); ++i) {
+    EXPECT_TRUE(isPartOf(poor[i], rich[i])) << calls[i].name() << ": " << poor[i].result << " of " << rich[i].result;
+    EXPECT_TRUE(mayBeRefused || poor[i].pending == rich[i].pending) << calls[i].name() << ": " << poor[i].pending;
+    EXPECT_EQ(poor[i].thrown, "") << calls[i].name();
+  }
+}
+
+class Sweeps : public testing::TestWithParam<const Failure*> {};
+INSTANTIATE_TEST_SUITE_P(Of, Sweeps,
+                         testing::Values(&kNewInstanceFails, &kMemoryBlockFails, &kAllocationFails, &kSendRaises,
+                                         &kSendThrows),
+                         [](const auto& tested) { return testName(tested.param->name); });
+
+class MembersWithout : public testing::TestWithParam<std::string> {};
+INSTANTIATE_TEST_SUITE_P(TheHosts, MembersWithout, testing::ValuesIn(namesToMiss()),
+                         [](const auto& tested) { return tested.param; });
+
+class MembersWithoutSelector : public testing::TestWithParam<std::string> {};
+INSTANTIATE_TEST_SUITE_P(TheFrameworks, MembersWithoutSelector, testing::ValuesIn(kProbed),
+                         [](const auto& tested) { return testName(tested.param); });
+
+}  // namespace
+
+TEST_P(Sweeps, LeaveNothingAndAnswerNoMoreThanThereIs) {
+  const Sweeping sweeping;
+  sweep(*GetParam());
+}
+
+TEST_P(MembersWithout, LeaveNothingAndAnswerNoMoreThanThereIs) {
+  const Sweeping sweeping({GetParam()});
+  const std::vector<Outcome> poor = outcomesOfAll();
+  host::options().without.clear();
+  expectPartOf(poor, outcomesOfAll(), true);
+}
+
+TEST_P(MembersWithoutSelector, DoWithoutIt) {
+  const Sweeping sweeping;
+  const std::vector<Outcome> rich = outcomesOfAll();
+  objc_hideSelector(GetParam().c_str());
+  expectPartOf(outcomesOfAll(), rich);
+}
+
+TEST(Members, AnswerAlikeToHostsOfAllVersions) {
+  const Sweeping sweeping;
+  outcomesOfAll();
+  const std::vector<Outcome> newest = outcomesOfAll();
+  for (const double version : {0.0, 2011.0, 2012.0, 2013.0}) {
+    rbversion_rbversion = version;
+    const std::vector<Outcome> outcomes = outcomesOfAll();
+    expectPartOf(outcomes, newest);
+    expectPartOf(newest, outcomes);
+  }
+}
