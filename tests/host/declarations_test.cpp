@@ -8,29 +8,7 @@
 
 namespace {
 
-using host::Declaration;
 using host::parseDeclaration;
-using host::TypeKind;
-
-TEST(Declarations, ReadParametersTypesAndResults) {
-  const Declaration declaration = parseDeclaration(
-      "searchElementForConjunction(conjunction as integer, children() as ABSearchElementVXR, byref error as "
-      "NSErrorVXR, Assigns _value As Variant) as ABPersonVXR()");
-  EXPECT_EQ(declaration.name, "searchElementForConjunction");
-  ASSERT_EQ(declaration.parameters.size(), 4U);
-  EXPECT_EQ(declaration.parameters[0].type.kind, TypeKind::integer);
-  EXPECT_EQ(declaration.parameters[1].name, "children");
-  EXPECT_EQ(declaration.parameters[1].type.text(), "ABSearchElementVXR()");
-  EXPECT_TRUE(declaration.parameters[2].isByReference);
-  EXPECT_EQ(declaration.parameters[3].name, "_value");
-  EXPECT_TRUE(declaration.parameters[3].isAssigned);
-  EXPECT_EQ(declaration.parameters[3].type.kind, TypeKind::variant);
-  EXPECT_EQ(declaration.result.text(), "ABPersonVXR()");
-
-  EXPECT_TRUE(parseDeclaration("Create").parameters.empty());
-  EXPECT_EQ(parseDeclaration("Create").result.kind, TypeKind::none);
-  EXPECT_EQ(parseDeclaration("LenB( s as string ) as integer").parameters[0].name, "s");
-}
 
 TEST(Declarations, AreTheSameWhateverTheirParametersAreCalled) {
   const auto same = [](const char* a, const char* b) {
