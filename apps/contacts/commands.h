@@ -51,7 +51,7 @@ void exportPeople(const std::string& text, const std::string& file, const Manner
 // Shows the picture as well where the terminal can draw it.
 void describePhoto(const std::string& name, const Manner& manner);
 // "-" for the standard output.
-void writePhoto(const std::string& name, const std::string& file);
+void writePhoto(const std::string& name, const std::string& file, const Manner& manner);
 void setPhoto(const std::string& name, const std::string& file, const Manner& manner);
 void removePhoto(const std::string& name, const Manner& manner);
 

@@ -23,7 +23,7 @@ void report(const Manner& manner, const char* what, const host::Value& person, c
 }  // namespace
 
 void addPerson(const std::vector<std::string>& assignments, const Manner& manner) {
-  const Vocabulary vocabulary(openAddressBook());
+  const Vocabulary vocabulary(openAddressBook(manner));
   const host::Value& book = vocabulary.book();
   for (const std::string& text : assignments) {
     if (text.ends_with('=')) throw Failure("\"" + printable(text) + "\" adds nothing; expected a value after =");
@@ -35,7 +35,7 @@ void addPerson(const std::vector<std::string>& assignments, const Manner& manner
 }
 
 void editPerson(const std::string& name, const std::vector<std::string>& assignments, const Manner& manner) {
-  const Vocabulary vocabulary(openAddressBook());
+  const Vocabulary vocabulary(openAddressBook(manner));
   const host::Value person = findPerson(vocabulary.book(), name);
   applyAll(assignments, vocabulary, person);
   save(vocabulary.book(), manner);
@@ -43,7 +43,7 @@ void editPerson(const std::string& name, const std::vector<std::string>& assignm
 }
 
 void removePeople(const std::vector<std::string>& names, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   std::vector<host::Value> people;
   for (const std::string& name : names) people.push_back(findPerson(book, name));
   for (const host::Value& person : people) {

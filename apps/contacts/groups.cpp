@@ -31,7 +31,7 @@ void printTree(const std::vector<host::Value>& groups, const std::string& indent
 // Each person by name, each a change of the group, then one save.
 void changeMembers(const std::string& name, const std::vector<std::string>& people, const char* member,
                    std::string_view done, std::string_view failed, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value group = findGroup(book, name);
   std::vector<host::Value> changed;
   for (const std::string& each : people) {
@@ -45,7 +45,7 @@ void changeMembers(const std::string& name, const std::vector<std::string>& peop
 
 void changeNesting(const std::string& name, const std::string& parentName, const char* member, std::string_view failed,
                    std::string_view done, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value group = findGroup(book, name);
   const host::Value parent = findGroup(book, parentName);
   require(parent.call(member, group), printable(nameOf(group)) + std::string(failed) + printable(nameOf(parent)));
@@ -56,7 +56,7 @@ void changeNesting(const std::string& name, const std::string& parentName, const
 }  // namespace
 
 void printGroups(const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const std::vector<host::Value> groups = book.call("groups").elements();
   if (manner.isJson) {
     std::vector<NamedTexts> objects;
@@ -76,12 +76,12 @@ void printGroups(const Manner& manner) {
 }
 
 void printMembers(const std::string& group, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   printPeople(findGroup(book, group).call("members").elements(), book, manner);
 }
 
 void createGroup(const std::string& name, const std::string& parent, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value above = parent.empty() ? host::Value() : findGroup(book, parent);
   const host::Value group = host::newObject("ABGroupVXR", book);
   setName(group, name);
@@ -91,7 +91,7 @@ void createGroup(const std::string& name, const std::string& parent, const Manne
 }
 
 void renameGroup(const std::string& group, const std::string& name, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value found = findGroup(book, group);
   setName(found, name);
   save(book, manner);
@@ -99,7 +99,7 @@ void renameGroup(const std::string& group, const std::string& name, const Manner
 }
 
 void removeGroup(const std::string& group, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value found = findGroup(book, group);
   require(book.call("removeRecord", found), printable(nameOf(found)) + " can't be removed");
   save(book, manner);

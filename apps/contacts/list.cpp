@@ -55,7 +55,7 @@ host::Value condition(const Query& query, const Vocabulary& vocabulary) {
 }  // namespace
 
 void listPeople(const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const std::vector<host::Value> people = book.call("people").elements();
   if (manner.isJson) {
     printPeople(people, book, manner);
@@ -65,7 +65,7 @@ void listPeople(const Manner& manner) {
 }
 
 void showPeople(const std::vector<std::string>& names, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const Vocabulary vocabulary(book);
   for (const std::string& name : names) {
     if (&name != &names.front() && !manner.isJson) std::cout << '\n';
@@ -74,7 +74,7 @@ void showPeople(const std::vector<std::string>& names, const Manner& manner) {
 }
 
 bool findPeople(const Query& query, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   std::vector<host::Value> people;
   if (query.property.empty()) {
     if (!query.label.empty() || !query.key.empty() || !query.comparison.empty()) {

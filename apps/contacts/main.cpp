@@ -216,7 +216,7 @@ void CommandLine::addGroups() {
 void CommandLine::addPhoto() {
   CLI::App* photo = addWriting(app_, "photo", "Show, write, set or remove somebody's picture", [this] {
     if (!file_.empty()) {
-      writePhoto(name_, file_);
+      writePhoto(name_, file_, manner_);
     } else if (!second_.empty()) {
       setPhoto(name_, second_, manner_);
     } else if (isToGo_) {

@@ -43,7 +43,7 @@ void change(const host::Value& person, const host::Value& data) {
 }  // namespace
 
 void describePhoto(const std::string& name, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value person = findPerson(book, name);
   const std::string bytes = photoOf(person);
   const host::Value image = person.call("image");
@@ -57,8 +57,8 @@ void describePhoto(const std::string& name, const Manner& manner) {
   if (!drawing.empty()) std::cout << drawing << '\n';
 }
 
-void writePhoto(const std::string& name, const std::string& file) {
-  const host::Value book = openAddressBook();
+void writePhoto(const std::string& name, const std::string& file, const Manner& manner) {
+  const host::Value book = openAddressBook(manner);
   const std::string bytes = photoOf(findPerson(book, name));
   if (file == kStandardStream) {
     std::cout << bytes;
@@ -74,7 +74,7 @@ void setPhoto(const std::string& name, const std::string& file, const Manner& ma
   const std::string bytes = readWhole(file);
   const std::string_view format = formatOf(bytes);
   if (format == kUnknown) throw Failure(fileText(file) + ": no picture; expected JPEG, PNG, GIF, BMP or TIFF");
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value person = findPerson(book, name);
   change(person, host::memoryBlock(bytes));
   // There are more kinds of TIFF than are shown here.
@@ -86,7 +86,7 @@ void setPhoto(const std::string& name, const std::string& file, const Manner& ma
 }
 
 void removePhoto(const std::string& name, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value person = findPerson(book, name);
   photoOf(person);
   change(person, nullptr);

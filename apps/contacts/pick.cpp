@@ -109,7 +109,7 @@ void printLines(const std::vector<Picked>& all, const PickOptions& options) {
 
 bool pick(const PickOptions& given) {
   requireTerminal();
-  const Vocabulary vocabulary(openAddressBook());
+  const Vocabulary vocabulary(openAddressBook(Manner{.isJson = given.json}));
   PickOptions options = given;
   if (!options.property.empty()) options.property = vocabulary.property(options.property).name;
   const host::Value picker = makePicker(options);

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace contacts {
@@ -9,16 +10,17 @@ namespace contacts {
 // A line on the terminal for what takes longer than half a second; nothing where the standard error is no terminal.
 class Progress {
  public:
-  Progress(std::string what, std::size_t total, bool isQuiet);
+  using Clock = std::chrono::steady_clock;
+
+  Progress(std::string what, std::size_t total, bool isQuiet, Clock::time_point start = Clock::now());
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress();
 
-  void advance();
+  void advance() { advanceTo(done_ + 1); }
+  void advanceTo(std::size_t done);
 
  private:
-  using Clock = std::chrono::steady_clock;
-
   void draw(Clock::time_point now);
 
   std::string what_;
@@ -26,8 +28,23 @@ class Progress {
   std::size_t done_ = 0;
   bool isShown_;
   bool isDrawn_ = false;
-  Clock::time_point start_ = Clock::now();
-  Clock::time_point next_ = start_ + std::chrono::milliseconds(500);
+  Clock::time_point start_;
+  Clock::time_point next_;
+};
+
+// The same for the opening of the contacts, told by how much of their files this process has read.
+class OpeningProgress {
+ public:
+  OpeningProgress();
+
+  // To be called again and again meanwhile.
+  void look();
+
+ private:
+  std::size_t before_;  // kilobytes that were read for other things
+  Progress::Clock::time_point start_ = Progress::Clock::now();
+  Progress::Clock::time_point next_;
+  std::optional<Progress> progress_;  // once it takes long
 };
 
 }  // namespace contacts

@@ -15,7 +15,7 @@ const char* classOf(bool isOfGroups) { return isOfGroups ? "ABGroupVXR" : "ABPer
 }  // namespace
 
 void printProperties(bool ofGroups, const Manner& manner) {
-  const Vocabulary vocabulary(openAddressBook(), classOf(ofGroups));
+  const Vocabulary vocabulary(openAddressBook(manner), classOf(ofGroups));
   if (manner.isJson) {
     std::vector<NamedTexts> objects;
     for (const PropertyName& each : vocabulary.properties()) {
@@ -33,7 +33,7 @@ void printProperties(bool ofGroups, const Manner& manner) {
 }
 
 void addProperty(bool toGroups, const std::string& name, const std::string& type, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const std::int64_t code = typeNamed(type);
   if (host::callShared(classOf(toGroups), "addProperty", name, code).integer() != 1) {
     throw Failure("the property \"" + printable(name) + "\" can't be added; expected a name that isn't taken");
@@ -43,7 +43,7 @@ void addProperty(bool toGroups, const std::string& name, const std::string& type
 }
 
 void removeProperty(bool fromGroups, const std::string& name, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   if (host::callShared(classOf(fromGroups), "removeProperty", name).integer() != 1) {
     throw Failure("the property \"" + printable(name) + "\" can't be removed; expected one that somebody has added");
   }
@@ -52,14 +52,14 @@ void removeProperty(bool fromGroups, const std::string& name, const Manner& mann
 }
 
 void printOwner(const Manner& manner) {
-  const Vocabulary vocabulary(openAddressBook());
+  const Vocabulary vocabulary(openAddressBook(manner));
   const host::Value owner = vocabulary.book().call("owner");
   if (owner.isNil()) throw Failure("the address book has no owner; contacts me NAME says who it is");
   printRecord(owner, vocabulary, manner);
 }
 
 void setOwner(const std::string& name, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const host::Value person = findPerson(book, name);
   book.call("setMe", person);
   save(book, manner);
@@ -67,7 +67,7 @@ void setOwner(const std::string& name, const Manner& manner) {
 }
 
 void clearOwner(const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   book.call("setMe", nullptr);
   save(book, manner);
   say(manner, "There is no owner any more");

@@ -1,12 +1,16 @@
 #include "apps/contacts/session.h"
 
 #include "apps/contacts/failure.h"
+#include "apps/contacts/progress.h"
 #include "apps/contacts/text.h"
 #include "host/classes.h"
 #include "host/error.h"
 #include "host/foreign_classes.h"
 #include "host/loader.h"
 #include "host/log.h"
+#include "host/options.h"
+
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -16,6 +20,7 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <string_view>
 
 namespace contacts {
@@ -49,8 +54,15 @@ std::vector<std::string> startHost(const Manner& manner) {
   return names;
 }
 
-host::Value openAddressBook() {
-  host::Value book = host::callShared("ABAddressBookVXR", "sharedAddressbook");
+host::Value openAddressBook(const Manner& manner) {
+  std::optional<OpeningProgress> progress;
+  if (!manner.isQuiet && isTerminal(STDERR_FILENO)) {
+    progress.emplace();
+    host::options().yield = [&progress] { progress->look(); };
+  }
+  // On a thread of its own, the plug-in lets the host go on meanwhile.
+  host::Value book = host::callShared("ABAddressBookVXR", progress ? "sharedAddressbookMT" : "sharedAddressbook");
+  host::options().yield = nullptr;
   if (book.isNil()) throw Failure("the contacts could not be opened");
   return book;
 }

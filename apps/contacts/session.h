@@ -14,8 +14,9 @@ namespace contacts {
 // all that is logged where CONTACTS_LOG is set. Throws host::Error when there is no plug-in.
 std::vector<std::string> startHost(const Manner& manner);
 
-// The shared address book. Throws host::HostException, whose object says why, when the contacts can't be opened.
-host::Value openAddressBook();
+// The shared address book; the user sees how far it is where that takes long. Throws host::HostException, whose object
+// says why, when the contacts can't be opened.
+host::Value openAddressBook(const Manner& manner);
 
 // Throws Failure when the changes can't be saved; nothing is then.
 void save(const host::Value& book, const Manner& manner);

@@ -51,7 +51,7 @@ struct Found {
 }  // namespace
 
 void importFiles(const std::vector<std::string>& files, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   std::vector<std::string> texts;
   texts.reserve(files.size());
   std::vector<Found> found;
@@ -88,7 +88,7 @@ void importFiles(const std::vector<std::string>& files, const Manner& manner) {
 }
 
 void exportPeople(const std::string& text, const std::string& file, const Manner& manner) {
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const std::vector<host::Value> people = peopleWith(book, text);
   if (people.empty() && !text.empty()) throw Failure("nobody has the text \"" + printable(text) + "\"");
   std::ofstream stream;

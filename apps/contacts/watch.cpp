@@ -39,7 +39,7 @@ void watchChanges(const Manner& manner) {
                            }
                            std::cout.flush();
                          });
-  const host::Value book = openAddressBook();
+  const host::Value book = openAddressBook(manner);
   const std::string what = std::to_string(book.call("people").size()) + " people and " +
                            std::to_string(book.call("groups").size()) + " groups";
   std::cout << (manner.isJson ? jsonLine({{"watching", what}}) : "watching " + what) << std::endl;
