@@ -29,15 +29,3 @@ TEST(Data, IsACopyOfAllBytesBothWays) {
     EXPECT_NE(host::blockAddress(back.object()), data.bytes());
   }
 }
-
-TEST(Data, IsNothingWithoutBytesOrMemory) {
-  const Host host{};
-  EXPECT_FALSE(NewNSData(nullptr));
-  EXPECT_FALSE(dataOf(host::memoryBlock("")));
-  EXPECT_FALSE(dataOf(host::Value::adopt(REALnewInstance("MemoryBlock"))));  // has no address
-  EXPECT_EQ(NSDataRB(nullptr), nullptr);
-  EXPECT_EQ(NSDataRB(NSData::dataWithBytes("", 0)), nullptr);
-  host::failMemoryBlock(1);
-  EXPECT_EQ(NSDataRB(NSData::dataWithBytes("abc", 3)), nullptr);
-  EXPECT_TRUE(host::takePendingException());
-}

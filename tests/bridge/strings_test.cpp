@@ -118,20 +118,6 @@ TEST(Strings, GiveUTF16BytesBackWhenTheHostCannotConvert) {
   EXPECT_EQ(REALBuildUnicodeString(bytes.data(), 4, kEncodingUTF32), nullptr);
 }
 
-TEST(Strings, OfAHundredMegabytesCross) {
-#if defined(__SANITIZE_ADDRESS__)
-  GTEST_SKIP() << "takes too much memory for the sanitizer";
-#else
-  const Host host{};
-  constexpr std::size_t kSize = 100'000'000;
-  const auto text = hostString(std::string(kSize, 'x'));
-  const auto converted = Retained<NSString>::adopt(bridge<NSString>(RBString2CFString(text.get())));
-  EXPECT_EQ(converted->length(), kSize);
-  const auto back = adoptHost(NSStringRB(converted.get()));
-  EXPECT_TRUE(host::bytesOf(back.get()) == host::bytesOf(text.get()));
-#endif
-}
-
 TEST(StringArrays, LeaveOutEmptyStringsAndAreFilledInOrder) {
   const Host host{};
   const auto handleOf = [](const host::Value& array) {

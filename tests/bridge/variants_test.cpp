@@ -156,11 +156,6 @@ TEST(FoundationToVariants, GoByKind) {
   EXPECT_EQ(NewVariantFromNSObject(nullptr), nullptr);
 }
 
-TEST(FoundationToVariants, AreNothingWithoutTheHostsArrays) {
-  const Host host{.without = {"RuntimeArrayCreateSingleDimBoundedArray"}};
-  EXPECT_EQ(NewVariantFromNSObject(NSArray::arrayWithObject("a"_ns)), nullptr);
-}
-
 namespace {
 
 // Everything that the readers are asked for.
@@ -205,31 +200,4 @@ TEST(VariantReaders, ReadPropertiesUntilTheHostHasTheFunctions) {
   EXPECT_EQ(allReaders(), "0 0 '' 0 0 0 0");
   without = kProperties;
   EXPECT_EQ(allReaders(), kAllRead);
-}
-
-TEST(FoundationToVariants, AreCompleteButForTheInstanceThatFails) {
-  const Host host{};
-  const NSDictionary source =
-      dictionaryOf({{"in"_ns, dictionaryOf({{"date"_ns, noon()}})}, {"list"_ns, NSArray::arrayWithObject(anError())}});
-  const std::string date = "Date 2012-07-14 12:00:00";
-  const std::vector<std::string> expected{
-      "Nil",
-      "{'in'=Nil 'list'=[NSErrorVXR]}",
-      "{'in'={'date'=Nil} 'list'=[NSErrorVXR]}",
-      "{'in'={'date'=" + date + "} 'list'=[Nil]}",
-      "{'in'={'date'=" + date + "} 'list'=[NSErrorVXR]}",
-  };
-  for (std::size_t i = 0; i < expected.size(); ++i) {
-    host::failNewInstance(static_cast<int>(i) + 1);
-    EXPECT_EQ(shown(converted(source)), expected[i]) << i;
-    EXPECT_EQ(host::liveReport(), "") << i;
-  }
-  host::failNewInstance(0);
-
-  const auto blocks = NSArray::arrayWithObjects({NSData::dataWithBytes("a", 1), NSData::dataWithBytes("b", 1)});
-  for (const auto& [nth, list] : {std::pair(1, "[Nil block b]"), std::pair(2, "[block a Nil]")}) {
-    host::failMemoryBlock(nth);
-    EXPECT_EQ(shown(converted(blocks)), list);
-    EXPECT_TRUE(host::takePendingException());
-  }
 }

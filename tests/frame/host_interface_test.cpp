@@ -26,25 +26,6 @@ class HostInterface : public testing::Test {
 
 }  // namespace
 
-// One entry of each type of result, and what is called through more than its entry.
-TEST_F(HostInterface, AnswersNeutralValuesWhileTheHostLacksTheEntry) {
-  EXPECT_EQ(REALLoadFrameworkMethod("f"), nullptr);
-  EXPECT_FALSE(REALObjectIsA(object(), REALclassRef{}));
-  EXPECT_EQ(originalREALBuildString("x", 1), nullptr);
-  EXPECT_EQ(REALGetStringEncoding(text("x")), 0u);
-  EXPECT_EQ(REALCopyStringCFString(text("x")), nullptr);
-  EXPECT_EQ(REALGetArrayUBound(array()), 0);
-  EXPECT_EQ(REALGetArrayString(array(), 0), nullptr);
-  REALevent event{"E"};
-  EXPECT_EQ(REALGetEventInstance(object(), &event), nullptr);
-  std::int32_t integer = 7;
-  EXPECT_FALSE(REALGetPropValueInt32(object(), "Year", &integer));
-  EXPECT_EQ(integer, 7);
-  REALLockObject(object());
-  REALInsertArrayValueString(array(), 0, text("x"));
-  REALInsertArrayValueObject(array(), 0, object());
-}
-
 TEST_F(HostInterface, AsksAgainWhileAnEntryIsMissingAndNeverAfterItIsFound) {
   for (int i = 0; i < 2; ++i) EXPECT_FALSE(REALinRuntime());
   give("REALinRuntime", [] { return true; });
@@ -56,21 +37,6 @@ TEST_F(HostInterface, AsksAgainWhileAnEntryIsMissingAndNeverAfterItIsFound) {
   EXPECT_EQ(REALGetStringCFString(text("x"), true), reinterpret_cast<CFStringRef>(16));
   EXPECT_EQ(REALCopyStringCFString(text("x")), reinterpret_cast<CFStringRef>(32));
   EXPECT_EQ(asked["REALGetStringCFString"], 2);
-}
-
-TEST_F(HostInterface, HandsOnWhatItsCallsDifferIn) {
-  static void* firstArgument = object();
-  give("REALLoadGlobalMethod", [](void* first, const char* declaration) -> void* {
-    firstArgument = first;
-    return const_cast<char*>(declaration);
-  });
-  const char* declaration = "f() as integer";
-  EXPECT_EQ(REALLoadFrameworkMethod(declaration), declaration);
-  EXPECT_EQ(firstArgument, nullptr);
-
-  give("GetEventInstance", [](REALobject, Word reserved) { return reinterpret_cast<void*>(reserved); });
-  REALevent event{"E", 0x4711};
-  EXPECT_EQ(REALGetEventInstance(object(), &event), reinterpret_cast<void*>(0x4711));
 }
 
 namespace {
