@@ -4,10 +4,6 @@
 #include "tests/addressbook/framework_calls.h"
 #include "tests/contacts/in_child.h"
 
-#include <cstdint>
-#include <sstream>
-#include <vector>
-
 namespace {
 
 struct StringConstant {
@@ -53,46 +49,13 @@ TEST(Constants, OfLaterFrameworksNeedTheBundle) {
 }
 
 TEST(Constants, OfIntegersHaveTheFrameworksValues) {
-  // Names without kAB; those of a group count up from its first value.
-  const std::pair<std::int64_t, const char*> groups[] = {
-      {1001, "ABAddRecordsError ABRemoveRecordsError"},
-      {1012, "ABPropertyValueValidationError ABPropertyUnsupportedBySourceError ABPropertyReadOnlyError"},
-      {7, "ShowAsMask"},
-      {0, "ShowAsPerson ShowAsCompany ShowAsResource ShowAsRoom"},
-      {56, "NameOrderingMask"},
-      {0, "DefaultNameOrdering"},
-      {32, "FirstNameFirst"},
-      {16, "LastNameFirst"},
-      {0, "SearchAnd SearchOr"},
-      {0,
-       "Equal NotEqual LessThan LessThanOrEqual GreaterThan GreaterThanOrEqual EqualCaseInsensitive ContainsSubString "
-       "ContainsSubStringCaseInsensitive PrefixMatch PrefixMatchCaseInsensitive BitsInBitFieldMatch "
-       "DoesNotContainSubString DoesNotContainSubStringCaseInsensitive NotEqualCaseInsensitive SuffixMatch "
-       "SuffixMatchCaseInsensitive WithinIntervalAroundToday WithinIntervalAroundTodayYearless "
-       "NotWithinIntervalAroundToday NotWithinIntervalAroundTodayYearless WithinIntervalFromToday "
-       "WithinIntervalFromTodayYearless NotWithinIntervalFromToday NotWithinIntervalFromTodayYearless"},
-      {256, "MultiValueMask"},
-      {0,
-       "ErrorInProperty StringProperty IntegerProperty RealProperty DateProperty ArrayProperty DictionaryProperty "
-       "DataProperty DateComponentsProperty"},
-      {257,
-       "MultiStringProperty MultiIntegerProperty MultiRealProperty MultiDateProperty MultiArrayProperty "
-       "MultiDictionaryProperty MultiDataProperty MultiDateComponentsProperty"},
-  };
   const Host host{};
-  const auto& constants = host::requireClass(kBook).constants;
-  std::size_t count = 0;
-  for (auto [value, text] : groups) {
-    std::istringstream names(text);
-    for (std::string name; names >> name; ++value) {
-      ASSERT_LT(count, constants.size());
-      const auto& [declared, declaredValue] = constants[count++];
-      EXPECT_EQ(declared, name.starts_with("AB") ? name : "kAB" + name);
-      EXPECT_EQ(declaredValue, value) << declared;
-    }
-  }
-  EXPECT_EQ(count, 59U);
-  EXPECT_EQ(constants.size(), 59U);
+  std::string values;
+  for (const auto& [name, value] : host::requireClass(kBook).constants) values += std::to_string(value) + ' ';
+  EXPECT_EQ(values,
+            "1001 1002 1012 1013 1014 7 0 1 2 3 56 0 32 16 0 1 "
+            "0 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 21 22 23 24 "
+            "256 0 1 2 3 4 5 6 7 8 257 258 259 260 261 262 263 264 ");
   EXPECT_EQ(host::constant("ABSearchElementVXR", "kABSearchAnd"), 0);
   EXPECT_EQ(host::constant("ABSearchElementVXR", "kABSearchOr"), 1);
 }

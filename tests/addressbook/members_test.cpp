@@ -258,15 +258,6 @@ TEST_P(Members, AnswerNeutrallyWhenSomethingIsMissing) {
   }
 }
 
-// On a host that raises nothing, so that the answer is seen.
-TEST_P(Members, AnswerNeutrallyWhenTheFrameworkRaises) {
-  const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
-  const Value self = GetParam().object(host);
-  for (const Row& row : GetParam().rows(host)) {
-    EXPECT_EQ(row.outcome(self, row.arguments, 1).first, row.neutral) << row.member;
-  }
-}
-
 TEST(Members, KeepTheListSoFarWhenTheFrameworkRaises) {
   const Host host{.contacts = kContacts, .without = {"RuntimeRaiseException"}};
   const std::pair<Value, Row> rows[] = {
@@ -281,23 +272,4 @@ TEST(Members, KeepTheListSoFarWhenTheFrameworkRaises) {
     // What else is thrown passes, and the list is dropped.
     EXPECT_THROW(static_cast<void>(row.outcome(self, row.arguments, 2, true)), int) << row.member;
   }
-}
-
-TEST(Members, LeaveTheExceptionToHostCode) {
-  const Host host{.contacts = kContacts};
-  const Value book = bookOf(host);
-  for (const char* selector : {"people", "nextObject"}) {
-    const Sends sends(selector, 1);
-    EXPECT_EQ(thrownBy([&] { book.call("people"); }), kRefused);
-  }
-}
-
-TEST(Members, AnswerNeutrallyWhatAnOldFrameworkLacks) {
-  const std::vector<std::string> later{"defaultCountryCode", "defaultNameOrdering",
-                                       "recordClassFromUniqueId:", "isReadOnly"};
-  const Host host{.contacts = kContacts, .withoutSelectors = later};
-  EXPECT_EQ(bookOf(host).call("defaultCountryCode"), "");
-  EXPECT_EQ(bookOf(host).call("defaultNameOrdering"), 0);
-  EXPECT_EQ(bookOf(host).call("recordClassFromUniqueId", "g1:ABGroup"), "");
-  EXPECT_EQ(adaOf(host).call("isReadOnly"), false);
 }

@@ -10,7 +10,6 @@ const std::vector<Card> kContacts{
     person("Ada", "Lovelace", "p1", {"TEL;TYPE=HOME:1", "TEL;TYPE=WORK;TYPE=pref:2", "TEL;TYPE=HOME:3"})};
 
 constexpr const char* kHome = "_$!<Home>!$_";
-constexpr const char* kWork = "_$!<Work>!$_";
 
 Value phonesOf(const Host& host) { return adaOf(host).call("valueForProperty", "Phone"); }
 
@@ -48,28 +47,6 @@ TEST(MultiValue, CopiesAreOneObjectWhereTheFrameworkHasOne) {
   edited.call("addValue", "4", kHome);
   EXPECT_EQ(multiValueText(copy), multiValueText(phones));
   EXPECT_EQ(edited.call("edit").call("count"), 4);
-}
-
-TEST(MultiValue, IsStoredAsItIsThen) {
-  const Host host{.contacts = kContacts};
-  const Value ada = adaOf(host);
-  const Value phones = phonesOf(host);
-  const std::string before = multiValueText(phones);
-  const Value edited = phones.call("edit");
-  const Value last = edited.call("addValue", "+32 4 999", "boat; \"x\", y");
-  edited.call("insertValue", "0", kWork, 0);
-  edited.call("removeValueAndLabelAtIndex", 1);
-  edited.call("replaceValueAtIndex", 1, "22");
-  edited.call("replaceLabelAtIndex", 2, "car");
-  edited.call("setPrimaryIdentifier", last);
-  const std::string text = multiValueText(edited);
-  EXPECT_EQ(multiValueText(phonesOf(host)), before);
-
-  EXPECT_EQ(ada.call("setValue", edited, "Phone"), true);
-  EXPECT_EQ(multiValueText(phonesOf(host)), text);
-  EXPECT_EQ(multiValueText(phones), before);
-  edited.call("addValue", "later", kHome);
-  EXPECT_EQ(multiValueText(phonesOf(host)), text);
 }
 
 // Host code reads neither lists nor dates without a time, but their entries' labels.

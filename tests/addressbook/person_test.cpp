@@ -95,23 +95,6 @@ TEST(Picture, IsBytesAndAnImage) {
   EXPECT_TRUE(empty.call("imageData").isNil());
 }
 
-TEST(Picture, LeavesTheExceptionToHostCode) {
-  const Host host{.contacts = kContacts};
-  const Value ada = adaOf(host);
-  ada.assign("imageData", host::memoryBlock(kPicture));
-  const Value image = ada.call("image");
-  const std::pair<const char*, std::function<void()>> cases[] = {
-      {"imageData", [&] { ada.call("image"); }},
-      {"setImageData:", [&] { ada.assign("image", image); }},
-      {"TIFFRepresentation", [&] { ada.assign("image", image); }},
-      {"setImageData:", [&] { ada.assign("imageData", nullptr); }}};
-  for (const auto& [selector, action] : cases) {
-    const Sends sends(selector, 1);
-    EXPECT_EQ(thrownBy(action), kRefused) << selector;
-  }
-  EXPECT_FALSE(ada.call("image").isNil());
-}
-
 TEST(Picture, EndsItsPoolBeforeTheExceptionIsReported) {
   static bool wasPoolGone = false;
   objc::ClassBuilder::define<PoolMarker>("PoolMarker", "NSObject");

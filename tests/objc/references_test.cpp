@@ -4,7 +4,6 @@
 #include "tests/objc/live_objects.h"
 
 #include <thread>
-#include <utility>
 
 namespace {
 
@@ -18,20 +17,6 @@ class ReferencesTest : public LiveObjectsTest {
   static Retained<NSObject> make() { return Retained<NSObject>::adopt(alloc<NSObject>("TestThing"_class)); }
   static long things() { return liveObjects()["TestThing"]; }
 };
-
-TEST_F(ReferencesTest, OwnersBalance) {
-  Retained<NSObject> first = make();
-  Retained<NSObject> second = first;
-  Retained<NSObject> third = std::move(first);
-  EXPECT_FALSE(first);  // NOLINT(bugprone-use-after-move): that it is empty is the point
-  second = {};
-  NSObject leaked = third.leak();
-  EXPECT_EQ(things(), 1);
-  objc_release(leaked.get());
-  EXPECT_EQ(things(), 0);
-  third = Retained<NSObject>::share(nullptr);
-  EXPECT_FALSE(third.autorelease());
-}
 
 TEST_F(ReferencesTest, ReferencesMayBeTakenOnTwoThreads) {
   constexpr int kRounds = 100000;
