@@ -5,9 +5,11 @@
 #include "bridge/dictionaries.h"
 #include "bridge/instance_registry.h"
 #include "bridge/strings.h"
+#include "bridge/variant_readers.h"
 #include "bridge/variants.h"
 #include "bridge/wrappers.h"
 #include "frame/host_ref.h"
+#include "frame/runtime_support.h"
 #include "host/arrays.h"
 #include "host/classes.h"
 #include "host/dictionaries.h"
@@ -18,6 +20,7 @@
 #include "platform/objc/retained.h"
 
 #include <benchmark/benchmark.h>
+#include <malloc.h>
 
 #include <cstring>
 #include <memory>
@@ -94,14 +97,24 @@ TEXTS(stringToHost);
 
 std::string keyAt(std::int64_t index) { return "key " + std::to_string(index); }
 
-// A table of as many copied texts.
-void dictionaryPlainly(benchmark::State& state) {
+std::vector<std::string> keysUpTo(std::int64_t count) {
   std::vector<std::string> keys;
-  for (std::int64_t i = 0; i < state.range(0); ++i) keys.push_back(keyAt(i));
+  for (std::int64_t i = 0; i < count; ++i) keys.push_back(keyAt(i));
+  return keys;
+}
+
+// The host's part alone: what any plug-in has to ask of it for such a dictionary or array, with no framework on the
+// other side but a plain table.
+void dictionaryToHostPlainly(benchmark::State& state) {
+  startHost();
+  const std::vector<std::string> keys = keysUpTo(state.range(0));
+  auto newText = [](const std::string& text) {
+    return adoptHost(REALNewVariantString(adoptHost(host::newString(text, kEncodingUTF8)).get()));
+  };
   for (auto _ : state) {
-    std::unordered_map<std::string, std::string> table;
-    for (const std::string& key : keys) table.emplace(key, key);
-    benchmark::DoNotOptimize(table);
+    const host::PluginScope scope;
+    const auto dictionary = adoptHost(NewDictionary());
+    for (const std::string& key : keys) SetDictionaryValue(dictionary.get(), newText(key).get(), newText(key).get());
   }
 }
 
@@ -130,18 +143,30 @@ void dictionaryToHost(benchmark::State& state) {
   measure(state, [&] { return adoptHost(NSDictionaryRB(dictionary.get())).get(); });
 }
 
-BENCHMARK(dictionaryPlainly)->Arg(100)->Arg(1000)->Arg(10000);
-BENCHMARK(dictionaryToFoundation)->Arg(100)->Arg(1000)->Arg(10000);
-BENCHMARK(dictionaryToHost)->Arg(100)->Arg(1000)->Arg(10000);
-
-// As many allocations as there are elements, and a table of them.
-void arrayPlainly(benchmark::State& state) {
+void dictionaryToFoundationPlainly(benchmark::State& state) {
+  startHost();
+  const host::Value entries = dictionaryOf(state.range(0));
+  REALdictionary dictionary = handleOf(entries);
+  auto textOf = [](REALvariant variant) {
+    const auto text = adoptHost(GetVariantString(variant));
+    return host::textOf(text.get());
+  };
   for (auto _ : state) {
-    std::vector<std::unique_ptr<std::int64_t>> list;
-    for (std::int64_t i = 0; i < state.range(0); ++i) list.push_back(std::make_unique<std::int64_t>(i));
-    benchmark::DoNotOptimize(list);
+    const host::PluginScope scope;
+    std::unordered_map<std::string, std::string> table;
+    for (std::int32_t i = 0; i < GetDictionaryCount(dictionary); ++i) {
+      const auto key = adoptHost(GetDictionaryKey(dictionary, i));
+      table.emplace(textOf(key.get()), textOf(adoptHost(GetDictionaryValue(dictionary, key.get())).get()));
+    }
+    benchmark::DoNotOptimize(table);
   }
 }
+
+#define ENTRIES(function) BENCHMARK(function)->Arg(100)->Arg(1000)->Arg(10000)
+ENTRIES(dictionaryToFoundationPlainly);
+ENTRIES(dictionaryToFoundation);
+ENTRIES(dictionaryToHostPlainly);
+ENTRIES(dictionaryToHost);
 
 host::Value arrayOf(std::int64_t count) {
   std::vector<host::Value> elements;
@@ -166,9 +191,39 @@ void arrayToHost(benchmark::State& state) {
   measure(state, [&] { return adoptHost(NewVariantFromNSObject(list.get())).get(); });
 }
 
-BENCHMARK(arrayPlainly)->Arg(1000)->Arg(10000);
-BENCHMARK(arrayToFoundation)->Arg(1000)->Arg(10000);
-BENCHMARK(arrayToHost)->Arg(1000)->Arg(10000);
+void arrayToFoundationPlainly(benchmark::State& state) {
+  startHost();
+  const host::Value array = arrayOf(state.range(0));
+  auto* elements = reinterpret_cast<REALobjectArray>(array.object());
+  for (auto _ : state) {
+    const host::PluginScope scope;
+    std::vector<std::unique_ptr<std::int64_t>> list;
+    for (REALinteger i = 0; i <= REALGetArrayUBound(elements); ++i) {
+      REALobject element = nullptr;
+      REALGetArrayValue(elements, i, &element);
+      const auto held = adoptHost(element);
+      list.push_back(std::make_unique<std::int64_t>(GetVariantLong(element)));
+    }
+    benchmark::DoNotOptimize(list);
+  }
+}
+
+void arrayToHostPlainly(benchmark::State& state) {
+  startHost();
+  for (auto _ : state) {
+    const host::PluginScope scope;
+    const auto array = adoptHost(REALCreateArrayVariant(-1));
+    for (REALinteger i = 0; i < state.range(0); ++i) {
+      REALInsertArrayValue(array.get(), i, adoptHost(REALNewVariantInt64(i)).get());
+    }
+  }
+}
+
+#define ELEMENTS(function) BENCHMARK(function)->Arg(1000)->Arg(10000)
+ELEMENTS(arrayToFoundationPlainly);
+ELEMENTS(arrayToFoundation);
+ELEMENTS(arrayToHostPlainly);
+ELEMENTS(arrayToHost);
 
 // Wrappers for as many objects as the argument says, and their addresses in a plain table.
 class Wrappers {
@@ -208,6 +263,25 @@ void handOutWrapperAgain(benchmark::State& state) {
 }
 BENCHMARK(handOutWrapperAgain)->Arg(1000);
 
+// The host's object and the registry's entry, without the framework's object.
+void wrapperMemory(benchmark::State& state) {
+  startHost();
+  std::vector<Retained<ABMutableMultiValue>> objects;
+  std::vector<HostRef<REALobject>> wrappers;
+  for (std::int64_t i = 0; i < state.range(0); ++i) {
+    objects.push_back(
+        Retained<ABMutableMultiValue>::adopt(send<ABMutableMultiValue>("ABMutableMultiValue"_class, "new"_sel)));
+  }
+  wrappers.reserve(objects.size());
+  for (auto _ : state) {
+    const std::size_t before = mallinfo2().uordblks;
+    for (const auto& object : objects) wrappers.push_back(adoptHost(NewABMutableMultiValueVXR(object.get())));
+    const auto grown = static_cast<double>(mallinfo2().uordblks - before);
+    state.counters["bytes/wrapper"] = grown / static_cast<double>(objects.size());
+  }
+}
+BENCHMARK(wrapperMemory)->Arg(10000)->Iterations(1);
+
 REALinteger neutral(REALobject) { return 0; }
 
 void callFunction(benchmark::State& state) {
@@ -219,16 +293,33 @@ void callFunction(benchmark::State& state) {
 }
 BENCHMARK(callFunction);
 
-// The function of the table, which guards, sends and converts.
-void callTableFunction(benchmark::State& state) {
+// A function of the table, which guards, sends and converts.
+template <class Function>
+Function tableFunction(std::string_view declaration) {
+  const auto& objectClass = host::requireClass("ABMutableMultiValueVXR");
+  return reinterpret_cast<Function>(
+      host::findMethod(objectClass, host::parseDeclaration(declaration))->record->function);
+}
+
+void callForInteger(benchmark::State& state) {
   startHost();
   const host::Value values = host::newObject("ABMutableMultiValueVXR");
-  const auto& objectClass = host::requireClass("ABMutableMultiValueVXR");
-  const host::Method* method = host::findMethod(objectClass, host::parseDeclaration("count as integer"));
-  auto* function = reinterpret_cast<REALinteger (*)(REALobject)>(method->record->function);
+  auto* function = tableFunction<REALinteger (*)(REALobject)>("count as integer");
   for (auto _ : state) benchmark::DoNotOptimize(function(values.object()));
 }
-BENCHMARK(callTableFunction);
+BENCHMARK(callForInteger);
+
+void callForShortString(benchmark::State& state) {
+  startHost();
+  const host::Value values = host::newObject("ABMutableMultiValueVXR");
+  values.call("addValue", "ada@example.org", "office");
+  auto* function = tableFunction<REALstring (*)(REALobject, std::uint32_t)>("labelAtIndex(index as UInt32) as string");
+  for (auto _ : state) {
+    const host::PluginScope scope;
+    benchmark::DoNotOptimize(adoptHost(function(values.object(), 0)).get());
+  }
+}
+BENCHMARK(callForShortString);
 
 // The same by name, as host code does.
 void callMemberByName(benchmark::State& state) {

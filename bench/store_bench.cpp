@@ -171,6 +171,40 @@ void openAndReadNames(benchmark::State& state) {
                                     static_cast<double>(state.range(0));
 }
 
+// The floor of opening a folder that is known: its files are listed and looked at.
+double listPlainly(const fs::path& folder) {
+  const Watch watch;
+  std::int64_t size = 0;
+  DIR* directory = opendir(folder.c_str());
+  while (const dirent* entry = readdir(directory)) {
+    struct stat status {};
+    if (fstatat(dirfd(directory), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) == 0) size += status.st_size;
+  }
+  closedir(directory);
+  benchmark::DoNotOptimize(size);
+  return watch.seconds();
+}
+
+void plainListing(benchmark::State& state) {
+  const fs::path& folder = folderOf(static_cast<int>(state.range(0)));
+  measure(state, [&] { return listPlainly(folder); });
+}
+
+double open() {
+  const Watch watch;
+  ABAddressBook::sharedAddressBook();
+  return watch.seconds();
+}
+
+// By a process that finds what another has kept.
+void openUnchanged(benchmark::State& state) {
+  fs::create_directory(folderOf(static_cast<int>(state.range(0))) / ".addressbook");
+  inProcess(open);
+  measure(state, open);
+}
+
+void openUnchangedAndReadNames(benchmark::State& state) { measure(state, readNames); }
+
 // In the same process.
 void openAgain(benchmark::State& state) {
   measure(state, [] {
@@ -213,6 +247,9 @@ BENCHMARK(plainLoop)->Apply(forEachSize);
 BENCHMARK(openAndReadNames)->Apply(forEachSize);
 BENCHMARK(openAgain)->Apply(forEachSize);
 BENCHMARK(findAnEmail)->Apply(forEachSize);
+BENCHMARK(plainListing)->Apply(forEachSize);
+BENCHMARK(openUnchanged)->Apply(forEachSize);
+BENCHMARK(openUnchangedAndReadNames)->Apply(forEachSize);
 BENCHMARK(saveOne)->Apply(forEachSize);
 
 }  // namespace
