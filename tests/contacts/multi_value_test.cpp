@@ -63,12 +63,6 @@ TEST_F(MultiValue, RaisesForWhatIsMissing) {
   const auto value = made();
   value->addValue("1"_ns, "a"_ns);
   const std::pair<const char*, std::function<void()>> rows[] = {
-      {"NSRangeException", [&] { (void)value->valueAtIndex(1); }},
-      {"NSRangeException", [&] { (void)value->labelAtIndex(NSNotFound); }},
-      {"NSRangeException", [&] { (void)value->identifierAtIndex(1); }},
-      {"NSRangeException", [&] { value->removeValueAndLabelAtIndex(1); }},
-      {"NSRangeException", [&] { value->replaceValueAtIndex(1, "2"_ns); }},
-      {"NSRangeException", [&] { value->replaceLabelAtIndex(1, "b"_ns); }},
       {"NSRangeException", [&] { value->insertValue("2"_ns, "b"_ns, 2); }},
       {"NSInvalidArgumentException", [&] { value->addValue(nullptr, "b"_ns); }},
       {"NSInvalidArgumentException", [&] { value->addValue("2"_ns, nullptr); }},

@@ -110,14 +110,4 @@ TEST(VCardReader, DecodesFilesByTheirMarks) {
   EXPECT_EQ(vcard::decodeFile("\uFEFFBEGIN\xE4"), "BEGIN\xE4");
 }
 
-TEST(VCardReader, TellsValidUtf8) {
-  for (const char* valid : {"", "a", "ä", "€", "𠮷", "\xEF\xBF\xBF", "\xF4\x8F\xBF\xBF"}) {
-    EXPECT_TRUE(vcard::isValidUtf8(valid)) << valid;
-  }
-  for (const char* invalid : {"\x80", "\xC3", "\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
-                              "\xF4\x90\x80\x80", "\xF8\x88\x80\x80\x80", "a\xE2\x82"}) {
-    EXPECT_FALSE(vcard::isValidUtf8(invalid)) << invalid;
-  }
-}
-
 }  // namespace
