@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <map>
 
 namespace {
 
@@ -47,18 +46,6 @@ Value richDictionary() {
                            {"in", host::dictionary({{"City", "Ghent"}})}});
 }
 
-// With what a property list can't hold.
-Value oddDictionary() {
-  return host::dictionary({{"rich", richDictionary()},
-                           {2, host::array(host::ElementType::int32, {1, 2})},
-                           {"flags", host::array(host::ElementType::boolean, {true, false})},
-                           {"dates", host::array(host::ElementType::date, {host::date(2012, 7, 14), nullptr})},
-                           {"file", host::folderItem("/")},
-                           {nullptr, true},
-                           {"size", emptyInstance("NSSizeVXR")},
-                           {"image", emptyInstance("NSImageVXR")}});
-}
-
 std::string lowerCase(std::string text) {
   std::ranges::transform(text, text.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
   return text;
@@ -80,6 +67,17 @@ Value tried(Make make) {
 void dropReference(REALobject object) { host::unlock(object); }
 
 }  // namespace
+
+Value dictionaryOfEveryKind() {
+  return host::dictionary({{"rich", richDictionary()},
+                           {2, host::array(host::ElementType::int32, {1, 2})},
+                           {"flags", host::array(host::ElementType::boolean, {true, false})},
+                           {"dates", host::array(host::ElementType::date, {host::date(2012, 7, 14), nullptr})},
+                           {"file", host::folderItem("/")},
+                           {nullptr, true},
+                           {"size", emptyInstance("NSSizeVXR")},
+                           {"image", emptyInstance("NSImageVXR")}});
+}
 
 std::string MemberCall::name() const {
   constexpr const char* kGiven[] = {"nil", "empty", "typical", "odd", "rich"};
@@ -131,8 +129,9 @@ std::vector<MemberCall> callsOf(const host::HostClass& owner) {
       return type.kind == host::TypeKind::variant || host::sameName(type.name, "Dictionary");
     };
     const bool takesRich = isRich(row.result) || std::ranges::any_of(row.parameters, isRich, &host::Parameter::type);
+    const bool takesNothing = row.parameters.empty() || row.parameters.back().name == "word";
     for (const Given given : {Given::typical, Given::nothing, Given::empty, Given::odd, Given::rich}) {
-      if (given == Given::rich ? !takesRich : row.parameters.empty() && given != Given::typical) continue;
+      if (given == Given::rich ? !takesRich : takesNothing && given != Given::typical) continue;
       row.given = given;
       calls.push_back(row);
     }
@@ -267,7 +266,7 @@ Value Scene::argument(const host::Parameter& parameter) {
   }
   if (call_.given == Given::nothing) return nullptr;
   if (host::sameName(type.name, "Dictionary")) {
-    if (isOdd) return oddDictionary();
+    if (isOdd) return dictionaryOfEveryKind();
     return call_.given == Given::rich ? richDictionary()
            : isMade                   ? host::dictionary({{"City", "Ghent"}, {"Street", kLongText}})
                                       : host::dictionary({});

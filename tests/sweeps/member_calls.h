@@ -33,6 +33,9 @@ std::vector<MemberCall> callsOf(const host::HostClass& owner);
 // The cards that the arguments are found in.
 const std::vector<Card>& sweptCards();
 
+// With what a property list can't hold, too.
+host::Value dictionaryOfEveryKind();
+
 // The object that a call is made on and its arguments, made anew.
 class Scene {
  public:

@@ -15,9 +15,8 @@ struct Failure {
 
 extern const Failure kNewInstanceFails;
 extern const Failure kMemoryBlockFails;
-extern const Failure kAllocationFails;  // of AllocateClearMemory
-extern const Failure kSendRaises;       // an NSException
-extern const Failure kSendThrows;       // what is no NSException
+extern const Failure kSendRaises;  // an NSException
+extern const Failure kSendThrows;  // what is no NSException
 
 // How a call ended, in words that don't hold on to anything.
 struct Outcome {
@@ -31,13 +30,14 @@ struct Outcome {
 // Makes the call. Adds a test failure when host or framework objects or entries of the registry are left over.
 Outcome outcomeOf(const MemberCall& call, const Failure* failure = nullptr, int nth = 0);
 
-// Whether it is all that the whole outcome is, a part of it or nothing.
-bool isPartOf(const Outcome& outcome, const Outcome& whole);
-
 // The calls of all classes that plug-ins registered, in that order.
 std::vector<MemberCall> callsOfAll();
 // Their outcomes.
 std::vector<Outcome> outcomesOfAll();
+
+// Each outcome on a host or a framework that lacks something, beside that on one that doesn't. The framework may refuse
+// what didn't reach it.
+void expectPartOf(const std::vector<Outcome>& poor, const std::vector<Outcome>& rich, bool mayBeRefused = false);
 
 // Makes each call again and again, until the failure doesn't come about any more.
 void sweep(const Failure& failure);
