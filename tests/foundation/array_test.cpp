@@ -11,20 +11,6 @@ namespace {
 
 using ArrayTest = LiveObjectsTest;
 
-TEST_F(ArrayTest, HoldsObjectsInOrder) {
-  const NSMutableArray array = NSMutableArray::arrayWithCapacity(NSUInteger(-1));
-  array.addObject("one"_ns);
-  array.addObject(NSString::stringWithUTF8String("two"));
-  array.addObject(NSNull::null());
-  EXPECT_STREQ(array.description().UTF8String(), "(\n    one,\n    two,\n    <null>\n)");
-  EXPECT_TRUE(array.containsObject("two"_ns));
-  EXPECT_FALSE(array.containsObject("three"_ns));
-  EXPECT_FALSE(array.containsObject(nullptr));
-  const NSEnumerator enumerator = array.objectEnumerator();
-  for (NSUInteger i = 0; i < 3; ++i) EXPECT_EQ(enumerator.nextObject(), array.objectAtIndex(i));
-  for (int i = 0; i < 2; ++i) EXPECT_FALSE(enumerator.nextObject());
-}
-
 TEST_F(ArrayTest, RetainsWhatItHoldsAndEnumeratorsRetainIt) {
   Retained<NSEnumerator> enumerator;
   {

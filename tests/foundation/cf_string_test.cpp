@@ -69,15 +69,6 @@ TEST_F(CFStringTest, StrictUtf8) {
   for (const std::u16string& units : unpaired) EXPECT_EQ(toBytes(units, kCFStringEncodingUTF8), "<refused>");
 }
 
-TEST_F(CFStringTest, CStrings) {
-  const auto create = [](const char* text, CFStringEncoding encoding) {
-    return unitsOf(CFStringCreateWithCString(kCFAllocatorDefault, text, encoding));
-  };
-  EXPECT_EQ(create("\xEF\xBB\xBFtext", kCFStringEncodingUTF8), u"text");
-  EXPECT_EQ(create("caf\xE9", kCFStringEncodingUTF8), u"<null>");
-  EXPECT_EQ(create("caf\x8E", kCFStringEncodingMacRoman), u"caf\u00E9");
-}
-
 TEST_F(CFStringTest, SingleByteEncodings) {
   std::string all;
   for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);

@@ -77,19 +77,6 @@ TEST(Dictionary, RefusesNilAndChangesToImmutableOnes) {
   EXPECT_EQ(dictionary.count(), 0U);
 }
 
-TEST(Dictionary, EqualsWhatHasTheSameEntriesInAnyOrder) {
-  const auto one = NSDictionary::dictionaryWithObjects(NSArray::arrayWithObjects({number(1), number(2)}),
-                                                       NSArray::arrayWithObjects({"a"_ns, "b"_ns}));
-  const auto other = NSMutableDictionary::dictionary();
-  other.setObject(NSNumber::numberWithLongLong(2), "b"_ns);
-  EXPECT_FALSE(one.isEqual(other));
-  other.setObject(number(1), "a"_ns);
-  EXPECT_TRUE(one.isEqual(other) && other.isEqual(one));
-  EXPECT_EQ(one.hash(), other.hash());
-  other.setObject(number(3), "a"_ns);
-  EXPECT_FALSE(one.isEqual(other));
-}
-
 TEST(Dictionary, CopiesStandAlone) {
   const auto original = NSMutableDictionary::dictionary();
   original.setObject(number(1), "a"_ns);

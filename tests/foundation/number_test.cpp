@@ -14,32 +14,6 @@ namespace {
 
 using Number = NSNumber;
 
-TEST(Numbers, KeepTheEncodingTheyWereMadeWith) {
-  const struct {
-    NSNumber number;
-    const char* type;
-    const char* description;
-  } rows[] = {
-      {Number::numberWithBool(true), "c", "1"},
-      {Number::numberWithChar('A'), "c", "65"},
-      {Number::numberWithUnsignedChar(200), "C", "200"},
-      {Number::numberWithShort(-300), "s", "-300"},
-      {Number::numberWithUnsignedShort(65535), "S", "65535"},
-      {Number::numberWithInt(INT_MIN), "i", "-2147483648"},
-      {Number::numberWithUnsignedInt(UINT_MAX), "I", "4294967295"},
-      {Number::numberWithLong(-7), "l", "-7"},
-      {Number::numberWithUnsignedLong(7), "L", "7"},
-      {Number::numberWithLongLong(LLONG_MIN), "q", "-9223372036854775808"},
-      {Number::numberWithUnsignedLongLong(ULLONG_MAX), "Q", "18446744073709551615"},
-      {Number::numberWithFloat(0.1F), "f", "0.1"},
-      {Number::numberWithDouble(0.1), "d", "0.1"},
-  };
-  for (const auto& row : rows) {
-    EXPECT_STREQ(row.number.objCType(), row.type) << row.description;
-    EXPECT_STREQ(row.number.description().UTF8String(), row.description);
-  }
-}
-
 TEST(Numbers, AreCutOrRoundedToWhatTheTypeHolds) {
   const auto wide = Number::numberWithLongLong(0x7654'3210'89AB'CDEF);
   EXPECT_TRUE(Number::numberWithInt(256).boolValue());

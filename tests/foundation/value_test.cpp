@@ -1,5 +1,6 @@
 #include "platform/foundation/value.h"
 
+#include "platform/foundation/data.h"
 #include "platform/foundation/number.h"
 #include "tests/foundation/raised.h"
 
@@ -63,6 +64,11 @@ TEST(Value, BoxesTheBytesOfAnyStructure) {
     copied.pop_back();
     EXPECT_EQ(copied, bytes) << row.type;
   }
+}
+
+TEST(Value, OfDataIsDescribedByItsBytes) {
+  EXPECT_STREQ(NSData::dataWithBytes("a\0c\xFF\x65", 5).description().UTF8String(), "<610063ff 65>");
+  EXPECT_STREQ(NSData::dataWithBytes(nullptr, 0).description().UTF8String(), "<>");
 }
 
 TEST(Value, RefusesEncodingsItDoesNotUnderstand) {
