@@ -45,23 +45,15 @@ TEST(SearchElement, ComparesAsHostCodeAsks) {
   const Search searches[] = {
       {"First", "", "", "Ada", "kABEqual", "[p1:ABPerson]"},
       {"First", "", "", "Ada", "kABNotEqual", "[p2:ABPerson p3:ABPerson]"},
-      {"First", "", "", "Emmy", "kABGreaterThanOrEqual", "[p2:ABPerson p3:ABPerson]"},
-      {"First", "", "", "aDA", "kABEqualCaseInsensitive", "[p1:ABPerson]"},
-      {"Nickname", "", "", "grace", "kABContainsSubString", "[]"},
       {"Nickname", "", "", "amaz", "kABPrefixMatchCaseInsensitive", "[p2:ABPerson]"},
       {"ABPersonFlags", "", "", 1, "kABBitsInBitFieldMatch", "[p2:ABPerson]"},
-      {"First", "", "", "m", "kABDoesNotContainSubString", "[p1:ABPerson p2:ABPerson]"},
-      {"Nickname", "", "", "LOVELACE", "kABSuffixMatchCaseInsensitive", "[p1:ABPerson]"},
       {"Birthday", "", "", 365000 * kDay, "kABWithinIntervalAroundToday", "[p1:ABPerson]"},
-      {"Birthday", "", "", 365000 * kDay, "kABWithinIntervalFromToday", "[]"},
-      {"Birthday", "", "", 366 * kDay, "kABWithinIntervalFromTodayYearless", "[p1:ABPerson]"},
       {"Birthday", "", "", 366 * kDay, "kABNotWithinIntervalFromTodayYearless", "[p2:ABPerson p3:ABPerson]"},
       {"Birthday", "", "", host::date(1900, 1, 1), "kABLessThan", "[p1:ABPerson]"},
       // Entries of multi-values, by label; parts of addresses, by key.
       {"Email", "", "", "ada@example.org", "kABEqualCaseInsensitive", "[p1:ABPerson p2:ABPerson]"},
       {"Email", "_$!<Work>!$_", "", "ada@example.org", "kABEqualCaseInsensitive", "[p2:ABPerson]"},
       {"Address", "_$!<Work>!$_", "City", "London", "kABEqual", "[p3:ABPerson]"},
-      {"Address", "", "Country", "Ontario", "kABEqual", "[p3:ABPerson]"},
   };
   for (const Search& search : searches) {
     SCOPED_TRACE(std::string(search.property) + " " + search.comparison);

@@ -53,14 +53,8 @@ TEST(Dictionaries, ReachTheHostEntryByEntry) {
   const Host host{};
   const NSObject null = NSNull::null();
   const NSDictionary inner = dictionaryOf({{"deep"_ns, NSDictionary::dictionary()}});
-  for (const auto& [dictionary, expected] : std::vector<std::pair<NSDictionary, std::string>>{
-           {dictionaryOf({{"a"_ns, "text"_ns}, {"b"_ns, NSNumber::numberWithInt(5)}}), "{'a'='text' 'b'=Integer 5}"},
-           {dictionaryOf({{"nil"_ns, null}, {null, "key"_ns}}), "{'nil'=Nil Nil='key'}"},
-           {dictionaryOf({{"in"_ns, inner}, {"after"_ns, NSNumber::numberWithBool(true)}}),
-            "{'after'=Boolean True 'in'={'deep'={}}}"},
-       }) {
-    EXPECT_EQ(shown(converted(dictionary)), expected);
-  }
+  const NSDictionary odd = dictionaryOf({{"nil"_ns, null}, {null, "key"_ns}, {"in"_ns, inner}});
+  EXPECT_EQ(shown(converted(odd)), "{'in'={'deep'={}} 'nil'=Nil Nil='key'}");
   EXPECT_EQ(NSDictionaryRB(nullptr), nullptr);
   const host::Value dictionary = host::dictionary({});
   EXPECT_TRUE(IsDictionary(dictionary.object()));

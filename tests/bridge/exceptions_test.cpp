@@ -112,14 +112,3 @@ TEST(PlainMemory, IsClearAndLimited) {
   EXPECT_EQ(memory[15], 0);
   FreeMemoryNow(memory);
 }
-
-TEST(ObjectTests, TellTheHostsOwnKindsApart) {
-  const Host host{};
-  const host::Value block = host::memoryBlock("x");
-  EXPECT_TRUE(IsMemoryBlock(block.object()));
-  EXPECT_FALSE(IsFolderItem(block.object()));
-  EXPECT_TRUE(REALObjectIsA(host.make("Dictionary").object(), "Dictionary"));
-  EXPECT_FALSE(REALObjectIsA(block.object(), "Dictionary"));
-  EXPECT_FALSE(REALObjectIsA(block.object(), "NoSuchClass"));
-  EXPECT_FALSE(REALObjectIsA(nullptr, "Dictionary"));
-}

@@ -112,35 +112,3 @@ TEST(WrapperArrays, KeepOrderAndLength) {
   FillABGroupArray(people.get(), nullptr);
   EXPECT_EQ(host::Value::share(people.get()).size(), 2U);
 }
-
-TEST(WrapperArrays, GiveTheirObjectsBack) {
-  const Host host{.contacts = kPeopleAndGroup};
-  const auto wrapper = host::Value::adopt(NewABPersonVXR(firstPerson()));
-  const host::Value array =
-      host::array(host::ElementType::object, {wrapper, nullptr, host.make("ABRecordVXR"), wrapper});
-  auto* handle = static_cast<REALobjectArray>(static_cast<REALarray>(array.object()));
-  NSArray objects = CreateNSObjectArray(handle, false);
-  ASSERT_EQ(objects.count(), 2U);
-  EXPECT_EQ(objects.objectAtIndex(0), firstPerson());
-
-  const host::Value none = host::array(host::ElementType::object, {});
-  auto* empty = static_cast<REALobjectArray>(static_cast<REALarray>(none.object()));
-  EXPECT_TRUE(CreateNSObjectArray(empty, false));
-  EXPECT_FALSE(CreateNSObjectArray(empty, true));
-  EXPECT_FALSE(CreateNSObjectArray(nullptr, false));
-}
-
-TEST(Registry, LastRegistrationWins) {
-  const Host host{};
-  CocoaInit();
-  const auto one = adoptHost(REALnewInstance("ABRecordVXR"));
-  const auto two = adoptHost(REALnewInstance("ABRecordVXR"));
-  NSObject key = "key"_ns;
-  RegisterInstance(one.get(), key);
-  RegisterInstance(two.get(), key);
-  EXPECT_EQ(FindInstance(key), two.get());
-  RegisterInstance(one.get(), nullptr);
-  UnregisterInstance(key);
-  EXPECT_EQ(FindInstance(key), nullptr);
-  UnregisterInstance(key);
-}
