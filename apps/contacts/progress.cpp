@@ -65,7 +65,7 @@ Progress::~Progress() {
 
 void Progress::advanceTo(std::size_t done) {
   done_ = std::min(done, total_);
-  if (!isShown_) return;
+  if (!isShown_ || done_ == 0) return;
   const Clock::time_point now = Clock::now();
   if (now >= next_) draw(now);
 }
