@@ -150,7 +150,7 @@ host::Value arrayOf(std::string_view type, const std::vector<host::Value>& eleme
       {"String", host::ElementType::string},   {"Date", host::ElementType::date},
   };
   for (const auto& [name, code] : kTypes) {
-    const auto isOfType = [&](const host::Value& each) { return each.typeName() == name; };
+    const auto isOfType = [expected = name](const host::Value& each) { return each.typeName() == expected; };
     if (host::sameName(name, type) && std::ranges::all_of(elements, isOfType)) return host::array(code, elements);
   }
   return host::objectArray(elements);
