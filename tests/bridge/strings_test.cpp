@@ -77,6 +77,11 @@ TEST(Strings, AreReadWhereTheHostMakesNoFoundationString) {
   expectTheirTexts();
 }
 
+TEST(Strings, AreCopiedWhereTheHostHasNoStringData) {
+  const Host host{.without = {"REALGetStringCFString", "PluginGetStringData"}};
+  expectTheirTexts();
+}
+
 TEST(Strings, OfOlderHostsAreReadInPlace) {
   const Host host{.version = 2012.9, .without = {"REALGetStringCFString", "PluginGetStringData"}};
   expectTheirTexts();

@@ -83,8 +83,9 @@ TEST(VariantsToFoundation, GoByTheirTypeCodeAndPropertyValuesToo) {
   EXPECT_FALSE(NewValue(host::memoryBlock("abc").object(), kABStringProperty));
 }
 
-TEST(VariantsToFoundation, LeaveOutElementsWithoutCounterpart) {
-  const Host host{};
+namespace {
+
+void expectElements() {
   const host::Value date = host::date(2012, 7, 14, 12);
   const host::Value inner = host::objectArray({1, nullptr, "x"});
   struct Case {
@@ -109,7 +110,19 @@ TEST(VariantsToFoundation, LeaveOutElementsWithoutCounterpart) {
     EXPECT_TRUE(full.isKindOfClass("NSMutableArray"_class) && empty.isKindOfClass("NSMutableArray"_class));
     EXPECT_FALSE(NewValue(host::array(given.type, given.elements).object(), 0));
   }
-  const host::Value dates = host::array(ElementType::date, {date});
+}
+
+}  // namespace
+
+TEST(VariantsToFoundation, ReadElementsFromStorageWhereTheHostHasNoGetters) {
+  const Host host{.without = {"RuntimeArrayDirectGetGetProc"}};
+  expectElements();
+}
+
+TEST(VariantsToFoundation, LeaveOutElementsWithoutCounterpart) {
+  const Host host{};
+  expectElements();
+  const host::Value dates = host::array(ElementType::date, {host::date(2012, 7, 14, 12)});
   host::options().without = {"Date.Minute"};
   EXPECT_EQ(shown(converted(dates)), "[]");
 }

@@ -5,7 +5,6 @@
 
 #include <csignal>
 #include <cstdint>
-#include <thread>
 
 #include <sys/time.h>
 
@@ -22,20 +21,6 @@ TEST(Gestalt, SharesAddressesUnderASelector) {
     EXPECT_EQ(value, shared);
   }
   EXPECT_EQ(Gestalt(kSelector, nullptr), paramErr);
-}
-
-TEST(Gestalt, IsSafeBetweenThreads) {
-  const auto share = [](OSType first) {
-    for (OSType selector = first; selector < first + 200; ++selector) {
-      SetGestaltValue(selector, static_cast<std::intptr_t>(selector));
-      std::intptr_t value = 0;
-      Gestalt(selector, &value);
-      EXPECT_EQ(value, static_cast<std::intptr_t>(selector));
-    }
-  };
-  std::thread other(share, 1000);
-  share(2000);
-  other.join();
 }
 
 TEST(Time, CountsMillisecondsUpAndMicrosecondsDown) {
