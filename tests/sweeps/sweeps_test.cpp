@@ -41,10 +41,6 @@ void* failingAllocateClearMemory(std::int64_t size) {
 
 namespace {
 
-constexpr const char* kClasses[] = {"ABSearchElementVXR", "ABRecordVXR",     "ABPersonVXR",
-                                    "ABGroupVXR",         "ABMultiValueVXR", "ABMutableMultiValueVXR",
-                                    "ABPickerVXR",        "ABAddressBookVXR"};
-
 bool openNothing(NSWorkspace, NSURL) { return true; }
 
 // Without logs, windows, programs and disk, and with host code for the book's event.
