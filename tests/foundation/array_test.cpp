@@ -30,14 +30,4 @@ TEST_F(ArrayTest, NilAndPositionsBeyondTheEndRaise) {
   EXPECT_EQ(array.count(), 0U);
 }
 
-TEST_F(ArrayTest, EqualsByElements) {
-  const NSArray array = NSArray::arrayWithObject("a"_ns);
-  const NSMutableArray other = NSMutableArray::array();
-  EXPECT_FALSE(array.isEqual(other));
-  other.addObject(NSString::stringWithUTF8String("a"));
-  EXPECT_TRUE(array.isEqual(other));
-  EXPECT_EQ(array.hash(), other.hash());
-  EXPECT_FALSE(array.isEqual("a"_ns));
-}
-
 }  // namespace

