@@ -20,19 +20,16 @@ extern const Failure kSendThrows;  // what is no NSException
 
 // How a call ended, in words that don't hold on to anything.
 struct Outcome {
-  std::string result;                 // as the bridge's tests write values
-  std::vector<std::string> elements;  // of an array
-  std::string pending;                // the host exception
-  std::string thrown;                 // what passed through
-  bool hasFailed = false;             // the failure came about
+  std::string result = {};                 // as the bridge's tests write values
+  std::vector<std::string> elements = {};  // of an array
+  std::string pending = {};                // the host exception
+  std::string thrown = {};                 // what passed through
+  bool hasFailed = false;                  // the failure came about
 };
-
-// Makes the call. Adds a test failure when host or framework objects or entries of the registry are left over.
-Outcome outcomeOf(const MemberCall& call, const Failure* failure = nullptr, int nth = 0);
 
 // The calls of all classes that plug-ins registered, in that order.
 std::vector<MemberCall> callsOfAll();
-// Their outcomes.
+// Their outcomes. Adds a test failure for host and framework objects and entries of the registry that are left over.
 std::vector<Outcome> outcomesOfAll();
 
 // Each outcome on a host or a framework that lacks something, beside that on one that doesn't. The framework may refuse

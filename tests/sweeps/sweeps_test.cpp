@@ -14,11 +14,12 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <cstdlib>
-#include <filesystem>
 
 // Stands before the plug-in's own; the linker's option "wrap" names them.
 #define ALLOCATE_CLEAR_MEMORY "_Z19AllocateClearMemory" SIZE_LETTER
@@ -30,9 +31,7 @@
 void* allocateClearMemory(std::int64_t size) __asm__("__real_" ALLOCATE_CLEAR_MEMORY);
 void* failingAllocateClearMemory(std::int64_t size) __asm__("__wrap_" ALLOCATE_CLEAR_MEMORY);
 
-namespace {
-int allocationsToFailure = 0;
-}  // namespace
+static int allocationsToFailure = 0;
 
 void* failingAllocateClearMemory(std::int64_t size) {
   if (allocationsToFailure > 0 && --allocationsToFailure == 0) return nullptr;
@@ -43,15 +42,18 @@ namespace {
 
 bool openNothing(NSWorkspace, NSURL) { return true; }
 
-// Without logs, windows, programs and disk, and with host code for the book's event.
-Host sweptHost(const std::vector<std::string>& without = {}) {
-  setenv("TERM", "unknown", 1);
-  if (std::filesystem::exists("/dev/shm")) setenv("TMPDIR", "/dev/shm", 1);
-  return {.contacts = sweptCards(), .without = without, .yield = [] {}};
-}
+// No windows, and no disk where there is memory to hold the cards.
+struct Surroundings {
+  Surroundings() {
+    setenv("TERM", "unknown", 1);
+    if (access("/dev/shm", W_OK) == 0) setenv("TMPDIR", "/dev/shm", 1);
+  }
+};
 
-struct Sweeping {
-  explicit Sweeping(const std::vector<std::string>& without = {}) : host(sweptHost(without)) {
+// A host without logs and programs, and with host code for the book's event.
+struct Sweeping : Surroundings {
+  explicit Sweeping(const std::vector<std::string>& without = {})
+      : host{.contacts = sweptCards(), .without = without, .yield = [] {}} {
     NSSetLogHook([](NSString) {});
     objc::ClassBuilder(Class("NSWorkspace")).method<&openNothing>("openURL:");
     host::handleClassEvent("ABAddressBookVXR", "DatabaseChanged", [](const auto&...) {});
@@ -59,10 +61,6 @@ struct Sweeping {
 
   Host host;
 };
-
-const std::vector<std::string> kProbed{"addRecord:error:",    "callStackSymbols",    "defaultCountryCode",
-                                       "defaultNameOrdering", "isReadOnly",          "recordClassFromUniqueId:",
-                                       "removeRecord:error:", "saveAndReturnError:", "setValue:forProperty:error:"};
 
 // Entries that a host can't be without: nothing would be given back, or no class be there. All else it may lack.
 std::vector<std::string> namesToMiss() {
@@ -110,7 +108,10 @@ INSTANTIATE_TEST_SUITE_P(TheHosts, MembersWithout, testing::ValuesIn(namesToMiss
                          [](const auto& tested) { return tested.param; });
 
 class MembersWithoutSelector : public testing::TestWithParam<std::string> {};
-INSTANTIATE_TEST_SUITE_P(TheFrameworks, MembersWithoutSelector, testing::ValuesIn(kProbed),
+INSTANTIATE_TEST_SUITE_P(TheFrameworks, MembersWithoutSelector,
+                         testing::Values("addRecord:error:", "callStackSymbols", "defaultCountryCode",
+                                         "defaultNameOrdering", "isReadOnly", "recordClassFromUniqueId:",
+                                         "removeRecord:error:", "saveAndReturnError:", "setValue:forProperty:error:"),
                          [](const auto& tested) { return testName(tested.param); });
 
 }  // namespace
