@@ -73,7 +73,7 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
   const bool wasOverlaid = !overlay_.empty();
   if (folder_.follow()) names = nullptr;
   const FolderLock reading = settle();
-  if (wasOverlaid || !overlay_.empty()) names = nullptr;
+  if (wasOverlaid || !overlay_.empty() || isBehind_) names = nullptr;
   std::vector<CardChange> changes = readFiles(names);
   changes.insert(changes.begin(), untold_.begin(), untold_.end());
   untold_.clear();
@@ -233,6 +233,7 @@ Database::FoundFile Database::parse(const std::string& name, FileContents conten
 
 // Cards keep their ids when they move from one file to another, whatever the order in which the files are looked at.
 std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
+  isBehind_ = true;
   std::unordered_map<std::string, StoredCardPointer> gone;
   std::vector<std::string> goneIds;
   for (const FoundFile& file : found) {
@@ -277,6 +278,7 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   for (const std::string& id : goneIds) {
     if (auto left = gone.find(id); left != gone.end()) changes.push_back({left->second, nullptr});
   }
+  isBehind_ = false;
   return changes;
 }
 

@@ -105,6 +105,7 @@ class Database {
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
   std::vector<CardChange> untold_;  // found by saves that failed
+  bool isBehind_ = false;           // of what it has read or saved itself: memory was short
   std::set<std::string> logged_;
   std::string me_;
 };

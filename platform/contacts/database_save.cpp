@@ -55,16 +55,16 @@ std::optional<SaveResult> DatabaseSave::saveOnce() {
     prepare(isOther);
     for (const CardUpdate& update : request_.updates) place(update);
     write();
-    if (isUndisturbed()) {
-      if (!steps_.empty()) commitJournal(folder, steps_);
-      return finish();
+    if (!isUndisturbed()) {
+      dropTemporaries();
+      return std::nullopt;
     }
+    if (!steps_.empty()) commitJournal(folder, steps_);
   } catch (...) {
     dropTemporaries();
     throw;
   }
-  dropTemporaries();
-  return std::nullopt;
+  return finish();
 }
 
 // Finishes what a save that ended in the middle left, and removes what one left that never came to its end.
@@ -75,7 +75,7 @@ void DatabaseSave::prepare(bool isOtherFolder) {
   database_.finishPending();
   const bool wasOverlaid = !database_.overlay_.empty();
   database_.overlay_.clear();
-  if (isOtherFolder || wasOverlaid) lookEverywhere();
+  if (isOtherFolder || wasOverlaid || database_.isBehind_) lookEverywhere();
   for (const std::string& name : namesIn(folder.data())) {
     if (isTemporaryName(name)) removeFileQuietly(folder.data(), name);
   }
@@ -87,9 +87,10 @@ void DatabaseSave::lookEverywhere() {
   foreign_.insert(foreign_.end(), changes.begin(), changes.end());
 }
 
-// Where others have moved the card, it is changed there; where they have removed it, a change makes it anew.
+// Where others have moved the card, it is changed there; where they have removed it, a change makes it anew. A new one
+// may be in the folder since a save that couldn't be taken over.
 void DatabaseSave::place(const CardUpdate& update) {
-  if (update.card->database != nullptr) {
+  if (update.card->database != nullptr || database_.byId_.contains(update.card->uniqueId())) {
     if (placeIn(*update.card, update)) return;
     if (!hasLookedEverywhere_) lookEverywhere();
     auto found = database_.byId_.find(update.card->uniqueId());
@@ -211,8 +212,9 @@ void DatabaseSave::dropTemporaries() {
   steps_.clear();
 }
 
-// The save has happened, whatever comes now.
+// The save has happened, whatever comes now. Where memory is short, it is found in the folder later.
 SaveResult DatabaseSave::finish() {
+  database_.isBehind_ = true;
   SaveResult result;
   try {
     if (!steps_.empty()) applyJournal(database_.folder_, steps_);

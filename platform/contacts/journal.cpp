@@ -145,7 +145,7 @@ void commitJournal(const Folder& folder, const std::vector<JournalStep>& steps) 
     renameFile(folder.data(), temporary, folder.data(), kJournalFile);
     isThere = true;
     syncFolder(folder.data());
-  } catch (const FileError&) {
+  } catch (...) {
     // Whether it would be found after a crash nobody knows. Taken away it won't be; a journal that can't be taken away
     // stands, and the save has happened.
     if (!removeFileQuietly(folder.data(), kJournalFile) && isThere) return;

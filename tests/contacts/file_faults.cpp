@@ -77,8 +77,8 @@ ino_t inodeIn(int folder, const char* name) {
   return inode;
 }
 
-void record(Call call) {
-  if (isOn) seen.calls.push_back(std::move(call));
+void record(const char* name, ino_t file, ino_t folder, const char* fileName = "") {
+  if (isOn) seen.calls.push_back({name, file, folder, fileName});
 }
 
 using LookAt = int (*)(int, const char*, struct stat*, int);
@@ -121,7 +121,7 @@ int openat(int folder, const char* name, int flags, ...) {
   const bool makes = (flags & O_CREAT) != 0;
   const int file = faulty(
       "openat", makes, [&] { return static_cast<int>(syscall(SYS_openat, folder, name, flags | O_LARGEFILE, mode)); });
-  if (makes && file >= 0) record({"creat", inodeOf(file), inodeOf(folder), name});
+  if (makes && file >= 0) record("creat", inodeOf(file), inodeOf(folder), name);
   return file;
 }
 
@@ -133,7 +133,7 @@ ssize_t write(int file, const void* bytes, size_t size) {
   using namespace file_faults;
   auto call = [&](std::size_t length) { return static_cast<ssize_t>(syscall(SYS_write, file, bytes, length)); };
   if (file <= STDERR_FILENO) return call(size);
-  record({"write", inodeOf(file), 0, {}});
+  record("write", inodeOf(file), 0);
   if (fault && fault->effect == Fault::Effect::kShortWrite) {
     return call(isHit("write", false) ? std::max<std::size_t>(size / 2, 1) : size);
   }
@@ -143,7 +143,7 @@ ssize_t write(int file, const void* bytes, size_t size) {
 int fsync(int file) {
   using namespace file_faults;
   const int result = faulty("fsync", false, [&] { return static_cast<int>(syscall(SYS_fsync, file)); });
-  if (result == 0) record({"fsync", inodeOf(file), 0, {}});
+  if (result == 0) record("fsync", inodeOf(file), 0);
   return result;
 }
 
@@ -162,11 +162,11 @@ int fstatat(int folder, const char* name, struct stat* status, int flags) noexce
 
 int renameat2(int fromFolder, const char* from, int toFolder, const char* to, unsigned flags) noexcept {
   using namespace file_faults;
-  const Call call{"renameat", inodeIn(fromFolder, from), inodeOf(toFolder), to};
+  const ino_t inode = inodeIn(fromFolder, from);
   const int result = faulty("renameat", true, [&] {
     return static_cast<int>(syscall(SYS_renameat2, fromFolder, from, toFolder, to, flags));
   });
-  if (result == 0) record(call);
+  if (result == 0) record("renameat", inode, inodeOf(toFolder), to);
   return result;
 }
 
@@ -178,7 +178,7 @@ int unlinkat(int folder, const char* name, int flags) noexcept {
   using namespace file_faults;
   const int result =
       faulty("unlinkat", true, [&] { return static_cast<int>(syscall(SYS_unlinkat, folder, name, flags)); });
-  if (result == 0) record({"unlinkat", 0, inodeOf(folder), name});
+  if (result == 0) record("unlinkat", 0, inodeOf(folder), name);
   return result;
 }
 
@@ -186,7 +186,7 @@ int mkdirat(int folder, const char* name, mode_t mode) noexcept {
   using namespace file_faults;
   const int result =
       faulty("mkdirat", true, [&] { return static_cast<int>(syscall(SYS_mkdirat, folder, name, mode)); });
-  if (result == 0) record({"mkdirat", 0, inodeOf(folder), name});
+  if (result == 0) record("mkdirat", 0, inodeOf(folder), name);
   return result;
 }
 

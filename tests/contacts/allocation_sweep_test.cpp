@@ -1,0 +1,103 @@
+#include "tests/contacts/in_child.h"
+#include "tests/contacts/store_scenarios.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <new>
+#include <optional>
+#include <string>
+
+// The Nth allocation of a save fails, or all from there on: what is found is all old or all new, and a later save
+// brings it to its end.
+namespace {
+
+using namespace store_scenarios;
+
+// On this thread, while it is armed.
+struct Failure {
+  int left = -1;  // allocations that still succeed; negative when not armed
+  bool isSticky = false;
+  bool isHit = false;
+};
+thread_local Failure failure;
+
+bool fails() {
+  if (failure.left < 0 || failure.left-- > 0) return false;
+  failure.isHit = true;
+  failure.left = failure.isSticky ? 0 : -1;
+  return true;
+}
+
+class AllocationSweep : public testing::TestWithParam<std::size_t> {};
+
+// "saved", "failed", or "thrown"; with a hash sign when no allocation failed.
+std::string saveShortOfMemory(ABAddressBook book, int at, bool isSticky) {
+  std::string answer = "thrown";
+  failure = {at, isSticky, false};
+  try {
+    const bool isSaved = book.save();
+    failure.left = -1;
+    answer = isSaved ? "saved" : "failed";
+  } catch (const std::bad_alloc&) {
+    failure.left = -1;
+  }
+  return failure.isHit ? answer : answer + "#";
+}
+
+TEST_P(AllocationSweep, LosesNothing) {
+  useMemory();
+  const ContactsFolder folder;
+  const Scenario& scenario = kScenarios[GetParam()];
+  fill(folder.path());
+  const std::string before = stateFound();
+  std::string after;
+  auto run = [&](int at, bool isSticky, bool isTwice) {
+    fill(folder.path());
+    return answerOfChild([&] {
+      const ABAddressBook book = ABAddressBook::addressBook();
+      scenario.edit(book);
+      const std::string answer = saveShortOfMemory(book, at, isSticky);
+      // What is thrown on telling others of the save comes after it.
+      if (!answer.starts_with("thrown")) {
+        EXPECT_EQ(book.hasUnsavedChanges(), answer.starts_with("failed"));
+      }
+      EXPECT_TRUE(!isTwice || book.save());
+      return answer;
+    });
+  };
+  run(1'000'000, false, false);
+  after = stateFound();
+  ASSERT_NE(before, after);
+
+  int hits = 0;
+  const int stride = isTorture() ? 1 : 41;
+  for (const bool isSticky : {false, true}) {
+    for (int at = isSticky ? 3 : 0;; at += stride) {
+      SCOPED_TRACE(std::string(scenario.name) + (isSticky ? ", from allocation " : ", at allocation ") +
+                   std::to_string(at));
+      const auto [status, answer] = run(at, isSticky, false);
+      EXPECT_EQ(status, 0);
+      const std::string found = stateFound();
+      EXPECT_TRUE(found == after || (found == before && !answer.starts_with("saved"))) << answer << "\n" << found;
+      EXPECT_EQ(run(at, isSticky, true).first, 0);
+      EXPECT_EQ(stateFound(), after);
+      if (answer.ends_with('#')) break;
+      ++hits;
+    }
+  }
+  EXPECT_GT(hits, 5);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, AllocationSweep, testing::Range(std::size_t{0}, kCount));
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+  void* memory = fails() ? nullptr : std::malloc(size == 0 ? 1 : size);
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
