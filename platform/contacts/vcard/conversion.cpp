@@ -49,9 +49,11 @@ void appendWithBreaks(std::string& text, std::string_view raw) {
   while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
 }
 
-// Whether the line ends in a soft break because the card does: it would take in a line put behind it.
+// Whether the line ends in a soft break because the card does, or would when it is written without an empty line that
+// it goes on with: it would take in the line behind it.
 bool endsInSoftBreak(const Line& line) {
-  return withoutBreak(line.raw()).ends_with('=') && isQuotedPrintable(line.content());
+  const bool isOpen = withoutBreak(line.raw()).ends_with('=') || line.content().ends_with('=');
+  return isOpen && isQuotedPrintable(line.content());
 }
 
 // A line whose meaning is left alone.
