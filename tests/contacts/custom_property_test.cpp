@@ -119,7 +119,7 @@ TEST_F(CustomProperties, KeepValuesOfEveryType) {
     for (NSInteger type = 1; type <= 8; ++type) {
       const NSObject value = values[type - 1];
       EXPECT_TRUE(person->setValue(value, nameOf(type)));
-      const auto entries = Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
+      const auto entries = newMultiValue();
       entries->addValue(value, kABHomeLabel);
       entries->setPrimaryIdentifier(entries->addValue(value, "a label"_ns));
       EXPECT_TRUE(person->setValue(entries.get(), nameOf(type | kABMultiValueMask)));

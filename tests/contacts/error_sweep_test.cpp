@@ -38,82 +38,46 @@ std::string textOf(const Fault& fault) {
   return effect + (fault.isSticky ? " from" : " at") + " call " + std::to_string(fault.at);
 }
 
-// A process that saves twice, the first time with the fault, and waits in between.
-class Saver {
- public:
-  Saver(void (*edit)(ABAddressBook), const Fault& fault, bool faultsFromStart) {
-    if (pipe(toParent_) != 0 || pipe(toChild_) != 0) std::abort();
-    std::fflush(nullptr);
-    const bool hadFailed = testing::Test::HasFailure();
-    child_ = fork();
-    if (child_ != 0) return;
-    run(edit, fault, faultsFromStart);
-    std::fflush(nullptr);
-    _exit(testing::Test::HasFailure() && !hadFailed ? 1 : 0);
-  }
-  Saver(const Saver&) = delete;
-  Saver& operator=(const Saver&) = delete;
-  ~Saver() {
-    int status = -1;
-    waitpid(child_, &status, 0);
-    EXPECT_EQ(status, 0);
-    for (const int end : {toParent_[0], toParent_[1], toChild_[0], toChild_[1]}) close(end);
-  }
+bool save(ABAddressBook book) {
+  NSError error;
+  const bool isSaved = book.save(&error);
+  if (isSaved) return true;
+  const std::string reason = shown(error.localizedDescription());
+  EXPECT_EQ(shown(error.domain()), "ABAddressBookErrorDomain");
+  EXPECT_EQ(error.code(), 0);
+  EXPECT_TRUE(reason.starts_with("the address book can't be saved: ")) << reason;
+  EXPECT_NE(error.userInfo().objectForKey(NSUnderlyingErrorKey).as<NSError>().code(), 0) << reason;
+  return false;
+}
 
-  // "saved", "failed", or "unopened"; with a hash sign when the fault was never met.
-  std::string answer() const {
-    char text[64];
-    const ssize_t length = read(toParent_[0], text, sizeof text);
-    return {text, length < 0 ? 0 : static_cast<std::size_t>(length)};
-  }
-  void goOn() const { EXPECT_EQ(write(toChild_[1], "x", 1), 1); }
-
- private:
-  void run(void (*edit)(ABAddressBook), const Fault& fault, bool faultsFromStart) const {
-    const AutoreleasePool pool;
-    std::string answer = "unopened";
+// What becomes of a process's save with the fault: "saved", "failed", or "unopened"; with a hash sign when the fault
+// was never met. Where it saves again, without the fault, that has to do.
+std::string answerTo(const Fault& fault, void (*edit)(ABAddressBook), bool faultsFromStart, bool savesAgain) {
+  const auto [status, answer] = answerOfChild([&] {
+    std::string text = "unopened";
     ABAddressBook book;
     if (faultsFromStart) file_faults::start(fault);
     try {
       book = ABAddressBook::addressBook();
       edit(book);
       if (!faultsFromStart) file_faults::start(fault);
-      answer = save(book) ? "saved" : "failed";
+      text = save(book) ? "saved" : "failed";
     } catch (const NSException& exception) {
       EXPECT_NE(shown(exception.reason()).find("contacts folder"), std::string::npos);
     }
-    if (!file_faults::stop().isHit) answer += "#";
-    tell(answer);
-    char go = 0;
-    EXPECT_EQ(read(toChild_[0], &go, 1), 1);
+    if (!file_faults::stop().isHit) text += "#";
+    if (!savesAgain) return text;
     if (!book) {
       book = ABAddressBook::addressBook();
       edit(book);
     }
-    EXPECT_EQ(book.hasUnsavedChanges(), !answer.starts_with("saved"));
-    tell(save(book) ? "saved" : "failed");
-  }
-
-  static bool save(ABAddressBook book) {
-    NSError error;
-    const bool isSaved = book.save(&error);
-    if (isSaved) return true;
-    const std::string reason = shown(error.localizedDescription());
-    EXPECT_EQ(shown(error.domain()), "ABAddressBookErrorDomain");
-    EXPECT_EQ(error.code(), 0);
-    EXPECT_TRUE(reason.starts_with("the address book can't be saved: ")) << reason;
-    EXPECT_NE(error.userInfo().objectForKey(NSUnderlyingErrorKey).as<NSError>().code(), 0) << reason;
-    return false;
-  }
-
-  void tell(const std::string& text) const {
-    EXPECT_EQ(write(toParent_[1], text.data(), text.size()), static_cast<ssize_t>(text.size()));
-  }
-
-  int toParent_[2];
-  int toChild_[2];
-  pid_t child_;
-};
+    EXPECT_EQ(book.hasUnsavedChanges(), !text.starts_with("saved"));
+    EXPECT_TRUE(save(book));
+    return text;
+  });
+  EXPECT_EQ(status, 0);
+  return answer;
+}
 
 class ErrorSweep : public testing::TestWithParam<std::size_t> {
  protected:
@@ -135,19 +99,16 @@ class ErrorSweep : public testing::TestWithParam<std::size_t> {
       for (bool isHit = true; isHit; fault.at += stride) {
         SCOPED_TRACE(std::string(scenario().name) + ", " + textOf(fault));
         prepare();
-        {
-          const Saver saver(edit, fault, faultsFromStart);
-          const std::string answer = saver.answer();
-          const bool isSaved = answer.starts_with("saved");
-          isHit = !answer.ends_with('#');
-          hits += isHit ? 1 : 0;
-          const std::string found = stateFound();
-          if (after_.empty() && isSaved) after_ = found;
-          EXPECT_EQ(found, isSaved ? after_ : before_);
-          EXPECT_TRUE(isSaved || (isHit && !isHarmless(fault))) << answer;
-          saver.goOn();
-          EXPECT_EQ(saver.answer(), "saved");
-        }
+        const std::string answer = answerTo(fault, edit, faultsFromStart, false);
+        const bool isSaved = answer.starts_with("saved");
+        isHit = !answer.ends_with('#');
+        hits += isHit ? 1 : 0;
+        const std::string found = stateFound();
+        if (after_.empty() && isSaved) after_ = found;
+        EXPECT_EQ(found, isSaved ? after_ : before_);
+        EXPECT_TRUE(isSaved || (isHit && !isHarmless(fault))) << answer;
+        prepare();
+        EXPECT_EQ(answerTo(fault, edit, faultsFromStart, true), answer);
         const std::string end = stateFound();
         if (after_.empty()) after_ = end;
         EXPECT_EQ(end, after_);

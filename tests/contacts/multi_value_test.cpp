@@ -1,6 +1,5 @@
 #include "platform/contacts/multi_value.h"
 
-#include "platform/objc/retained.h"
 #include "tests/contacts/shown.h"
 #include "tests/foundation/raised.h"
 #include "tests/objc/live_objects.h"
@@ -14,12 +13,8 @@ namespace {
 
 class MultiValue : public LiveObjectsTest {};
 
-Retained<ABMutableMultiValue> made() {
-  return Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
-}
-
 TEST_F(MultiValue, KeepsEntriesInOrderUnderTheirIdentifiers) {
-  const auto value = made();
+  const auto value = newMultiValue();
   EXPECT_EQ(value->count(), 0U);
   EXPECT_FALSE(value->primaryIdentifier());
   const NSString first = value->addValue("1"_ns, "a"_ns);
@@ -41,7 +36,7 @@ TEST_F(MultiValue, KeepsEntriesInOrderUnderTheirIdentifiers) {
 }
 
 TEST_F(MultiValue, CopiesAreIndependent) {
-  const auto value = made();
+  const auto value = newMultiValue();
   const auto text = Retained<NSMutableString>::adopt("1"_ns.mutableCopy());
   value->addValue(text.get(), "a"_ns);
   text->appendString("y"_ns);
@@ -60,7 +55,7 @@ TEST_F(MultiValue, CopiesAreIndependent) {
 }
 
 TEST_F(MultiValue, RaisesForWhatIsMissing) {
-  const auto value = made();
+  const auto value = newMultiValue();
   value->addValue("1"_ns, "a"_ns);
   const std::pair<const char*, std::function<void()>> rows[] = {
       {"NSRangeException", [&] { value->insertValue("2"_ns, "b"_ns, 2); }},

@@ -9,10 +9,6 @@ namespace {
 
 class Record : public LiveObjectsTest {};
 
-Retained<ABMutableMultiValue> newMultiValue() {
-  return Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
-}
-
 NSDateComponents components(NSInteger year, NSInteger month, NSInteger day) {
   const auto made = Retained<NSDateComponents>::adopt(NSDateComponents::alloc().init());
   if (year != 0) made->setYear(year);

@@ -8,6 +8,7 @@
 #include "platform/foundation/date_components.h"
 #include "platform/foundation/dictionary.h"
 #include "platform/foundation/number.h"
+#include "platform/objc/retained.h"
 
 #include <string>
 
@@ -52,6 +53,10 @@ inline std::string shown(NSObject value) {
     text += (i == 0 ? "" : " ") + std::string(isPrimary ? "*" : "") + label + "=" + shown(multiValue.valueAtIndex(i));
   }
   return "[" + text + "]";
+}
+
+inline Retained<ABMutableMultiValue> newMultiValue() {
+  return Retained<ABMutableMultiValue>::adopt(ABMutableMultiValue::alloc().init());
 }
 
 inline std::string shown(ABRecord record, const char* property) {
