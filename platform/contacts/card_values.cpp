@@ -28,9 +28,7 @@ std::string textFromCard(std::string_view lineName, int field, const vcard::Card
   if (!place) return {};
   const std::string value = vcard::decodedValue(card.lines[*place]);
   if (field == kWholeValue) return vcard::unescape(value, card.version);
-  const std::vector<std::string> fields = vcard::splitFields(value, ';', card.version);
-  const auto index = static_cast<std::size_t>(field);
-  return index < fields.size() ? std::string(vcard::trimmed(fields[index])) : std::string();
+  return std::string(vcard::trimmed(vcard::fieldAt(value, static_cast<std::size_t>(field), ';', card.version)));
 }
 
 bool hasNameFields(const vcard::Card& card) {

@@ -14,6 +14,18 @@ bool isBase64(const std::vector<Parameter>& parameters) {
   return hasParameter(parameters, "ENCODING", "B") || hasParameter(parameters, "ENCODING", "BASE64");
 }
 
+// Of the first field; the text's size where it is the only one.
+std::size_t fieldEnd(std::string_view escaped, char separator) {
+  for (std::size_t i = 0; i < escaped.size(); ++i) {
+    if (escaped[i] == '\\') {
+      ++i;
+    } else if (escaped[i] == separator) {
+      return i;
+    }
+  }
+  return escaped.size();
+}
+
 }  // namespace
 
 std::string decodedValue(const Line& line) { return decodedValue(line, line.parameters()); }
@@ -79,17 +91,21 @@ std::string unescape(std::string_view escaped, Version version) {
 std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version) {
   std::vector<std::string> fields;
   fields.reserve(static_cast<std::size_t>(std::ranges::count(escaped, separator)) + 1);
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < escaped.size(); ++i) {
-    if (escaped[i] == '\\') {
-      ++i;
-    } else if (escaped[i] == separator) {
-      fields.push_back(unescape(escaped.substr(start, i - start), version));
-      start = i + 1;
-    }
+  while (true) {
+    const std::size_t end = fieldEnd(escaped, separator);
+    fields.push_back(unescape(escaped.substr(0, end), version));
+    if (end >= escaped.size()) return fields;
+    escaped.remove_prefix(end + 1);
   }
-  fields.push_back(unescape(escaped.substr(start), version));
-  return fields;
+}
+
+std::string fieldAt(std::string_view escaped, std::size_t index, char separator, Version version) {
+  for (; index > 0; --index) {
+    const std::size_t end = fieldEnd(escaped, separator);
+    if (end >= escaped.size()) return {};
+    escaped.remove_prefix(end + 1);
+  }
+  return unescape(escaped.substr(0, fieldEnd(escaped, separator)), version);
 }
 
 std::string escape(std::string_view text) {

@@ -22,6 +22,8 @@ std::string withUnixBreaks(std::string_view text);
 std::string unescape(std::string_view escaped, Version version);
 // The parts between unescaped separators, each unescaped.
 std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version);
+// One of them; empty when there are fewer.
+std::string fieldAt(std::string_view escaped, std::size_t index, char separator, Version version);
 
 // As version 3.0 escapes a text or one field of a structured value.
 std::string escape(std::string_view text);
