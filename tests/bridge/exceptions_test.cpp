@@ -105,10 +105,3 @@ TEST(MemoryBlocks, AreCopiesOrNothing) {
                "OutOfMemoryException: Failed to allocate a memoryblock with 3 bytes in size.");
 }
 
-TEST(PlainMemory, IsClearAndLimited) {
-  for (const std::int64_t size : {0LL, -1LL, 1LL << 31}) EXPECT_EQ(AllocateClearMemory(size), nullptr) << size;
-  auto* memory = static_cast<unsigned char*>(AllocateClearMemory(16));
-  ASSERT_NE(memory, nullptr);
-  EXPECT_EQ(memory[15], 0);
-  FreeMemoryNow(memory);
-}

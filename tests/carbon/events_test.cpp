@@ -98,9 +98,3 @@ TEST(Events, CarryParameters) {
   ReleaseEvent(event);
 }
 
-TEST(Events, RefuseWhatMeansNothing) {
-  EXPECT_EQ(CreateEvent(kCFAllocatorDefault, kClass, 1, 0, kEventAttributeNone, nullptr), paramErr);
-  EXPECT_EQ(InstallEventHandler(nullptr, handle, 0, nullptr, nullptr, nullptr), paramErr);
-  EXPECT_EQ(SendEventToEventTarget(nullptr, GetApplicationEventTarget()), paramErr);
-  EXPECT_EQ(CallNextEventHandler(nullptr, nullptr), paramErr);
-}

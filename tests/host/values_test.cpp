@@ -56,20 +56,6 @@ TEST_F(Values, InVariantsConvertAsTheLanguageDoes) {
   }
 }
 
-TEST_F(Values, AreReadOnlyAsWhatTheyAre) {
-  const Value date = host::date(2012, 7, 14);
-  std::int32_t number = 7;
-  REALstring string = nullptr;
-  auto* readInt = entry<bool(REALobject, const char*, std::int32_t*)>("REALGetPropValueInt");
-  auto* readText = entry<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString");
-  for (const char* other : {"StringValue", "Unheard"}) EXPECT_FALSE(readInt(date.object(), other, &number)) << other;
-  EXPECT_FALSE(readInt(nullptr, "Year", &number));
-  EXPECT_FALSE(readText(date.object(), "Year", &string));
-  EXPECT_EQ(number, 7);
-  auto* writeInt = entry<bool(REALobject, const char*, std::int32_t)>("REALSetPropValueInt");
-  EXPECT_FALSE(writeInt(date.object(), "Type", 1));
-}
-
 TEST_F(Values, AreKeptInDictionariesInOrder) {
   const Value dictionary = host::dictionary({{"b", 1}, {2, "two"}, {"b", 3}});
   EXPECT_EQ(dictionary.get("Count"), 2);
