@@ -46,6 +46,8 @@ class Program {
     }
     book_.call("setMe", people[42]);
     save();
+    EXPECT_EQ(towns[7].call("distributionIdentifierForProperty", "Email", people[7]),
+              people[7].call("valueForProperty", "Email").call("identifierAtIndex", 1));
   }
 
   // Edits every third person, found by searching.
