@@ -165,17 +165,6 @@ TEST_F(Files, AreNotFoundWhereThereAreNone) {
   }
 }
 
-TEST_F(Files, OfTheLongestNameAreFound) {
-  makeFile(std::string(255, 'x').c_str());
-  EXPECT_EQ(nameOf(*refInside(*refOf(folder_), std::u16string(255, u'x'))), std::u16string(255, u'x'));
-  // 255 bytes that no 255 units can tell.
-  const std::string noUtf8(255, '\xFF');
-  const auto ref = refOf(makeFile(noUtf8.c_str()));
-  HFSUniStr255 name{};
-  EXPECT_EQ(FSGetCatalogInfo(&*ref, kFSCatInfoNone, nullptr, &name, nullptr, nullptr), bdNamErr);
-  EXPECT_TRUE(refOfUrl(urlTextOf(*ref)));
-}
-
 TEST_F(Files, OfASpecAreFoundOrRefused) {
   const auto ref = refOf(makeFile("file"));
   FSSpec good{};

@@ -1,4 +1,3 @@
-#include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/sections.h"
 #include "platform/contacts/vcard/text.h"
 
@@ -9,8 +8,6 @@
 #include <utility>
 
 namespace {
-
-using namespace std::string_literals;
 
 // The sections joined by bars, cards in brackets.
 std::string sectionsOf(std::string_view file) {
@@ -102,12 +99,6 @@ TEST(VCardReader, ReadsParameters) {
     EXPECT_EQ(read, expected) << text;
     EXPECT_EQ(line.value(), "1");
   }
-}
-
-TEST(VCardReader, DecodesFilesByTheirMarks) {
-  EXPECT_EQ(vcard::decodeFile("\xFF\xFE\x42\xD8x\0y"s), "\uFFFDx");
-  EXPECT_EQ(vcard::decodeFile("\xFE\xFF\xD8\x42\0xy"s), "\uFFFDx");
-  EXPECT_EQ(vcard::decodeFile("\uFEFFBEGIN\xE4"), "BEGIN\xE4");
 }
 
 }  // namespace

@@ -124,17 +124,6 @@ TEST_F(Url, AppendsComponents) {
   }
 }
 
-TEST_F(Url, CarriesAPathOfAnyBytes) {
-  std::string path = "/";
-  for (int byte = 1; byte < 256; ++byte) path += static_cast<char>(byte);
-  const auto url = Retained<NSURL>::adopt(bridge<NSURL>(fileUrl(path)));
-  EXPECT_EQ(filePath(bridge<CFURLRef>(url.get())), path);
-  const NSURL same = urlOf(url->absoluteString().UTF8String());
-  EXPECT_TRUE(same.isEqual(url.get()));
-  EXPECT_EQ(same.hash(), url->hash());
-  EXPECT_FALSE(same.isEqual(urlOf("a:/b")));
-}
-
 TEST_F(Url, GivesThePathOfFilesOfThisComputerOnly) {
   const std::pair<const char*, const char*> cases[] = {
       {"file:///a/b/", "/a/b"},
