@@ -13,17 +13,15 @@
 #include <string_view>
 #include <utility>
 
-// Counts the sends of a selector while it lives, and raises at one of them, or throws what is no NSException.
+// Counts the sends of a selector while it lives, and raises at one of them.
 class Sends {
  public:
-  explicit Sends(std::string selector, int raiseAt = 0, bool throwForeign = false) {
+  explicit Sends(std::string selector, int raiseAt = 0) {
     watched = std::move(selector);
     raising = raiseAt;
-    foreign = throwForeign;
     seen = 0;
     objc_setSendHook([](objc::Object*, objc::Selector sent) {
       if (sel_getName(sent) != watched || ++seen != raising) return;
-      if (foreign) throw 7;
       NSException::raise("Refused"_ns, "because"_ns);
     });
   }
@@ -36,7 +34,6 @@ class Sends {
  private:
   static inline std::string watched;
   static inline int raising = 0;
-  static inline bool foreign = false;
   static inline std::atomic<int> seen{0};
 };
 

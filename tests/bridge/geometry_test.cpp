@@ -34,15 +34,10 @@ TEST(Geometry, LiesInTheHostsObjects) {
   EXPECT_EQ(NewVariantFromNSObject(NSValue::valueWithBytes(odd, "{_Odd=fff}")), nullptr);
 }
 
-TEST(Geometry, IsNothingWithoutTheFamilysClassesAndZeroOfNothing) {
+TEST(Geometry, IsNothingWithoutTheFamilysClasses) {
   const Host host{.foreignClasses = false};
-  EXPECT_EQ(NewNSRectVXR({}), nullptr);
-  EXPECT_EQ(NewNSSizeVXR({}), nullptr);
-  EXPECT_EQ(NewNSPointVXR({}), nullptr);
-  EXPECT_EQ(NewNSRangeVXR({}), nullptr);
-  EXPECT_EQ(NewVariantFromNSObject(NSValue::valueWithPoint({1, 2})), nullptr);
-  EXPECT_EQ(GetNSRect(nullptr), NSRect());
-  EXPECT_EQ(GetNSSize(nullptr), NSSize());
-  EXPECT_EQ(GetNSPoint(nullptr), NSPoint());
-  EXPECT_EQ(GetNSRange(nullptr).location + GetNSRange(nullptr).length, 0U);
+  for (const NSValue value : {NSValue::valueWithRect({}), NSValue::valueWithSize({}), NSValue::valueWithPoint({}),
+                              NSValue::valueWithRange({})}) {
+    EXPECT_EQ(NewVariantFromNSObject(value), nullptr);
+  }
 }

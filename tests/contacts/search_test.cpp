@@ -44,8 +44,6 @@ TEST_F(Search, ComparesTexts) {
   } rows[] = {
       {kABEqual, "Straße", "a"},
       {kABNotEqual, "Straße", "b c d"},
-      {kABGreaterThan, "Straße", "c"},
-      {kABEqual, "straße", ""},
       {kABEqualCaseInsensitive, "strasse", "a b"},
       {kABEqualCaseInsensitive, "οδόσ", "c"},
       {kABNotEqualCaseInsensitive, "strasse", "c d"},
@@ -210,15 +208,6 @@ TEST_F(Search, FindsDaysAroundToday) {
   }
 }
 
-TEST(Days, LieWithinASpan) {
-  const Date june{2024, 6, 1};
-  EXPECT_TRUE(vcard::isWithin({june, 0.9, true}, june));
-  EXPECT_FALSE(vcard::isWithin({june, -1, true}, june));
-  EXPECT_FALSE(vcard::isWithin({june, 400, true}, {{}, 6, 1}));
-  EXPECT_TRUE(vcard::isWithinInAnyYear({june, 400, false}, {{}, 2, 28}));
-  EXPECT_FALSE(vcard::isWithinInAnyYear({june, -1, true}, june));
-}
-
 // Against a walk over every day of the span.
 TEST(Days, LieWithinASpanAsAWalkOverItShows) {
   const Date middles[] = {{2023, 12, 31}, {2024, 1, 1}, {2024, 2, 28}, {2024, 2, 29}, {2024, 3, 1},
@@ -229,6 +218,7 @@ TEST(Days, LieWithinASpanAsAWalkOverItShows) {
       for (const bool alsoBefore : {false, true}) {
         const vcard::DaySpan span{middle, static_cast<double>(days), alsoBefore};
         EXPECT_FALSE(vcard::isWithin(span, vcard::dateOfDay(today + days + 1)));
+        EXPECT_FALSE(vcard::isWithin(span, {{}, middle.month, middle.day}));
         EXPECT_FALSE(vcard::isWithin(span, vcard::dateOfDay(today - (alsoBefore ? days : 0) - 1)));
         std::set<std::pair<int, int>> met;
         for (std::int64_t day = today - (alsoBefore ? days : 0); day <= today + days; ++day) {

@@ -77,19 +77,6 @@ TEST(Dictionary, RefusesNilAndChangesToImmutableOnes) {
   EXPECT_EQ(dictionary.count(), 0U);
 }
 
-TEST(Dictionary, CopiesStandAlone) {
-  const auto original = NSMutableDictionary::dictionary();
-  original.setObject(number(1), "a"_ns);
-  const auto copied = Retained<NSDictionary>::adopt(original.copy());
-  const auto changeable = Retained<NSMutableDictionary>::adopt(copied->mutableCopy());
-  original.removeObjectForKey("a"_ns);
-  changeable->setObject(number(3), "b"_ns);
-  EXPECT_EQ(joinedKeys(copied.get()), "a");
-  EXPECT_EQ(joinedKeys(changeable.get()), "ab");
-  EXPECT_FALSE(copied->isKindOfClass("NSMutableDictionary"_class));
-  EXPECT_TRUE(Retained<NSDictionary>::adopt(copied->copy()).get() == copied.get());
-}
-
 // Each of the sends that storing makes fails in turn: nothing is stored, lost or leaked.
 TEST(Dictionary, IsUnchangedWhenStoringFails) {
   const AutoreleasePool pool;
