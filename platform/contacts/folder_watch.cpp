@@ -35,17 +35,23 @@ void log(const std::exception& error) {
 FolderWatch::FolderWatch(std::string path, Changed changed)
     : path_(std::move(path)),
       changed_(std::move(changed)),
-      events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)),
       timer_(timerfd_create(CLOCK_MONOTONIC, TFD_NONBLOCK | TFD_CLOEXEC)) {
-  if (events_.isOpen()) {
-    eventSource_ = std::make_unique<RunLoopSource>(events_.number(), [this] { readEvents(); });
+  if (timer_.isOpen()) {
+    timerSource_ = std::make_unique<RunLoopSource>(timer_.number(), [this] { look(); });
+    setTimer(1, 0);
+  } else {
+    watch();
   }
-  if (timer_.isOpen()) timerSource_ = std::make_unique<RunLoopSource>(timer_.number(), [this] { look(); });
-  watch();
 }
 
 // Where the system refuses, or there is no folder now, the timer looks.
 void FolderWatch::watch() {
+  if (!events_.isOpen()) {
+    events_ = FileDescriptor(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    if (events_.isOpen()) {
+      eventSource_ = std::make_unique<RunLoopSource>(events_.number(), [this] { readEvents(); });
+    }
+  }
   if (events_.isOpen()) {
     auto watchOne = [this](const std::string& path, std::uint32_t events) {
       return inotify_add_watch(events_.number(), path.c_str(), events);
@@ -55,12 +61,12 @@ void FolderWatch::watch() {
     cardsWatch_ = watchOne(path_, kFileEvents | kFolderEvents);
     dataWatch_ = watchOne(path_ + "/.addressbook", IN_MOVED_TO | IN_DELETE | IN_ONLYDIR);
   }
-  setTimer(cardsWatch_ < 0);
+  setTimer(0, cardsWatch_ < 0 ? kSecondsBetweenLooks : 0);
 }
 
-void FolderWatch::setTimer(bool isOn) {
-  itimerspec time{};
-  if (isOn) time.it_value.tv_sec = time.it_interval.tv_sec = kSecondsBetweenLooks;
+// Goes off after so much, and every so many seconds; never when both are 0.
+void FolderWatch::setTimer(long firstNanoseconds, long seconds) {
+  const itimerspec time{{seconds, 0}, {seconds, firstNanoseconds}};
   if (timer_.isOpen()) timerfd_settime(timer_.number(), 0, &time, nullptr);
 }
 

@@ -10,7 +10,8 @@
 
 namespace contacts {
 
-// Watches a folder of cards from the main run loop.
+// Watches a folder of cards from the main run loop, whose first pass says that any file may have changed: nothing is
+// watched before, for programs without a loop would pay for it at their end.
 class FolderWatch {
  public:
   // Gets the names of the files that may have changed, or null when any may have. May throw FileError and FolderError.
@@ -23,7 +24,7 @@ class FolderWatch {
   void readEvents();
   void look();
   void tell(const std::set<std::string>* names);
-  void setTimer(bool isOn);
+  void setTimer(long firstNanoseconds, long seconds);
 
   std::string path_;
   Changed changed_;
