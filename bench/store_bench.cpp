@@ -239,7 +239,8 @@ void saveOne(benchmark::State& state) {
 }
 
 void forEachSize(benchmark::internal::Benchmark* benchmark) {
-  benchmark->UseManualTime()->Unit(benchmark::kMillisecond)->Arg(1'000)->Arg(10'000);
+  constexpr int kRuns = 20;
+  benchmark->UseManualTime()->Iterations(kRuns)->Unit(benchmark::kMillisecond)->Arg(1'000)->Arg(10'000);
   if (std::getenv("STORE_BENCH_LARGE") != nullptr) benchmark->Arg(100'000);
 }
 
