@@ -1,6 +1,7 @@
 #include "platform/contacts/vcard/writer.h"
 
 #include "platform/contacts/vcard/charset.h"
+#include "platform/contacts/vcard/sections.h"
 
 #include <cstddef>
 
@@ -21,9 +22,12 @@ bool isInsideCharacter(std::string_view content, std::size_t place) {
 }
 
 // The last place up to the room where a line may be broken, or else the first behind it. Not after "=", which would
-// read as a soft break where a value is quoted-printable.
+// read as a soft break where a value is quoted-printable, nor where what stands before would begin or end a card.
 std::size_t foldPlace(std::string_view content, std::size_t room) {
-  const auto isPlace = [&](std::size_t at) { return content[at - 1] != '=' && !isInsideCharacter(content, at); };
+  const auto isPlace = [&](std::size_t at) {
+    return content[at - 1] != '=' && !isInsideCharacter(content, at) &&
+           boundaryOf(content.substr(0, at)) == Boundary::kNone;
+  };
   std::size_t place = room;
   while (place > 0 && !isPlace(place)) --place;
   if (place > 0) return place;
