@@ -96,4 +96,3 @@ TEST(MemoryBlocks, AreCopiesOrNothing) {
   EXPECT_STREQ(host::takePendingException()->what(),
                "OutOfMemoryException: Failed to allocate a memoryblock with 3 bytes in size.");
 }
-

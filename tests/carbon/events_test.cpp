@@ -97,4 +97,3 @@ TEST(Events, CarryParameters) {
   }
   ReleaseEvent(event);
 }
-
