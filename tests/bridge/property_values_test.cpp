@@ -23,8 +23,8 @@ TEST(PropertyValues, ReachTheHostByKind) {
     std::string expected;
   };
   for (const Case& given : std::vector<Case>{
-           {nullptr, kABStringProperty, "Nil"},
            {""_ns, kABStringProperty, "Nil"},
+           {nullptr, kABStringProperty, "Nil"},
            {number, kABStringProperty, "Integer 2"},
            {NSNumber::numberWithInt(-7), kABRealProperty, "Double -7"},
            {NSData::dataWithBytes("", 0), kABDataProperty, "Nil"},
