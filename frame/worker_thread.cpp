@@ -16,9 +16,9 @@ namespace {
 
 struct ThreadRecord {
   pthread_t thread = 0;
-  pthread_mutex_t* mutex = nullptr;  // guards done
+  pthread_mutex_t* mutex = nullptr;  // null where there was no memory for it
   bool started = false;
-  bool done = false;
+  std::atomic<bool> done = false;
   void* context = nullptr;
   void (*workFunction)(void*) = nullptr;
   void (*idleFunction)(void*) = nullptr;
