@@ -3,6 +3,8 @@
 #include "platform/contacts/folder.h"
 #include "platform/contacts/journal.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <concepts>
 #include <cstring>
@@ -10,14 +12,14 @@
 #include <type_traits>
 #include <utility>
 
-// The file: kForm, the hash of what follows, and one entry a card file, sorted by name. Numbers have their size and
-// order in memory, which is the same in all builds; each text follows its length.
+// The file: kForm and one entry a card file, sorted by name: the hash of what follows, the name, and what was read.
+// Numbers have their size and order in memory, which is the same in all builds; each text follows its length.
 namespace contacts {
 namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 1\n";
+constexpr std::string_view kForm = "contacts cache 2\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 
 template <class Value>
@@ -38,12 +40,13 @@ class Writer {
   std::string bytes;
 };
 
-// The hash has been checked: lengths are right.
+// Bytes that end too early read as zeros.
 class Reader {
  public:
   explicit Reader(std::string_view bytes) : rest_(bytes) {}
 
   [[nodiscard]] bool isAtEnd() const { return rest_.empty(); }
+  [[nodiscard]] std::string_view rest() const { return rest_; }
   std::string_view take(std::size_t length) {
     const std::string_view taken = rest_.substr(0, length);
     rest_.remove_prefix(taken.size());
@@ -64,17 +67,18 @@ class Reader {
 
 void addCard(Writer& writer, const StoredCard& card) {
   writer.addText(card.uid);
-  writer.addText(card.text);
+  writer.addText(card.text.view());
   writer.add(card.hash);
   writer.add(card.digest);
   writer.add(card.isGroup);
 }
 
-std::shared_ptr<StoredCard> readCard(Reader& reader, std::size_t position) {
+// The text stays a part of all.
+std::shared_ptr<StoredCard> readCard(Reader& reader, const SharedText& all, std::size_t position) {
   auto card = std::make_shared<StoredCard>();
   card->position = position;
   card->uid = reader.text();
-  card->text = reader.text();
+  card->text = all.part(reader.text());
   card->hash = reader.number<std::uint64_t>();
   card->digest = reader.number<TextDigest>();
   card->isGroup = reader.number<bool>();
@@ -89,53 +93,61 @@ bool canBeKept(const CardFile& file) {
 
 }  // namespace
 
+bool hasCardCache(const Folder& folder) {
+  return folder.data() >= 0 && faccessat(folder.data(), kCacheFile, R_OK, 0) == 0;
+}
+
 CardCache::CardCache(const Folder& folder) {
-  if (folder.data() < 0) return;
+  if (!hasCardCache(folder)) return;
   std::optional<FileContents> contents = readFile(folder.data(), kCacheFile, kLargestCache);
   if (!contents || !contents->bytes.starts_with(kForm)) return;
-  bytes_ = std::move(contents->bytes);
-  Reader reader(std::string_view(bytes_).substr(kForm.size()));
-  const auto hash = reader.number<std::uint64_t>();
-  const std::string_view all = reader.text();
-  if (contentHash(all) != hash) return;
-  for (Reader entries(all); !entries.isAtEnd();) {
-    const std::string_view name = entries.text();
-    entries_.push_back({name, entries.text()});
+  bytes_ = SharedText(std::move(contents->bytes));
+  for (Reader reader(bytes_.view().substr(kForm.size())); !reader.isAtEnd();) {
+    Entry entry{};
+    entry.hash = reader.number<std::uint64_t>();
+    const std::string_view rest = reader.rest();
+    entry.name = reader.text();
+    entry.contents = reader.text();
+    entry.all = rest.substr(0, rest.size() - reader.rest().size());
+    entries_.push_back(entry);
   }
 }
 
-bool CardCache::find(std::string_view name, const FileStamp& stamp, CardFile& file, NewCards& cards) const {
-  const auto entry = std::ranges::lower_bound(entries_, name, {}, &Entry::name);
-  if (entry == entries_.end() || entry->name != name) return false;
-  Reader reader(entry->contents);
-  if (reader.number<FileStamp>() != stamp) return false;
+bool CardCache::find(std::string_view name, const FileStamp& stamp, std::size_t& place, CardFile& file,
+                     NewCards& cards) const {
+  if (place >= entries_.size() || entries_[place].name != name) {
+    place = static_cast<std::size_t>(std::ranges::lower_bound(entries_, name, {}, &Entry::name) - entries_.begin());
+  }
+  if (place == entries_.size() || entries_[place].name != name) return false;
+  const Entry& entry = entries_[place++];
+  Reader reader(entry.contents);
+  if (reader.number<FileStamp>() != stamp || contentHash(entry.all) != entry.hash) return false;
   file.stamp = stamp;
   file.isSettled = true;
   file.hash = reader.number<std::uint64_t>();
-  while (!reader.isAtEnd()) cards.push_back(readCard(reader, cards.size()));
+  while (!reader.isAtEnd()) cards.push_back(readCard(reader, bytes_, cards.size()));
   return true;
 }
 
 void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files) try {
-  Writer all;
-  Writer entry;
+  std::string cache(kForm);
   for (const auto& [name, file] : files) {
     if (!canBeKept(file)) continue;
-    entry.bytes.clear();
-    entry.add(file.stamp);
-    entry.add(file.hash);
-    for (const StoredCardPointer& card : file.cards) addCard(entry, *card);
-    all.addText(name);
-    all.addText(entry.bytes);
+    Writer contents;
+    contents.add(file.stamp);
+    contents.add(file.hash);
+    for (const StoredCardPointer& card : file.cards) addCard(contents, *card);
+    Writer entry;
+    entry.addText(name);
+    entry.addText(contents.bytes);
+    Writer hash;
+    hash.add(contentHash(entry.bytes));
+    cache += hash.bytes + entry.bytes;
   }
-  if (all.bytes.size() > static_cast<std::size_t>(kLargestCache)) return;
-  Writer cache;
-  cache.bytes = kForm;
-  cache.add(contentHash(all.bytes));
-  cache.addText(all.bytes);
+  if (cache.size() > static_cast<std::size_t>(kLargestCache)) return;
   const std::string temporary = newTemporaryName();
-  // Not durable: one that a power failure damages is seen to be.
-  writeNewFile(folder.data(), temporary, cache.bytes, 0600, Durability::kNone);
+  // Not durable: what a power failure damages is seen to be.
+  writeNewFile(folder.data(), temporary, cache, 0600, Durability::kNone);
   renameFile(folder.data(), temporary, folder.data(), kCacheFile);
 } catch (const FileError&) {
 }

@@ -24,23 +24,26 @@ class CardCache {
   CardCache() = default;
   // What the folder has.
   explicit CardCache(const Folder& folder);
-  CardCache(const CardCache&) = delete;
-  CardCache& operator=(const CardCache&) = delete;
 
   [[nodiscard]] bool isEmpty() const { return entries_.empty(); }
   // Fills in the file of that name, all but its stored cards, and its cards, as they were read when it had that stamp.
-  // False, and nothing done, when that isn't known.
-  bool find(std::string_view name, const FileStamp& stamp, CardFile& file, NewCards& cards) const;
+  // False, and nothing done, when that isn't known. place is where the search begins and then where the next name is
+  // likely to be found. Any thread.
+  bool find(std::string_view name, const FileStamp& stamp, std::size_t& place, CardFile& file, NewCards& cards) const;
 
  private:
   struct Entry {
     std::string_view name;
     std::string_view contents;
+    std::string_view all;  // both, as written
+    std::uint64_t hash;    // what all's is to be
   };
 
-  std::string bytes_;
+  SharedText bytes_;
   std::vector<Entry> entries_;  // sorted by name
 };
+
+[[nodiscard]] bool hasCardCache(const Folder& folder);
 
 // Writes the cache anew. Says nothing when that fails: the folder is as good without it.
 void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files);

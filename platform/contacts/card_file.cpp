@@ -73,13 +73,15 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, std::uint64_t has
     }
   }
   if (isWhole) {
-    stored.text = section;
+    stored.text = SharedText(std::string(section));
     return result;
   }
+  std::string text;
   for (const vcard::Line& line : card.lines) {
-    if (!isLongBinary(line)) stored.text += line.raw();
+    if (!isLongBinary(line)) text += line.raw();
   }
-  stored.text.shrink_to_fit();
+  text.shrink_to_fit();
+  stored.text = SharedText(std::move(text));
   return result;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/contacts/database.h"
 
 #include "platform/contacts/identifier.h"
+#include "platform/contacts/parallel.h"
 #include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/ascii.h"
 #include "platform/contacts/vcard/charset.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <future>
 #include <iterator>
 #include <utility>
 
@@ -23,9 +25,23 @@ bool isWorthKeeping(std::size_t read, std::size_t all) {
   return read >= kWorthwhile && read >= all / kPart;
 }
 
+// For a card without a UID, or with another one's.
+void deriveUid(StoredCard& card) {
+  card.uid = derivedIdentifier(card.fileName + "/" + std::to_string(card.position));
+  card.hasDerivedUid = true;
+}
+
+std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
+  std::vector<std::string> files;
+  std::ranges::copy_if(names, std::back_inserter(files), [](const std::string& name) { return isCardFileName(name); });
+  return files;
+}
+
 }  // namespace
 
-std::string StoredCard::fullText() const { return database == nullptr ? text : database->fullText(*this); }
+std::string StoredCard::fullText() const {
+  return database == nullptr ? std::string(text.view()) : database->fullText(*this);
+}
 
 Database::Database(std::string path) : folder_(std::move(path)) {}
 
@@ -51,7 +67,7 @@ std::string Database::me() const {
 std::string Database::fullText(const StoredCard& card) const try {
   const std::scoped_lock guard(lock_);
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, card.fileName);
-  if (!contents) return card.text;
+  if (!contents) return std::string(card.text.view());
   const std::string text = vcard::decodeFile(std::move(contents->bytes));
   std::vector<std::string_view> sections;
   for (const vcard::Section& section : vcard::splitSections(text)) {
@@ -63,9 +79,9 @@ std::string Database::fullText(const StoredCard& card) const try {
   for (const auto& found : cardsIn(text)) {
     if (found->uniqueId() == card.uniqueId()) return std::string(sections[found->position]);
   }
-  return card.text;
+  return std::string(card.text.view());
 } catch (const FileError&) {
-  return card.text;
+  return std::string(card.text.view());
 }
 
 std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
@@ -82,22 +98,20 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
   std::vector<FoundFile> found;
-  const CardCache cache = files_.empty() && names == nullptr ? CardCache(folder_) : CardCache();
-  auto lookAt = [&](const std::string& name) {
-    if (std::optional<FoundFile> file = look(name, cache)) found.push_back(*std::move(file));
-  };
-  if (names == nullptr) {
-    const std::vector<std::string> all = namesToLookAt();
-    if (files_.empty()) found.reserve(all.size());
-    std::ranges::for_each(all, lookAt);
+  if (names != nullptr) {
+    found = lookAt(cardFilesOf(*names), CardCache());
+  } else if (!files_.empty()) {
+    found = lookAt(namesToLookAt(), CardCache());
   } else {
-    for (const std::string& name : *names) {
-      if (isCardFileName(name)) lookAt(name);
-    }
+    // A large cache takes about as long to read as the names.
+    const auto policy = hasCardCache(folder_) ? std::launch::async | std::launch::deferred : std::launch::deferred;
+    std::future<CardCache> cache = std::async(policy, [this] { return CardCache(folder_); });
+    std::vector<std::string> all = fileNames();
+    found = lookAt(std::move(all), cache.get());
   }
   readData();
   const auto readCount = std::ranges::count_if(
-      found, [](const FoundFile& file) { return file.file.isSettled && !file.isCached && !file.isGone; });
+      found, [](const FoundFile& file) { return file.file.isSettled && file.state == FoundFile::State::kRead; });
   std::vector<CardChange> changes = adopt(std::move(found));
   if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.size()) && folder_.data() >= 0 && overlay_.empty()) {
     writeCardCache(folder_, files_);
@@ -107,8 +121,7 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
 
 // Of the files that are there, and of those that were.
 std::vector<std::string> Database::namesToLookAt() const {
-  std::vector<std::string> present = fileNames();
-  if (files_.empty()) return present;
+  const std::vector<std::string> present = fileNames();
   std::vector<std::string> known;
   for (const auto& [name, file] : files_) known.push_back(name);
   std::vector<std::string> names;
@@ -192,91 +205,126 @@ std::optional<FileStamp> Database::stamp(const std::string& name) const {
   return folder_.cards() < 0 ? std::nullopt : stampIn(folder_.cards(), name);
 }
 
-std::optional<Database::FoundFile> Database::look(const std::string& name, const CardCache& cache) {
+std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names, const CardCache& cache) {
+  std::vector<std::vector<FoundFile>> stretches(names.size() / kStretch + 1);
+  inStretches(names.size(), [&](std::size_t begin, std::size_t end) {
+    std::vector<FoundFile>& found = stretches[begin / kStretch];
+    if (files_.empty()) found.reserve(end - begin);
+    std::size_t place = begin;
+    for (std::size_t i = begin; i < end; ++i) {
+      FoundFile file = look(std::move(names[i]), cache, place);
+      if (file.state != FoundFile::State::kSame || !file.file.refusal.empty()) found.push_back(std::move(file));
+    }
+  });
+  std::vector<FoundFile> found;
+  found.reserve(files_.empty() ? names.size() : 0);
+  for (std::vector<FoundFile>& stretch : stretches) {
+    for (FoundFile& file : stretch) {
+      if (file.state != FoundFile::State::kSame) {
+        found.push_back(std::move(file));
+      } else {
+        logOnce(file.name + ": " + file.file.refusal + "; what it had before is kept");
+      }
+    }
+  }
+  return found;
+}
+
+Database::FoundFile Database::look(std::string name, const CardCache& cache, std::size_t& place) {
+  using State = FoundFile::State;
   auto known = files_.find(name);
   const bool isKnown = known != files_.end();
   if (!cache.isEmpty()) {
-    FoundFile found{name, false, true, {}, {}};
-    const std::optional<FileStamp> present = stamp(name);
-    if (present && cache.find(name, *present, found.file, found.cards)) return found;
+    FoundFile found{std::move(name), State::kCached, {}};
+    NewCards cards;
+    const std::optional<FileStamp> present = stamp(found.name);
+    if (present && cache.find(found.name, *present, place, found.file, cards)) {
+      addCards(found, std::move(cards));
+      return found;
+    }
+    name = std::move(found.name);
   }
-  if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return std::nullopt;
+  if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return {};
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, name);
-  if (!contents) return isKnown ? std::optional(FoundFile{name, true, false, {}, {}}) : std::nullopt;
+  if (!contents) return {std::move(name), isKnown ? State::kGone : State::kSame, {}};
   if (isKnown && known->second.refusal.empty()) {
     if (contents->error != 0) {
-      logOnce(name + ": " + contents->refusal + "; what it had before is kept");
-      return std::nullopt;
+      FoundFile kept{std::move(name), State::kSame, {}};
+      kept.file.refusal = std::move(contents->refusal);
+      return kept;
     }
     if (contents->refusal.empty() && contentHash(contents->bytes) == known->second.hash) {
       known->second.stamp = contents->stamp;
       known->second.isSettled = contents->isSettled;
-      return std::nullopt;
+      return {};
     }
   }
-  return parse(name, *std::move(contents));
+  return parse(std::move(name), *std::move(contents));
 }
 
-Database::FoundFile Database::parse(const std::string& name, FileContents contents) {
-  FoundFile found{name, false, false, {}, {}};
+Database::FoundFile Database::parse(std::string name, FileContents contents) const {
+  FoundFile found{std::move(name), FoundFile::State::kRead, {}};
   found.file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
-  if (found.file.refusal.empty()) {
-    // Text that is decoded to itself, as nearly every file's.
-    const bool isAsWritten = contents.bytes.starts_with("BEGIN");
-    found.cards = cardsIn(vcard::decodeFile(std::move(contents.bytes)),
-                          isAsWritten ? std::optional(found.file.hash) : std::nullopt);
-    if (found.cards.empty()) found.file.refusal = "is not a vCard";
-  }
-  if (!found.file.refusal.empty()) logOnce(name + ": " + found.file.refusal + "; left alone");
+  if (!found.file.refusal.empty()) return found;
+  // Text that is decoded to itself, as nearly every file's.
+  const bool isAsWritten = contents.bytes.starts_with("BEGIN");
+  addCards(found, cardsIn(vcard::decodeFile(std::move(contents.bytes)),
+                          isAsWritten ? std::optional(found.file.hash) : std::nullopt));
+  if (found.file.cards.empty()) found.file.refusal = "is not a vCard";
   return found;
+}
+
+// The file's cards.
+void Database::addCards(FoundFile& found, NewCards cards) const {
+  found.file.cards.reserve(cards.size());
+  for (std::shared_ptr<StoredCard>& card : cards) {
+    card->database = this;
+    card->fileName = found.name;
+    card->fileTime = static_cast<double>(found.file.stamp.modified) * 1e-9;
+    if (card->uid.empty()) deriveUid(*card);
+    found.file.cards.push_back(std::move(card));
+  }
 }
 
 // Cards keep their ids when they move from one file to another, whatever the order in which the files are looked at.
 std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   isBehind_ = true;
-  std::unordered_map<std::string, StoredCardPointer> gone;
-  std::vector<std::string> goneIds;
+  std::vector<StoredCardPointer> known;
   for (const FoundFile& file : found) {
-    auto known = files_.find(file.name);
-    if (known == files_.end()) continue;
-    for (const StoredCardPointer& card : known->second.cards) {
-      byId_.erase(card->uniqueId());
-      goneIds.push_back(card->uniqueId());
-      gone.emplace(goneIds.back(), card);
-    }
-    files_.erase(known);
+    auto before = files_.find(file.name);
+    if (before == files_.end()) continue;
+    known.insert(known.end(), before->second.cards.begin(), before->second.cards.end());
+    files_.erase(before);
   }
+  for (const StoredCardPointer& card : known) byId_.erase(card);
+  CardSet gone(known.begin(), known.end());
 
   std::vector<CardChange> changes;
   byId_.reserve(byId_.size() + found.size());
   for (FoundFile& file : found) {
-    if (file.isGone) continue;
-    for (const std::shared_ptr<StoredCard>& card : file.cards) {
-      card->database = this;
-      card->fileName = file.name;
-      card->fileTime = static_cast<double>(file.file.stamp.modified) * 1e-9;
-      std::string id = card->uniqueId();
-      if (card->uid.empty() || byId_.contains(id)) {
-        card->uid = derivedIdentifier(file.name + "/" + std::to_string(card->position));
-        card->hasDerivedUid = true;
-        id = card->uniqueId();
+    if (file.state == FoundFile::State::kGone) continue;
+    if (!file.file.refusal.empty()) logOnce(file.name + ": " + file.file.refusal + "; left alone");
+    for (StoredCardPointer& card : file.file.cards) {
+      if (byId_.contains(card)) {
+        auto other = std::make_shared<StoredCard>(*card);
+        deriveUid(*other);
+        card = std::move(other);
       }
       StoredCardPointer before;
-      if (auto known = gone.find(id); known != gone.end()) {
-        before = std::move(known->second);
-        gone.erase(known);
-      }
+      if (auto same = gone.find(card); same != gone.end()) before = std::move(gone.extract(same).value());
       const bool isSame = before && before->hash == card->hash && before->fileName == card->fileName &&
                           before->position == card->position;
-      StoredCardPointer after = isSame ? before : card;
-      if (!isSame) changes.push_back({before, after});
-      byId_.emplace(std::move(id), after);
-      file.file.cards.push_back(std::move(after));
+      if (isSame) {
+        card = before;
+      } else {
+        changes.push_back({std::move(before), card});
+      }
+      byId_.insert(card);
     }
-    files_.insert_or_assign(files_.end(), file.name, std::move(file.file));
+    files_.insert_or_assign(files_.end(), std::move(file.name), std::move(file.file));
   }
-  for (const std::string& id : goneIds) {
-    if (auto left = gone.find(id); left != gone.end()) changes.push_back({left->second, nullptr});
+  for (const StoredCardPointer& card : known) {
+    if (gone.contains(card)) changes.push_back({card, nullptr});
   }
   isBehind_ = false;
   return changes;

@@ -13,7 +13,6 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace contacts {
@@ -71,13 +70,18 @@ class Database {
  private:
   friend class DatabaseSave;
 
-  // A file's present state, or its absence.
+  // What a look at a file found.
   struct FoundFile {
+    enum class State {
+      kSame,    // as it was last read; where file.refusal isn't empty, it can't be read now
+      kGone,    // there was one
+      kCached,  // the cache has it
+      kRead,
+    };
+
     std::string name;
-    bool isGone = false;
-    bool isCached = false;  // not read itself
+    State state = State::kSame;
     CardFile file;
-    NewCards cards;
   };
 
   // All but the public functions want the lock held.
@@ -90,9 +94,12 @@ class Database {
   [[nodiscard]] std::vector<std::string> fileNames() const;
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
   [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
-  // Nothing when the file is as it was last read.
-  [[nodiscard]] std::optional<FoundFile> look(const std::string& name, const CardCache& cache);
-  FoundFile parse(const std::string& name, FileContents contents);
+  // Those of the files that aren't as they were last read, in the order of the names.
+  std::vector<FoundFile> lookAt(std::vector<std::string> names, const CardCache& cache);
+  // Several threads may look at different files.
+  FoundFile look(std::string name, const CardCache& cache, std::size_t& place);
+  [[nodiscard]] FoundFile parse(std::string name, FileContents contents) const;
+  void addCards(FoundFile& found, NewCards cards) const;
   static void log(const std::string& message);
   void logOnce(const std::string& message);
   std::vector<CardChange> adopt(std::vector<FoundFile> found);
@@ -100,8 +107,8 @@ class Database {
 
   mutable std::mutex lock_;
   Folder folder_;
-  std::map<std::string, CardFile> files_;                    // by name
-  std::unordered_map<std::string, StoredCardPointer> byId_;  // by unique id
+  std::map<std::string, CardFile> files_;  // by name
+  CardSet byId_;
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
   std::vector<CardChange> untold_;  // found by saves that failed

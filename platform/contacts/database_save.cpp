@@ -90,11 +90,11 @@ void DatabaseSave::lookEverywhere() {
 // Where others have moved the card, it is changed there; where they have removed it, a change makes it anew. A new one
 // may be in the folder since a save that couldn't be taken over.
 void DatabaseSave::place(const CardUpdate& update) {
-  if (update.card->database != nullptr || database_.byId_.contains(update.card->uniqueId())) {
+  if (update.card->database != nullptr || database_.byId_.contains(*update.card)) {
     if (placeIn(*update.card, update)) return;
     if (!hasLookedEverywhere_) lookEverywhere();
-    auto found = database_.byId_.find(update.card->uniqueId());
-    if (found != database_.byId_.end() && placeIn(*found->second, update)) return;
+    auto found = database_.byId_.find(*update.card);
+    if (found != database_.byId_.end() && placeIn(**found, update)) return;
   }
   if (!update.isRemoval) plans_[freeName(update.card->uid)].added.push_back(&update);
 }
@@ -148,7 +148,7 @@ std::string DatabaseSave::compose(const Plan& plan) {
       text += changedCard(section.text, update->second->changes);
     }
   }
-  for (const CardUpdate* update : plan.added) text += changedCard(update->card->text, update->changes);
+  for (const CardUpdate* update : plan.added) text += changedCard(update->card->text.view(), update->changes);
   return text;
 }
 
@@ -233,8 +233,8 @@ SaveResult DatabaseSave::finish() {
   for (std::size_t i = 0; i < request_.updates.size(); ++i) {
     const CardUpdate& update = request_.updates[i];
     own.insert(update.card->uniqueId());
-    auto saved = database_.byId_.find(update.card->uniqueId());
-    if (saved != database_.byId_.end() && !update.isRemoval) result.saved[i].after = saved->second;
+    auto saved = database_.byId_.find(*update.card);
+    if (saved != database_.byId_.end() && !update.isRemoval) result.saved[i].after = *saved;
   }
   foreign_.insert(foreign_.end(), changes.begin(), changes.end());
   for (CardChange& change : foreign_) {
@@ -259,7 +259,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
     } catch (const FileError&) {
     }
     if (step.temporary.empty()) {
-      found.push_back({step.name, true, false, {}, {}});
+      found.push_back({step.name, Database::FoundFile::State::kGone, {}});
     } else {
       found.push_back(database_.parse(step.name, std::move(contents)));
     }
@@ -281,7 +281,7 @@ void DatabaseSave::keepRemoved(SaveResult& result) const {
       if (!update->isRemoval) continue;
       StoredCardPointer& before = result.saved[static_cast<std::size_t>(update - request_.updates.data())].before;
       auto whole = std::make_shared<StoredCard>(*before);
-      whole->text = sections[position];
+      whole->text = SharedText(std::string(sections[position]));
       before = std::move(whole);
     }
   }

@@ -19,8 +19,8 @@ bool mayHaveLinks(std::string_view text) {
 }  // namespace
 
 void Links::add(const StoredCard& card) {
-  if (!mayHaveLinks(card.text)) return;
-  const vcard::Card lines = vcard::parseCard(card.text);
+  if (!mayHaveLinks(card.text.view())) return;
+  const vcard::Card lines = vcard::parseCard(card.text.view());
   for (const vcard::Line& line : lines.lines) {
     if (!line.is(kLinkLine)) continue;
     const std::string other = uidOf(line, lines.version);

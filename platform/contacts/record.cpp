@@ -103,7 +103,7 @@ const vcard::Card& RecordObject::lines() const {
   thread_local Parsed parsed;
   if (parsed.source != card_) {
     parsed.source.reset();
-    vcard::parseCard(card_->text, parsed.card);
+    vcard::parseCard(card_->text.view(), parsed.card);
     parsed.source = card_;
   }
   return parsed.card;

@@ -4,15 +4,37 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace contacts {
 
 class Database;
+
+// A text, or a part of one, that whoever has it keeps in memory.
+class SharedText {
+ public:
+  SharedText() = default;
+  explicit SharedText(std::string text) : SharedText(std::make_shared<const std::string>(std::move(text))) {}
+  explicit SharedText(std::shared_ptr<const std::string> whole) : whole_(std::move(whole)), text_(*whole_) {}
+
+  // Of a view of the text.
+  [[nodiscard]] SharedText part(std::string_view part) const { return {whole_, part}; }
+  // As long as somebody has the text.
+  [[nodiscard]] std::string_view view() const { return text_; }
+
+ private:
+  SharedText(std::shared_ptr<const std::string> whole, std::string_view text) : whole_(std::move(whole)), text_(text) {}
+
+  std::shared_ptr<const std::string> whole_;
+  std::string_view text_;
+};
 
 // A card of the folder as it was last read. Never changes, so that several books share it.
 struct StoredCard {
@@ -27,7 +49,7 @@ struct StoredCard {
   // Of the texts of its properties that are one text or several, and of its addresses.
   TextDigest digest;
   // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks.
-  std::string text;
+  SharedText text;
 
   // As text, with all that was left out of it.
   [[nodiscard]] std::string fullText() const;
@@ -39,5 +61,23 @@ struct StoredCard {
 using StoredCardPointer = std::shared_ptr<const StoredCard>;
 // Cards of which nobody else knows yet.
 using NewCards = std::vector<std::shared_ptr<StoredCard>>;
+
+// What cards with the same unique id have in common.
+struct CardIdentity {
+  using is_transparent = void;
+
+  std::size_t operator()(const StoredCard& card) const {
+    return std::hash<std::string_view>()(card.uid) ^ card.isGroup;
+  }
+  std::size_t operator()(const StoredCardPointer& card) const { return operator()(*card); }
+  bool operator()(const StoredCardPointer& a, const StoredCardPointer& b) const { return operator()(a, *b); }
+  bool operator()(const StoredCardPointer& a, const StoredCard& b) const {
+    return a->uid == b.uid && a->isGroup == b.isGroup;
+  }
+  bool operator()(const StoredCard& a, const StoredCardPointer& b) const { return operator()(b, a); }
+};
+
+// One card for each unique id.
+using CardSet = std::unordered_set<StoredCardPointer, CardIdentity, CardIdentity>;
 
 }  // namespace contacts
