@@ -7,19 +7,21 @@
 #include "platform/contacts/group_object.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/preferences.h"
+#include "platform/contacts/search_element_object.h"
 #include "platform/contacts/strings.h"
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 namespace contacts {
 namespace {
 
-constexpr char kPersonSuffix[] = ":ABPerson";
-constexpr char kGroupSuffix[] = ":ABGroup";
+constexpr std::string_view kPersonSuffix = ":ABPerson";
+constexpr std::string_view kGroupSuffix = ":ABGroup";
 
 NSInteger nameOrdering(ABAddressBook) { return defaultNameOrdering(); }
 
@@ -32,21 +34,38 @@ NSAttributedString formattedAddressFromDictionary(ABAddressBook, NSDictionary ad
 }  // namespace
 
 AddressBookObject::~AddressBookObject() {
-  for (const auto& [id, record] : records_) objectOf(record.get()).setBook(nullptr);
+  for (RecordList* list : {&persons_, &groups_}) {
+    list->forEach([](RecordList::Entry& entry) {
+      if (entry.record) objectOf(entry.record.get()).setBook(nullptr);
+    });
+  }
 }
 
-NSArray AddressBookObject::arrayOf(const std::vector<ABRecord>& records) {
-  NSMutableArray array = NSMutableArray::arrayWithCapacity(records.size());
-  for (const ABRecord record : records) array.addObject(record);
+ABRecord AddressBookObject::recordOf(RecordList::Entry& entry) {
+  if (!entry.record) {
+    entry.record = newRecord(entry.unread);
+    entry.unread.reset();
+    objectOf(entry.record.get()).setBook(this);
+  }
+  return entry.record.get();
+}
+
+NSArray AddressBookObject::arrayOf(RecordList& records) {
+  NSMutableArray array = NSMutableArray::arrayWithCapacity(records.count());
+  records.forEach([&](RecordList::Entry& entry) { array.addObject(recordOf(entry)); });
   return array;
 }
 
-ABRecord AddressBookObject::find(const std::string& uniqueId) const {
-  auto found = records_.find(uniqueId);
-  return found == records_.end() ? ABRecord() : found->second.get();
+ABRecord AddressBookObject::find(const std::string& uniqueId) {
+  auto findIn = [&](RecordList& list, std::string_view suffix) -> ABRecord {
+    RecordList::Entry* entry = list.find(uniqueId.substr(0, uniqueId.size() - suffix.size()));
+    return entry == nullptr ? ABRecord() : recordOf(*entry);
+  };
+  if (uniqueId.ends_with(kPersonSuffix)) return findIn(persons_, kPersonSuffix);
+  return uniqueId.ends_with(kGroupSuffix) ? findIn(groups_, kGroupSuffix) : ABRecord();
 }
 
-ABRecord AddressBookObject::recordForUniqueId(NSString uniqueId) const {
+ABRecord AddressBookObject::recordForUniqueId(NSString uniqueId) {
   if (!uniqueId) NSException::raise(NSInvalidArgumentException, "recordForUniqueId: the id is nil");
   return Retained<ABRecord>::share(find(utf8Of(uniqueId))).autorelease();
 }
@@ -58,14 +77,16 @@ NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
   return text.ends_with(kGroupSuffix) ? "ABGroup"_ns : NSString();
 }
 
-NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) const {
+NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) {
   if (!search) NSException::raise(NSInvalidArgumentException, "recordsMatchingSearchElement: the element is nil");
   NSMutableArray found = NSMutableArray::array();
-  for (const auto* records : {&persons_, &groups_}) {
-    for (const ABRecord record : *records) {
+  for (RecordList* list : {&persons_, &groups_}) {
+    list->forEach([&](RecordList::Entry& entry) {
+      if (!entry.record && !mayMatch(search, *entry.unread)) return;
       const AutoreleasePool pool;
+      const ABRecord record = recordOf(entry);
       if (search.matchesRecord(record)) found.addObject(record);
-    }
+    });
   }
   return found;
 }
@@ -79,7 +100,9 @@ bool AddressBookObject::addRecordOrFail(ABRecord record, NSError* error) {
   if (find(id)) return fail(error, ABAddRecordsError, id + " is taken by another record");
   if (isReadOnly()) return fail(error, ABAddRecordsError, "the folder " + database->path() + " can't be written");
   std::erase_if(removed_, [record](const Retained<ABRecord>& removed) { return removed.get() == record; });
-  insert(Retained<ABRecord>::share(record));
+  listOf(added.card()).add({nullptr, Retained<ABRecord>::share(record)});
+  added.setBook(this);
+  links_.reset();
   added.noteChange();
   return true;
 }
@@ -90,55 +113,47 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   const std::string id = removed.card().uniqueId();
   if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
-  for (const ABRecord group : groups_) objectOf(group.as<ABGroup>()).forget(removed);
+  groups_.forEach([&](RecordList::Entry& entry) { objectOf(recordOf(entry).as<ABGroup>()).forget(removed); });
   if (me() == record) setMe(nullptr);
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
-  take(record);
+  take(*entryOf(removed.card()));
   hasUnsavedChanges_ = true;
   return true;
 }
 
-NSArray AddressBookObject::groupsWith(const RecordObject& record) const {
+NSArray AddressBookObject::groupsWith(const RecordObject& record) {
   NSMutableArray parents = NSMutableArray::array();
-  for (const ABRecord group : groups_) {
+  groups_.forEach([&](RecordList::Entry& entry) {
+    const ABRecord group = recordOf(entry);
     if (objectOf(group.as<ABGroup>()).has(record)) parents.addObject(group);
-  }
+  });
   return parents;
 }
 
-NSArray AddressBookObject::linkedWith(ABRecord person) const {
+NSArray AddressBookObject::linkedWith(ABRecord person) {
   if (!links_) {
     links_.emplace();
-    for (const ABRecord other : persons_) links_->add(objectOf(other).card());
+    persons_.forEach([this](const RecordList::Entry& entry) { links_->add(entry.card()); });
   }
   NSMutableArray people = NSMutableArray::array();
   for (const std::string& uid : links_->linkedWith(objectOf(person).card().uid)) {
-    const ABRecord linked = find(uid + kPersonSuffix);
-    if (linked) people.addObject(linked);
+    if (RecordList::Entry* linked = persons_.find(uid)) people.addObject(recordOf(*linked));
   }
   return people;
 }
 
-void AddressBookObject::load(const StoredCardPointer& card) { insert(newRecord(card)); }
-
-std::vector<ABRecord>& AddressBookObject::listOf(ABRecord record) {
-  return objectOf(record).isGroup() ? groups_ : persons_;
-}
-
-void AddressBookObject::insert(Retained<ABRecord> record) {
-  RecordObject& object = objectOf(record.get());
-  object.setBook(this);
-  listOf(record.get()).push_back(record.get());
-  records_.emplace(object.card().uniqueId(), std::move(record));
+void AddressBookObject::load(StoredCardPointer card) {
+  RecordList& list = listOf(*card);
+  list.add({std::move(card), {}});
   links_.reset();
 }
 
-void AddressBookObject::take(ABRecord record) {
-  RecordObject& object = objectOf(record);
-  Retained<ABRecord>::share(record).autorelease();
-  object.setBook(nullptr);
-  std::erase(listOf(record), record);
-  records_.erase(object.card().uniqueId());
+void AddressBookObject::take(RecordList::Entry& entry) {
+  if (entry.record) {
+    objectOf(entry.record.get()).setBook(nullptr);
+    Retained<ABRecord>(entry.record).autorelease();
+  }
+  listOf(entry.card()).remove(entry);
   links_.reset();
 }
 

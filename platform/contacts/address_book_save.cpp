@@ -60,8 +60,8 @@ void AddressBookObject::finishSave(const SaveRequest& request, const SaveResult&
   for (const CardUpdate& update : request.updates) {
     const CardChange& change = *saved++;
     if (update.isRemoval) continue;
-    const ABRecord record = find(update.card->uniqueId());
-    if (record && change.after) objectOf(record).adopt(change.after, true);
+    RecordList::Entry* entry = entryOf(*update.card);
+    if (entry != nullptr && change.after) objectOf(recordOf(*entry)).adopt(change.after, true);
   }
   const std::vector<Retained<ABRecord>> removed = std::exchange(removed_, {});
   for (std::size_t i = 0; i < removed.size(); ++i) {
@@ -80,24 +80,28 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
 
 void AddressBookObject::absorb(const CardChange& change) {
   links_.reset();
-  const std::string id = (change.after ? change.after : change.before)->uniqueId();
+  const StoredCard& card = change.after ? *change.after : *change.before;
   // What was taken out of the book stays out of it.
   for (const Retained<ABRecord>& removed : removed_) {
-    if (objectOf(removed.get()).card().uniqueId() != id) continue;
+    const StoredCard& known = objectOf(removed.get()).card();
+    if (known.uid != card.uid || known.isGroup != card.isGroup) continue;
     if (change.after) objectOf(removed.get()).adopt(change.after, false);
     return;
   }
-  const ABRecord record = find(id);
-  if (change.after && record) {
-    if (objectOf(record).sharedCard() != change.after) objectOf(record).adopt(change.after, false);
+  RecordList::Entry* entry = entryOf(card);
+  if (entry == nullptr) {
+    if (change.after) load(change.after);
+  } else if (!entry->record && change.after) {
+    entry->unread = change.after;
   } else if (change.after) {
-    load(change.after);
-  } else if (record && !objectOf(record).isChanged()) {
-    take(record);
+    RecordObject& record = objectOf(entry->record.get());
+    if (record.sharedCard() != change.after) record.adopt(change.after, false);
+  } else if (!entry->record || !objectOf(entry->record.get()).isChanged()) {
+    take(*entry);
   }
 }
 
-ABPerson AddressBookObject::me() const {
+ABPerson AddressBookObject::me() {
   const std::string uid = changedMe_ ? *changedMe_ : database->me();
   return find(uid + ":ABPerson").as<ABPerson>();
 }

@@ -84,6 +84,18 @@ bool SearchElementObject::matchesRecord(ABRecord record) const {
                                      : std::ranges::any_of(children, matchesChild);
 }
 
+bool mayMatch(ABSearchElement search, const StoredCard& card) {
+  if (!search.isKindOfClass("ABSearchElement"_class)) return true;
+  const auto& element = *static_cast<const SearchElementObject*>(search.get());
+  if (element.isConjunction) {
+    auto mayMatchChild = [&](const Retained<ABSearchElement>& child) { return mayMatch(child.get(), card); };
+    return element.conjunction == kABSearchAnd ? std::ranges::all_of(element.children, mayMatchChild)
+                                               : std::ranges::any_of(element.children, mayMatchChild);
+  }
+  return card.isGroup == element.isForGroups &&
+         (comparisonOf(element.comparison).isNegated || card.digest.mayHave(element.needed));
+}
+
 // A negated comparison matches when none of the values that it looks at has what it denies.
 bool SearchElementObject::matches(ABRecord record) const {
   if (objectOf(record).isGroup() != isForGroups) return false;

@@ -4,6 +4,7 @@
 #include "platform/contacts/record.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/search_element.h"
+#include "platform/contacts/stored_card.h"
 #include "platform/contacts/text_digest.h"
 #include "platform/foundation/array.h"
 #include "platform/objc/retained.h"
@@ -35,6 +36,9 @@ struct SearchElementObject : objc::Object {
   [[nodiscard]] bool matches(ABRecord record) const;
   [[nodiscard]] bool matchesValue(NSObject found) const;
 };
+
+// False when no record of that card, as it was read, matches.
+bool mayMatch(ABSearchElement search, const StoredCard& card);
 
 // What searchElementForProperty:label:key:value:comparison: answers, autoreleased.
 ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSString property, NSString label,

@@ -55,6 +55,20 @@ TEST_F(AddressBook, GivesEachCardAnIdOfItsOwn) {
   EXPECT_EQ(uids(again.groups()), "1");
 }
 
+TEST_F(AddressBook, FindsWhatIsLeftWhenMuchIsTakenOut) {
+  for (char c = 'a'; c <= 'j'; ++c) folder_.writeCard(std::string(1, c) + ".vcf", "UID:" + std::string(1, c) + "\n");
+  ABAddressBook book = ABAddressBook::addressBook();
+  for (const char* uid : {"c", "a", "j", "b", "e", "d", "g"}) {
+    const ABPerson person = personIn(book, uid);
+    EXPECT_TRUE(book.removeRecord(person));
+    EXPECT_FALSE(personIn(book, uid));
+    const bool isBack = *uid == 'b' && book.addRecord(person);
+    EXPECT_EQ(static_cast<bool>(personIn(book, uid)), isBack);
+    EXPECT_EQ(shown(personIn(book, "i"), "UID"), "i:ABPerson") << uid;
+  }
+  EXPECT_EQ(uids(book.people()), "f h i b");
+}
+
 TEST_F(AddressBook, MakesTheFolderThatIsMissingWhenItSaves) {
   unsetenv("ADDRESSBOOK_FOLDER");
   setenv("XDG_DATA_HOME", (folder_.path() / "data/user").c_str(), 1);
