@@ -300,26 +300,29 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   CardSet gone(known.begin(), known.end());
 
   std::vector<CardChange> changes;
+  changes.reserve(found.size());
   byId_.reserve(byId_.size() + found.size());
   for (FoundFile& file : found) {
     if (file.state == FoundFile::State::kGone) continue;
     if (!file.file.refusal.empty()) logOnce(file.name + ": " + file.file.refusal + "; left alone");
     for (StoredCardPointer& card : file.file.cards) {
-      if (byId_.contains(card)) {
+      if (!byId_.insert(card).second) {
         auto other = std::make_shared<StoredCard>(*card);
         deriveUid(*other);
         card = std::move(other);
+        byId_.insert(card);
       }
       StoredCardPointer before;
       if (auto same = gone.find(card); same != gone.end()) before = std::move(gone.extract(same).value());
       const bool isSame = before && before->hash == card->hash && before->fileName == card->fileName &&
                           before->position == card->position;
       if (isSame) {
-        card = before;
+        byId_.erase(card);
+        byId_.insert(before);
+        card = std::move(before);
       } else {
         changes.push_back({std::move(before), card});
       }
-      byId_.insert(card);
     }
     files_.insert_or_assign(files_.end(), std::move(file.name), std::move(file.file));
   }
