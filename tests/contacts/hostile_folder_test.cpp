@@ -157,6 +157,27 @@ TEST_F(HostileFolder, ReadsAbsurdContentsAndSavesThem) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::minutes(5));
 }
 
+// TORTURE=1 makes it a hundred thousand.
+TEST_F(HostileFolder, HoldsVeryManyFiles) {
+  const int count = store_scenarios::isTorture() ? 100'000 : 3'000;
+  for (int i = 0; i < count; ++i) {
+    const std::string uid = std::to_string(i);
+    folder_.write(uid + ".vcf", i % 1'000 == 999 ? "no card" : card("UID:" + uid + "\nN:Name " + uid + "\n"));
+  }
+  NSSetLogHook(&keepLog);
+  const ABAddressBook book = ABAddressBook::sharedAddressBook();
+  EXPECT_EQ(book.people().count(), static_cast<NSUInteger>(count - count / 1'000));
+  EXPECT_EQ(timesLogged("is not a vCard"), count / 1'000);
+  EXPECT_EQ(timesLogged("folder: 2999.vcf: is not a vCard"), 1);
+  const ABSearchElement search =
+      ABPerson::searchElement(kABLastNameProperty, nullptr, nullptr, "name 1998"_ns, kABEqualCaseInsensitive);
+  EXPECT_EQ(uids(book.recordsMatchingSearchElement(search)), "1998");
+  personIn(book, "1998").setValue("Changed"_ns, kABLastNameProperty);
+  EXPECT_TRUE(book.save());
+  EXPECT_EQ(shown(personIn(ABAddressBook::addressBook(), "1998"), "Last"), "Changed");
+  EXPECT_EQ(everybody().count(), book.people().count());
+}
+
 TEST_F(HostileFolder, FollowsAUidThatOthersChange) {
   folder_.writeCard("a.vcf", "UID:old\nN:Adams\n");
   inChild([&] {
