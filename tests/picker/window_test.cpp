@@ -46,8 +46,9 @@ class PickTest : public testing::Test {
     }
     add({person("Ada", "Lovelace", "p1",
                 {"EMAIL;TYPE=HOME:ada@home.example", "EMAIL;TYPE=WORK,pref:ada@work.example", "TEL:1234"}),
-         person("Grace", "Hopper", "p2", {"EMAIL:grace@navy.example"}), person("Alan", "Turing", "p3"),
-         group("Work", "g1", {"p1", "p3"}), group("Friends", "g2", {"p2"})});
+         person("Grace", "Hopper", "p2", {"EMAIL:grace@navy.example"}),
+         person("Alan", "Turing", "p3", {"BDAY:--06-23"}), group("Work", "g1", {"p1", "p3"}),
+         group("Friends", "g2", {"p2"})});
   }
 
   void add(const std::vector<Card>& cards) {
@@ -106,6 +107,7 @@ TEST_F(PickTest, GivesWhatIsChosen) {
                 {escapedMouse(0, 2, 50), ">*home ada@home.example"},
                 {escapedMouse(0, 3, 50), ">*work ada@work.example"}},
                escapedMouse(0, 3, 50), "ada@work.example\n");
+  expectOutput({"--property", "Birthday"}, {{"", "Grace Hopper"}, {"tur", "*--06-23"}}, kEscape, "");
   // Keys that it doesn't know are nothing.
   expectOutput({}, {{"", "Alan Turing"}, {std::string("\x1b[99;9~") + kDown, ">*Alan Turing"}}, kEnter,
                "Alan Turing\n");

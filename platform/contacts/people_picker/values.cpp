@@ -1,6 +1,7 @@
 #include "platform/contacts/people_picker/values.h"
 
 #include "platform/contacts/address_book.h"
+#include "platform/contacts/date_values.h"
 #include "platform/contacts/localization.h"
 #include "platform/contacts/multi_value.h"
 #include "platform/contacts/people_picker/names.h"
@@ -8,12 +9,8 @@
 #include "platform/foundation/date.h"
 #include "platform/foundation/date_components.h"
 
-#include <cstdio>
-
 namespace contacts {
 namespace {
-
-std::u16string ascii(const char* text) { return {text, text + std::char_traits<char>::length(text)}; }
 
 // The lines of a text, one after the other.
 std::u16string onOneLine(std::u16string_view text) {
@@ -53,28 +50,18 @@ std::u16string textOfDictionary(NSDictionary fields) {
   return textOfFields(fields);
 }
 
-std::u16string textOfDay(NSDateComponents day) {
-  char text[64];
-  if (day.year() == NSUndefinedDateComponent) {
-    std::snprintf(text, sizeof text, "--%02ld-%02ld", static_cast<long>(day.month()), static_cast<long>(day.day()));
-  } else {
-    std::snprintf(text, sizeof text, "%04ld-%02ld-%02ld", static_cast<long>(day.year()), static_cast<long>(day.month()),
-                  static_cast<long>(day.day()));
-  }
-  return ascii(text);
-}
-
-// A date's description starts with the day.
-std::u16string textOfDate(NSObject date) {
-  constexpr std::size_t kDayLength = 10;
-  return unitsOf(date.description()).substr(0, kDayLength);
+std::u16string textOfDay(const vcard::Date& day) {
+  const std::string text = vcard::formatDate(day);
+  return {text.begin(), text.end()};
 }
 
 std::u16string shownText(NSObject value) {
   if (value.isKindOfClass("NSString"_class)) return unitsOf(value.as<NSString>());
   if (value.isKindOfClass("NSDictionary"_class)) return textOfDictionary(value.as<NSDictionary>());
-  if (value.isKindOfClass("NSDateComponents"_class)) return textOfDay(value.as<NSDateComponents>());
-  if (value.isKindOfClass("NSDate"_class)) return textOfDate(value);
+  if (value.isKindOfClass("NSDate"_class)) return textOfDay(dayOf(value.as<NSDate>()));
+  if (value.isKindOfClass("NSDateComponents"_class)) {
+    if (const auto day = dateOf(value.as<NSDateComponents>())) return textOfDay(*day);
+  }
   return unitsOf(value.description());
 }
 
