@@ -36,17 +36,17 @@ bool areTypes(std::string_view parameters) {
   return true;
 }
 
-bool isAscii(std::string_view value) {
-  return std::ranges::all_of(value, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
 // Where a property's text isn't a part of the line's, it may be any text.
 void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) {
   const std::string_view value = line.value();
   if ((line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos)) {
     digest.addAnything();
-  } else if (areTypes(line.parameterText()) && isAscii(value)) {
-    digest.addAscii(vcard::unescape(value, version));
+  } else if (areTypes(line.parameterText()) && vcard::isAscii(value)) {
+    if (value.find('\\') == std::string_view::npos) {
+      digest.addAscii(value);
+    } else {
+      digest.addAscii(vcard::unescape(value, version));
+    }
   } else {
     const AutoreleasePool pool;
     const std::vector<vcard::Parameter> parameters = line.parameters();
@@ -61,10 +61,10 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, std::uint64_t has
   auto result = std::make_shared<StoredCard>();
   StoredCard& stored = *result;
   stored.hash = hash;
-  bool isWhole = true;
+  std::size_t leftOut = 0;
   for (const vcard::Line& line : card.lines) {
     if (isLongBinary(line)) {
-      isWhole = false;
+      leftOut += line.raw().size();
     } else if (line.is("UID")) {
       if (stored.uid.empty()) stored.uid = uidOf(line, card.version);
     } else if (!std::ranges::any_of(kAboutCard, [&](auto name) { return line.is(name); })) {
@@ -72,15 +72,15 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, std::uint64_t has
       addTo(stored.digest, line, card.version);
     }
   }
-  if (isWhole) {
+  if (leftOut == 0) {
     stored.text = SharedText(std::string(section));
     return result;
   }
   std::string text;
+  text.reserve(section.size() - leftOut);
   for (const vcard::Line& line : card.lines) {
     if (!isLongBinary(line)) text += line.raw();
   }
-  text.shrink_to_fit();
   stored.text = SharedText(std::move(text));
   return result;
 }
@@ -94,9 +94,11 @@ constexpr bool isHarmless(char c) {
 
 NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash) {
   NewCards cards;
-  for (const vcard::Section& section : vcard::splitSections(text)) {
+  const std::size_t size = text.size();
+  while (!text.empty()) {
+    const vcard::Section section = vcard::takeSection(text);
     if (!section.isCard) continue;
-    const bool isAll = hash && section.text.size() == text.size();
+    const bool isAll = hash && section.text.size() == size;
     cards.push_back(readCard(section.text, isAll ? *hash : contentHash(section.text)));
     cards.back()->position = cards.size() - 1;
   }

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -12,8 +16,40 @@ constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c
 constexpr bool isBlank(char c) { return c == ' ' || c == '\t'; }
 constexpr bool isSpace(char c) { return isBlank(c) || c == '\r' || c == '\n'; }
 
-inline bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, {}, upper, upper);
+// Whether there is nothing else in the text. Eight characters at a step.
+inline bool isAscii(std::string_view text) {
+  std::uint64_t word = 0;
+  for (; text.size() >= sizeof word; text.remove_prefix(sizeof word)) {
+    std::memcpy(&word, text.data(), sizeof word);
+    if ((word & 0x8080808080808080) != 0) return false;
+  }
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+// Characters that are looked up rather than compared.
+class CharacterSet {
+ public:
+  explicit constexpr CharacterSet(std::string_view characters) {
+    for (const char c : characters) has_[static_cast<unsigned char>(c)] = true;
+  }
+  [[nodiscard]] constexpr bool has(char c) const { return has_[static_cast<unsigned char>(c)]; }
+  [[nodiscard]] constexpr bool hasAll(std::string_view text) const {
+    for (const char c : text) {
+      if (!has(c)) return false;
+    }
+    return true;
+  }
+
+ private:
+  std::array<bool, 256> has_{};
+};
+
+constexpr bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] != b[i] && upper(a[i]) != upper(b[i])) return false;
+  }
+  return true;
 }
 
 inline bool containsIgnoringCase(std::string_view text, std::string_view part) {

@@ -11,38 +11,27 @@
 namespace vcard {
 namespace {
 
-constexpr bool isBase64Character(char c) {
-  return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '+' || c == '/' || c == '=';
-}
+constexpr CharacterSet kBase64Characters("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/=");
 
-// Nearly every head is found out here: only parameters name encodings, and those that matter have one of these letters.
-bool mayNameEncoding(std::string_view head) {
-  const std::size_t parameters = head.find(';');
-  if (parameters == std::string_view::npos) return false;
-  return std::ranges::any_of(head.substr(parameters), [](char c) { return upper(c) == 'B' || upper(c) == 'Q'; });
-}
-
-// Collects the physical lines of one logical line.
+// Collects the physical lines of one logical line. Their texts are given without their breaks.
 class LogicalLine {
  public:
-  [[nodiscard]] bool continuesWith(std::string_view physicalLine) const {
+  [[nodiscard]] bool continuesWith(std::string_view text) {
     if (raw_.empty()) return false;
-    const std::string_view text = withoutBreak(physicalLine);
     if (nested_ > 0 || softBreak_) return true;
     if (text.empty()) return false;
     if (isBlank(text.front())) return true;
     // Some writers don't indent the lines of binary data.
-    return encoding_ == Encoding::kBase64 && std::ranges::all_of(text, isBase64Character);
+    return kBase64Characters.hasAll(text) && encoding() == Encoding::kBase64;
   }
 
-  void append(std::string_view physicalLine, Boundary boundary) {
+  void append(std::string_view physicalLine, std::string_view text, Boundary boundary) {
     const bool isFirst = raw_.empty();
     raw_ = isFirst ? physicalLine : std::string_view(raw_.data(), raw_.size() + physicalLine.size());
     if (boundary == Boundary::kEnd && nested_ > 0) --nested_;
     if (boundary == Boundary::kBegin && afterAgent_) ++nested_;
     afterAgent_ = boundary == Boundary::kAgent;
 
-    std::string_view text = withoutBreak(physicalLine);
     if (isFirst) {
       first_ = text;
     } else {
@@ -50,8 +39,7 @@ class LogicalLine {
       const bool isFold = !softBreak_ && !text.empty() && isBlank(text.front());
       content_ += isFold ? text.substr(1) : text;
     }
-    if (encoding_ == Encoding::kUndecided) decideEncoding();
-    softBreak_ = encoding_ == Encoding::kQuotedPrintable && text.ends_with('=');
+    softBreak_ = text.ends_with('=') && encoding() == Encoding::kQuotedPrintable;
     if (softBreak_) {
       if (content_.empty()) content_ = first_;
       content_.pop_back();
@@ -62,37 +50,40 @@ class LogicalLine {
   [[nodiscard]] bool takesNestedCard(Boundary next) const { return afterAgent_ && next == Boundary::kBegin; }
   [[nodiscard]] bool isEmpty() const { return raw_.empty(); }
 
-  Line finish() {
-    Line line(raw_, std::move(content_));
-    *this = LogicalLine();
-    return line;
+  // Begins a new one.
+  void finish(std::vector<Line>& lines) {
+    lines.emplace_back(raw_, content_);
+    raw_ = {};
+    content_.clear();
+    encoding_ = Encoding::kUndecided;
+    softBreak_ = false;
+    afterAgent_ = false;
+    nested_ = 0;
   }
 
  private:
   enum class Encoding { kUndecided, kPlain, kQuotedPrintable, kBase64 };
 
-  // Known as soon as the colon is; a head longer than any that says so is plain.
-  void decideEncoding() {
+  // Known as soon as the colon is. Seldom asked for.
+  Encoding encoding() {
+    if (encoding_ != Encoding::kUndecided) return encoding_;
     const std::string_view content = content_.empty() ? first_ : std::string_view(content_);
     const std::size_t colon = content.substr(0, kLongestHead).find(':');
-    if (colon == std::string_view::npos) {
-      if (content.size() > kLongestHead) encoding_ = Encoding::kPlain;
-      return;
-    }
+    if (colon == std::string_view::npos) return Encoding::kUndecided;
     const std::string_view head = content.substr(0, colon);
-    if (!mayNameEncoding(head)) {
-      encoding_ = Encoding::kPlain;
-    } else if (isQuotedPrintable(content)) {
+    const std::string_view parameters = head.substr(std::min(head.find(';'), head.size()));
+    if (isQuotedPrintable(content)) {
       encoding_ = Encoding::kQuotedPrintable;
-    } else if (containsIgnoringCase(head, "BASE64") || containsIgnoringCase(head, "ENCODING=B")) {
+    } else if (containsIgnoringCase(parameters, "BASE64") || containsIgnoringCase(parameters, "ENCODING=B")) {
       encoding_ = Encoding::kBase64;
     } else {
       encoding_ = Encoding::kPlain;
     }
+    return encoding_;
   }
 
   std::string_view raw_;
-  std::string_view first_;  // the first physical line without its break
+  std::string_view first_;  // the first physical line's text
   std::string content_;     // empty while it is just first_
   Encoding encoding_ = Encoding::kUndecided;
   bool softBreak_ = false;
@@ -114,15 +105,16 @@ void parseCard(std::string_view section, Card& card) {
   LogicalLine current;
   while (!section.empty()) {
     const std::string_view physicalLine = takePhysicalLine(section);
-    const Boundary boundary = boundaryOf(physicalLine);
+    const std::string_view text = withoutBreak(physicalLine);
+    const Boundary boundary = boundaryOf(text);
     const bool isLast = section.empty();      // the END line, whatever stands before it
     const bool isFirst = card.lines.empty();  // what is behind the BEGIN line isn't part of it
-    if (isLast || isFirst || !(current.continuesWith(physicalLine) || current.takesNestedCard(boundary))) {
-      if (!current.isEmpty()) card.lines.push_back(current.finish());
+    if (isLast || isFirst || !(current.continuesWith(text) || current.takesNestedCard(boundary))) {
+      if (!current.isEmpty()) current.finish(card.lines);
     }
-    current.append(physicalLine, boundary);
+    current.append(physicalLine, text, boundary);
   }
-  if (!current.isEmpty()) card.lines.push_back(current.finish());
+  if (!current.isEmpty()) current.finish(card.lines);
 
   auto version = std::ranges::find_if(card.lines, [](const Line& line) { return line.is("VERSION"); });
   if (version != card.lines.end()) {

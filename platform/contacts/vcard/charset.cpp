@@ -110,6 +110,7 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
 }  // namespace
 
 bool isValidUtf8(std::string_view bytes) {
+  if (isAscii(bytes)) return true;
   std::size_t i = 0;
   while (i < bytes.size()) {
     const auto lead = static_cast<unsigned char>(bytes[i]);

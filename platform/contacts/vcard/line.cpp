@@ -13,16 +13,14 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-constexpr bool isNameCharacter(char c) {
-  return (upper(c) >= 'A' && upper(c) <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '/';
-}
+constexpr CharacterSet kNameCharacters("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_/");
 
-// The position of the first of the two characters that is outside double quotes.
-std::size_t findOutsideQuotes(std::string_view text, std::size_t from, char a, char b) {
+// The position of the first such character that is outside double quotes.
+std::size_t findOutsideQuotes(std::string_view text, char searched) {
   bool quoted = false;
-  for (std::size_t i = from; i < text.size(); ++i) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '"') quoted = !quoted;
-    if (!quoted && (text[i] == a || text[i] == b)) return i;
+    if (!quoted && text[i] == searched) return i;
   }
   return kNone;
 }
@@ -68,7 +66,7 @@ void appendValue(std::vector<Parameter>& parameters, std::string_view name, std:
 }
 
 void appendParameter(std::vector<Parameter>& parameters, std::string_view text) {
-  const std::size_t equals = findOutsideQuotes(text, 0, '=', '=');
+  const std::size_t equals = findOutsideQuotes(text, '=');
   std::string name(nameForBareWord(trimmed(text)));
   if (equals != kNone) {
     name = uppercased(decodeCharset(trimmed(text.substr(0, equals)), ""));
@@ -76,7 +74,7 @@ void appendParameter(std::vector<Parameter>& parameters, std::string_view text) 
   } else if (trimmed(text).empty()) {
     return;
   }
-  for (std::size_t comma = 0; (comma = findOutsideQuotes(text, 0, ',', ',')) != kNone; text.remove_prefix(comma + 1)) {
+  for (std::size_t comma = 0; (comma = findOutsideQuotes(text, ',')) != kNone; text.remove_prefix(comma + 1)) {
     appendValue(parameters, name, text.substr(0, comma));
   }
   appendValue(parameters, name, text);
@@ -84,33 +82,39 @@ void appendParameter(std::vector<Parameter>& parameters, std::string_view text) 
 
 }  // namespace
 
-Line::Line(std::string_view raw, std::string unfolded) : raw_(raw), content_(withoutBreak(raw)) {
+Line::Line(std::string_view raw, std::string_view unfolded) : raw_(raw), content_(withoutBreak(raw)) {
   if (!unfolded.empty()) {
-    unfolded_ = std::make_shared<const std::string>(std::move(unfolded));
+    unfolded_ = std::make_shared<const std::string>(unfolded);
     content_ = *unfolded_;
   }
-  const auto end = std::ranges::find_if(content_, [](char c) { return c == ';' || c == ':'; });
-  if (end == content_.end()) return;
-  const auto nameEnd = static_cast<std::size_t>(end - content_.begin());
+  std::size_t nameEnd = 0;
+  std::size_t dot = kNone;
+  for (; nameEnd < content_.size() && content_[nameEnd] != ';' && content_[nameEnd] != ':'; ++nameEnd) {
+    if (content_[nameEnd] == '.') dot = nameEnd;
+  }
+  if (nameEnd == content_.size()) return;
   const std::string_view start = content_.substr(0, nameEnd);
-  const std::size_t dot = start.rfind('.');
   const std::string_view name = trimmed(dot == kNone ? start : start.substr(dot + 1));
-  if (name.empty() || !std::ranges::all_of(name, isNameCharacter)) return;
+  if (name.empty() || !kNameCharacters.hasAll(name)) return;
 
-  std::size_t colon = findOutsideQuotes(content_, nameEnd, ':', ':');
-  if (colon == kNone) colon = content_.find(':', nameEnd);  // a quote that is never closed
+  const std::string_view rest = content_.substr(nameEnd);
+  std::size_t colon = rest.find(':');
   if (colon == kNone) return;
+  if (rest.substr(0, colon).find('"') != kNone) {
+    const std::size_t outside = findOutsideQuotes(rest, ':');
+    if (outside != kNone) colon = outside;  // else a quote is never closed
+  }
   if (dot != kNone) group_ = trimmed(start.substr(0, dot));
   name_ = name;
-  if (colon > nameEnd) parameters_ = content_.substr(nameEnd + 1, colon - nameEnd - 1);
-  value_ = content_.substr(colon + 1);
+  if (colon > 0) parameters_ = rest.substr(1, colon - 1);
+  value_ = rest.substr(colon + 1);
 }
 
 std::vector<Parameter> Line::parameters() const {
   std::vector<Parameter> parameters;
   std::string_view rest = parameters_;
   if (rest.empty()) return parameters;
-  for (std::size_t end = 0; (end = findOutsideQuotes(rest, 0, ';', ';')) != kNone; rest.remove_prefix(end + 1)) {
+  for (std::size_t end = 0; (end = findOutsideQuotes(rest, ';')) != kNone; rest.remove_prefix(end + 1)) {
     appendParameter(parameters, rest.substr(0, end));
   }
   appendParameter(parameters, rest);

@@ -22,7 +22,7 @@ class Line {
  public:
   // raw is the line as it stands, folds and break included; unfolded is its content when that is not simply raw without
   // its break, else empty.
-  Line(std::string_view raw, std::string unfolded);
+  Line(std::string_view raw, std::string_view unfolded);
 
   [[nodiscard]] std::string_view raw() const { return raw_; }
   [[nodiscard]] std::string_view content() const { return content_; }

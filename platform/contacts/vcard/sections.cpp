@@ -39,66 +39,52 @@ std::size_t findBreak(std::string_view text) {
 
 std::string_view takePhysicalLine(std::string_view& text) {
   std::size_t end = findBreak(text);
-  if (end < text.size()) end += text.substr(end, 2) == "\r\n" ? 2 : 1;
+  if (end < text.size() && text[end++] == '\r' && end < text.size() && text[end] == '\n') ++end;
   const std::string_view line = text.substr(0, end);
   text.remove_prefix(end);
   return line;
 }
 
-std::string_view withoutBreak(std::string_view physicalLine) {
-  if (physicalLine.ends_with('\n')) physicalLine.remove_suffix(1);
-  if (physicalLine.ends_with('\r')) physicalLine.remove_suffix(1);
-  return physicalLine;
-}
-
-Boundary boundaryOf(std::string_view physicalLine) {
-  if (physicalLine.empty()) return Boundary::kNone;
-  const char first = upper(physicalLine.front());
-  if (first != 'B' && first != 'E' && first != 'A') return Boundary::kNone;
-  const std::string_view line = withoutBreak(physicalLine);
+Boundary boundaryNamedBy(std::string_view physicalLine) {
+  const std::string_view line = trimmed(physicalLine);
   const std::size_t colon = line.find(':');
   if (colon == std::string_view::npos) return Boundary::kNone;
   const std::string_view name = trimmed(line.substr(0, colon));
   const std::string_view value = trimmed(line.substr(colon + 1));
-  if (first == 'A') {
-    const bool isAgent = value.empty() && equalsIgnoringCase(trimmed(name.substr(0, name.find(';'))), "AGENT");
-    return isAgent ? Boundary::kAgent : Boundary::kNone;
+  if (equalsIgnoringCase(value, "VCARD")) {
+    if (equalsIgnoringCase(name, "BEGIN")) return Boundary::kBegin;
+    if (equalsIgnoringCase(name, "END")) return Boundary::kEnd;
   }
-  if (!equalsIgnoringCase(value, "VCARD")) return Boundary::kNone;
-  if (equalsIgnoringCase(name, "BEGIN")) return Boundary::kBegin;
-  if (equalsIgnoringCase(name, "END")) return Boundary::kEnd;
-  return Boundary::kNone;
+  const bool isAgent = value.empty() && equalsIgnoringCase(trimmed(name.substr(0, name.find(';'))), "AGENT");
+  return isAgent ? Boundary::kAgent : Boundary::kNone;
+}
+
+Section takeSection(std::string_view& file) {
+  std::string_view rest = file;
+  std::size_t depth = 0;
+  bool afterAgent = false;
+  bool isCard = false;
+  while (!rest.empty() && !isCard) {
+    std::string_view behind = rest;
+    const Boundary boundary = boundaryOf(takePhysicalLine(behind));
+    if (boundary == Boundary::kBegin) {
+      const bool isNested = depth > 0 && afterAgent;
+      if (!isNested && rest.size() < file.size()) break;  // the next section
+      ++depth;
+    } else if (boundary == Boundary::kEnd && depth > 0) {
+      isCard = --depth == 0;
+    }
+    afterAgent = boundary == Boundary::kAgent;
+    rest = behind;
+  }
+  const Section section{file.substr(0, file.size() - rest.size()), isCard};
+  file = rest;
+  return section;
 }
 
 std::vector<Section> splitSections(std::string_view file) {
   std::vector<Section> sections;
-  std::string_view rest = file;
-  std::size_t sectionStart = 0;
-  std::size_t depth = 0;
-  bool afterAgent = false;
-
-  auto close = [&](std::size_t end, bool isCard) {
-    if (end == sectionStart) return;
-    sections.push_back({file.substr(sectionStart, end - sectionStart), isCard});
-    sectionStart = end;
-  };
-
-  while (!rest.empty()) {
-    const std::size_t lineStart = file.size() - rest.size();
-    const Boundary boundary = boundaryOf(takePhysicalLine(rest));
-    if (boundary == Boundary::kBegin) {
-      if (depth > 0 && afterAgent) {
-        ++depth;
-      } else {
-        close(lineStart, false);
-        depth = 1;
-      }
-    } else if (boundary == Boundary::kEnd && depth > 0 && --depth == 0) {
-      close(file.size() - rest.size(), true);
-    }
-    afterAgent = boundary == Boundary::kAgent;
-  }
-  close(file.size(), false);
+  while (!file.empty()) sections.push_back(takeSection(file));
   return sections;
 }
 

@@ -10,6 +10,8 @@
 namespace vcard {
 namespace {
 
+constexpr CharacterSet kEscapedPunctuation("\\;,:\"");
+
 bool isBase64(const std::vector<Parameter>& parameters) {
   return hasParameter(parameters, "ENCODING", "B") || hasParameter(parameters, "ENCODING", "BASE64");
 }
@@ -69,23 +71,18 @@ std::string withUnixBreaks(std::string_view text) {
 }
 
 std::string unescape(std::string_view escaped, Version version) {
-  if (escaped.find_first_of("\\\r") == std::string_view::npos) return std::string(escaped);
   std::string text;
   text.reserve(escaped.size());
-  constexpr std::string_view kPunctuation = "\\;,:\"";
-  for (std::size_t i = 0; i < escaped.size(); ++i) {
-    if (escaped[i] == '\\' && i + 1 < escaped.size()) {
-      const char next = escaped[i + 1];
-      const bool isBreak = version != Version::k21 && lower(next) == 'n';
-      if (isBreak || kPunctuation.find(next) != std::string_view::npos) {
-        text.push_back(isBreak ? '\n' : next);
-        ++i;
-        continue;
-      }
-    }
-    text.push_back(escaped[i]);
+  for (std::size_t slash = 0; (slash = escaped.find('\\')) < escaped.size() - 1; escaped.remove_prefix(slash + 2)) {
+    text += escaped.substr(0, slash);
+    const char next = escaped[slash + 1];
+    const bool isBreak = version != Version::k21 && lower(next) == 'n';
+    if (!isBreak && !kEscapedPunctuation.has(next)) text.push_back('\\');
+    text.push_back(isBreak ? '\n' : next);
   }
-  return text.find('\r') == std::string::npos ? text : withUnixBreaks(text);
+  text += escaped;
+  if (text.find('\r') == std::string::npos) return text;
+  return withUnixBreaks(text);
 }
 
 std::vector<std::string> splitFields(std::string_view escaped, char separator, Version version) {
