@@ -7,6 +7,7 @@
 #include "platform/contacts/strings.h"
 #include "platform/contacts/text_properties.h"
 #include "platform/contacts/vcard/ascii.h"
+#include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/text.h"
 #include "platform/foundation/autorelease_pool.h"
 #include "platform/foundation/number.h"
@@ -22,29 +23,46 @@ Retained<NSObject> text(std::string_view utf8) {
   return utf8.empty() ? Retained<NSObject>() : Retained<NSObject>::share(makeString(utf8));
 }
 
+// The line's value, still escaped: most stand as they are, what has to be decoded is kept for the caller.
+std::string_view valueOf(const vcard::Line& line, std::string& kept) {
+  if (line.parameterText().empty() && vcard::isValidUtf8(line.value())) return line.value();
+  return kept = vcard::decodedValue(line);
+}
+
 // Of several lines of one name (other languages, other preferences) the first that isn't empty counts.
 std::string textFromCard(std::string_view lineName, int field, const vcard::Card& card) {
   const std::optional<std::size_t> place = saidLine(card, lineName);
   if (!place) return {};
-  const std::string value = vcard::decodedValue(card.lines[*place]);
+  std::string kept;
+  const std::string_view value = valueOf(card.lines[*place], kept);
   if (field == kWholeValue) return vcard::unescape(value, card.version);
-  return std::string(vcard::trimmed(vcard::fieldAt(value, static_cast<std::size_t>(field), ';', card.version)));
+  std::string text = vcard::fieldAt(value, static_cast<std::size_t>(field), ';', card.version);
+  const std::string_view trimmed = vcard::trimmed(text);
+  return trimmed.size() == text.size() ? text : std::string(trimmed);
 }
 
 bool hasNameFields(const vcard::Card& card) {
-  return std::ranges::any_of(kTextProperties, [&](const TextProperty& property) {
-    return property.line == "N" && !textFromCard("N", property.field, card).empty();
-  });
+  const std::optional<std::size_t> place = saidLine(card, "N");
+  if (!place) return false;
+  const vcard::Line& line = card.lines[*place];
+  constexpr std::string_view kNoText = "; \t\r\n\\";
+  if (line.parameterText().empty() && kNoText.find(line.value().front()) == std::string_view::npos) return true;
+  for (int field = 0; field < static_cast<int>(kNameFields); ++field) {
+    if (!textFromCard("N", field, card).empty()) return true;
+  }
+  return false;
+}
+
+std::string fullName(const vcard::Card& card) {
+  return std::string(vcard::trimmed(textFromCard("FN", kWholeValue, card)));
 }
 
 // A card with nothing but a full name has it for its first name, or its company's.
-std::string nameFromCard(const TextProperty& property, const vcard::Card& card) {
+std::string textOf(const TextProperty& property, const vcard::Card& card) {
   std::string found = textFromCard(property.line, property.field, card);
   if (!found.empty()) return found;
   if (property.property == "GroupName") return textFromCard("N", 0, card);
-  const bool isFirst = property.property == "First" && !hasNameFields(card) && !isNamedAsCompany(card);
-  const bool isCompany = property.property == "Organization" && isNamedAsCompany(card);
-  return isFirst || isCompany ? std::string(vcard::trimmed(textFromCard("FN", kWholeValue, card))) : std::string();
+  return property.property == "Organization" && isNamedAsCompany(card) ? fullName(card) : std::string();
 }
 
 Retained<NSObject> flagsFromCard(const vcard::Card& card) {
@@ -55,8 +73,11 @@ Retained<NSObject> flagsFromCard(const vcard::Card& card) {
   }
   bool areSaid = isNamedAsCompany(card);
   flags = areSaid ? kABShowAsCompany : 0;
+  std::string_view line;
+  std::string said;
   for (const PersonFlagWord& flag : kPersonFlagWords) {
-    if (!vcard::equalsIgnoringCase(textFromCard(flag.line, kWholeValue, card), flag.word)) continue;
+    if (line != flag.line) said = textFromCard(line = flag.line, kWholeValue, card);
+    if (!vcard::equalsIgnoringCase(said, flag.word)) continue;
     flags = (flags & ~flag.mask) | flag.flag;
     areSaid = true;
   }
@@ -117,7 +138,24 @@ std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view na
   return std::nullopt;
 }
 
+std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& card) {
+  std::array<Retained<NSObject>, kNameFields> names;
+  bool isNamed = false;
+  if (const std::optional<std::size_t> place = saidLine(card, "N")) {
+    std::string kept;
+    const std::vector<std::string> fields = vcard::splitFields(valueOf(card.lines[*place], kept), ';', card.version);
+    for (std::size_t i = 0; i < std::min(fields.size(), kNameFields); ++i) {
+      names[i] = text(vcard::trimmed(fields[i]));
+      isNamed = isNamed || names[i];
+    }
+  }
+  if (!isNamed && !isNamedAsCompany(card)) names[kFirstNameField] = text(fullName(card));
+  return names;
+}
+
 Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid) {
+  if (isNameField(property)) return namesFromCard(card)[static_cast<std::size_t>(property.text->field)];
+  if (property.text != nullptr) return text(textOf(*property.text, card));
   const AutoreleasePool pool;
   if (const auto codec = entryCodecFor(property)) return multiValueFromCard(*codec, property, card, uid);
   if (property.isCustom) return customFromCard(property, card);
@@ -125,8 +163,7 @@ Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& ca
   if (property.name == "BirthdayComponents") return birthdayFromCard(card);
   if (property.name == "Creation") return instantFromCard("CREATED", card);
   if (property.name == "Modification") return instantFromCard("REV", card);
-  auto found = std::ranges::find(kTextProperties, property.name, &TextProperty::property);
-  return found == kTextProperties.end() ? Retained<NSObject>() : text(nameFromCard(*found, card));
+  return {};
 }
 
 }  // namespace contacts

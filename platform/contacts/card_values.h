@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/contacts/schema.h"
+#include "platform/contacts/text_properties.h"
 #include "platform/contacts/vcard/card.h"
 #include "platform/objc/retained.h"
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <string_view>
@@ -13,6 +15,9 @@ namespace contacts {
 // What a card with that id says of a property of persons or groups; nil when it says nothing. Not for the id itself,
 // and not for views of other properties.
 Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid);
+
+// What it says of the fields of a person's name, which are asked for one after the other.
+std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& card);
 
 // The first line of that name that says something.
 std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name);

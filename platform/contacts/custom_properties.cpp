@@ -76,7 +76,7 @@ bool isOfGroups(const Schema& schema) { return &schema == &groupSchema(); }
 
 }  // namespace
 
-const Property* findProperty(const Schema& schema, std::string_view name) {
+const Property* findProperty(const Schema& schema, NSString name) {
   if (const Property* known = schema.find(name)) return known;
   readFromFolder();
   return schema.find(name);

@@ -11,7 +11,7 @@
 namespace contacts {
 
 // The property of that name, which another process may just have added; null when there is none.
-const Property* findProperty(const Schema& schema, std::string_view name);
+const Property* findProperty(const Schema& schema, NSString name);
 // All of the schema, with what other processes have added. A folder that can't be read adds nothing.
 std::vector<const Property*> presentProperties(const Schema& schema);
 

@@ -136,9 +136,8 @@ constexpr std::array kViews{
 
 }  // namespace
 
-const PropertyView* findPropertyView(const Property& property) {
-  if (property.isCustom) return nullptr;
-  auto found = std::ranges::find(kViews, property.name, &PropertyView::property);
+const PropertyView* findPropertyView(std::string_view property) {
+  auto found = std::ranges::find(kViews, property, &PropertyView::property);
   return found == kViews.end() ? nullptr : &*found;
 }
 

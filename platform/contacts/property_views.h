@@ -18,7 +18,7 @@ struct PropertyView {
   Retained<NSObject> (*write)(const PropertyView& view, NSObject source, NSObject value);
 };
 
-// Null for a property that is no view. A group's custom property may have the name of a person's view.
-const PropertyView* findPropertyView(const Property& property);
+// Null where none of the framework's own properties of that name is a view.
+const PropertyView* findPropertyView(std::string_view property);
 
 }  // namespace contacts

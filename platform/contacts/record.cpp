@@ -10,12 +10,14 @@
 #include "platform/contacts/property_views.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/strings.h"
+#include "platform/contacts/text_properties.h"
 #include "platform/contacts/value_check.h"
 #include "platform/foundation/date.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <utility>
 
@@ -32,7 +34,7 @@ NSString RecordObject::uniqueId() const { return makeString(card_->uniqueId()); 
 
 NSObject RecordObject::valueForProperty(NSString name) {
   if (!name) NSException::raise(NSInvalidArgumentException, "valueForProperty: the property is nil");
-  const Property* property = findProperty(*schema_, utf8Of(name));
+  const Property* property = findProperty(*schema_, name);
   if (property == nullptr) return nullptr;
   // The caller may still look at it after the property was given another.
   return Retained<NSObject>::share(value(*property)).autorelease();
@@ -42,17 +44,16 @@ bool RecordObject::isReadOnly() const { return book_ != nullptr && book_->isRead
 
 bool RecordObject::setValueOrFail(NSObject value, NSString name, NSError* error) {
   if (!name) NSException::raise(NSInvalidArgumentException, "setValue:forProperty: the property is nil");
-  const std::string text = utf8Of(name);
-  const Property* property = findProperty(*schema_, text);
+  const Property* property = findProperty(*schema_, name);
   if (property == nullptr) {
-    return fail(error, ABPropertyUnsupportedBySourceError, text + ": there is no such property");
+    return fail(error, ABPropertyUnsupportedBySourceError, utf8Of(name) + ": there is no such property");
   }
   if (isSetByTheFramework(*property) || isReadOnly()) {
-    return fail(error, ABPropertyReadOnlyError, text + ": the property can't be set");
+    return fail(error, ABPropertyReadOnlyError, utf8Of(name) + ": the property can't be set");
   }
   std::optional<Retained<NSObject>> checked = checkedValue(*property, value, error);
   if (!checked) return false;
-  if (const PropertyView* view = findPropertyView(*property)) {
+  if (const PropertyView* view = property->view) {
     property = schema_->find(view->source);
     const Retained<NSObject> written = view->write(*view, this->value(*property), checked->get());
     checked = checkedValue(*property, written.get(), error);
@@ -69,16 +70,34 @@ const RecordObject::HeldValue* RecordObject::held(const Property& property) cons
 
 NSObject RecordObject::value(const Property& property) {
   if (const HeldValue* known = held(property)) return known->value.get();
+  constexpr std::size_t kUsualCount = 8;  // most who ask for one ask for several
+  if (values_.empty()) values_.reserve(kUsualCount);
+  if (isNameField(property)) {
+    readNames();
+    return held(property)->value.get();
+  }
   Retained<NSObject> found = read(property);
   values_.push_back({&property, std::move(found), false});
   return values_.back().value.get();
 }
 
+void RecordObject::readNames() {
+  static const auto properties = [] {
+    std::array<const Property*, kNameFields> found;
+    for (std::size_t i = 0; i < found.size(); ++i) found[i] = personSchema().find(kTextProperties[i].property);
+    return found;
+  }();
+  std::array<Retained<NSObject>, kNameFields> names = namesFromCard(lines());
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (held(*properties[i]) == nullptr) values_.push_back({properties[i], std::move(names[i]), false});
+  }
+}
+
 Retained<NSObject> RecordObject::read(const Property& property) {
+  if (const PropertyView* view = property.view) return view->read(*view, valueFor(view->source));
   if (property.name == "UID") return Retained<NSObject>::share(uniqueId());
-  if (const PropertyView* view = findPropertyView(property)) return view->read(*view, valueFor(view->source));
   Retained<NSObject> found = valueFromCard(property, lines(), card_->uid);
-  if (found) return found;
+  if (found || property.text != nullptr) return found;
   // A card that doesn't say when it was made or changed is as old as its file.
   if (property.name == "Creation") return Retained<NSObject>::share(valueFor("Modification"));
   if (property.name != "Modification" || !card_->fileTime) return {};
@@ -88,7 +107,7 @@ Retained<NSObject> RecordObject::read(const Property& property) {
 
 void RecordObject::store(const Property& property, Retained<NSObject> value) {
   std::erase_if(values_, [&](const HeldValue& held) {
-    const PropertyView* view = findPropertyView(*held.property);
+    const PropertyView* view = held.property->view;
     return held.property == &property || (view != nullptr && view->source == property.name);
   });
   values_.push_back({&property, std::move(value), true});
@@ -100,7 +119,8 @@ const vcard::Card& RecordObject::lines() const {
     StoredCardPointer source;
     vcard::Card card;
   };
-  thread_local Parsed parsed;
+  thread_local Parsed onThisThread;
+  Parsed& parsed = onThisThread;
   if (parsed.source != card_) {
     parsed.source.reset();
     vcard::parseCard(card_->text.view(), parsed.card);
@@ -163,7 +183,7 @@ void RecordObject::adopt(StoredCardPointer card, bool isSaved) {
   for (const bool areViews : {false, true}) {
     for (std::size_t i = 0; i < values_.size(); ++i) {
       const Property& property = *values_[i].property;
-      if (values_[i].isChanged || (findPropertyView(property) != nullptr) != areViews) continue;
+      if (values_[i].isChanged || (property.view != nullptr) != areViews) continue;
       Retained<NSObject> fresh = read(property);
       NSObject old = values_[i].value.get();
       if (!old || !fresh || !send<bool>(old, "isEqual:"_sel, fresh.get())) values_[i].value = std::move(fresh);

@@ -75,6 +75,8 @@ struct RecordObject : objc::Object {
   [[nodiscard]] bool isToBeSaved(const HeldValue& held) const;
   NSObject valueFor(std::string_view property) { return value(*schema_->find(property)); }
   [[nodiscard]] Retained<NSObject> read(const Property& property);
+  // All fields of a name at once: whoever asks for one asks for the others.
+  void readNames();
 
   const Schema* schema_ = nullptr;
   StoredCardPointer card_;

@@ -1,11 +1,21 @@
 #include "platform/contacts/schema.h"
 
+#include "platform/contacts/property_views.h"
+#include "platform/contacts/strings.h"
+#include "platform/contacts/text_properties.h"
+
+#include <algorithm>
 #include <mutex>
 
 namespace contacts {
 
 Schema::Schema(std::initializer_list<Property> builtIn) : known_(builtIn) {
-  for (const Property& property : known_) {
+  for (Property& property : known_) {
+    property.view = findPropertyView(property.name);
+    const auto text = std::ranges::find(kTextProperties, property.name, &TextProperty::property);
+    if (text != kTextProperties.end()) property.text = &*text;
+    property.constant = NSString(NSConstantString(property.name.c_str()));
+    byConstant_.emplace(property.constant.get(), &property);
     properties_.push_back(&property);
     byName_.emplace(property.name, &property);
   }
@@ -15,6 +25,11 @@ const Property* Schema::find(std::string_view name) const {
   const std::shared_lock guard(lock_);
   auto found = byName_.find(name);
   return found == byName_.end() ? nullptr : found->second;
+}
+
+const Property* Schema::find(NSString name) const {
+  const auto found = byConstant_.find(name.get());
+  return found == byConstant_.end() ? find(utf8Of(name)) : found->second;
 }
 
 std::vector<const Property*> Schema::properties() const {

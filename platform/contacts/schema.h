@@ -12,10 +12,18 @@
 
 namespace contacts {
 
+struct PropertyView;
+struct TextProperty;
+
 struct Property {
   std::string name;
   ABPropertyType type;
   bool isCustom = false;
+
+  // The schema finds these for the framework's own properties; null where there is none.
+  const PropertyView* view = nullptr;
+  const TextProperty* text = nullptr;
+  NSString constant = {};  // the name
 };
 
 // One that a property can have.
@@ -32,6 +40,8 @@ class Schema {
 
   // Null when there is no such property.
   [[nodiscard]] const Property* find(std::string_view name) const;
+  // The same, at once for one of the framework's constants.
+  [[nodiscard]] const Property* find(NSString name) const;
   [[nodiscard]] std::vector<const Property*> properties() const;
 
   // From now on these are the custom properties. One that was there before stays the same property; one that comes back
@@ -39,6 +49,8 @@ class Schema {
   void setCustom(const std::vector<Property>& custom);
 
  private:
+  std::unordered_map<objc::Object*, const Property*> byConstant_;  // never changes
+
   mutable std::shared_mutex lock_;
   std::deque<Property> known_;  // all that ever were
   std::vector<const Property*> properties_;

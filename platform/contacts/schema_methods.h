@@ -13,7 +13,7 @@ namespace contacts {
 template <Schema& (*schema)()>
 struct SchemaMethods {
   static ABPropertyType typeOfProperty(Class, NSString name) {
-    const Property* property = findProperty(schema(), utf8Of(name));
+    const Property* property = findProperty(schema(), name);
     return property == nullptr ? kABErrorInProperty : property->type;
   }
 

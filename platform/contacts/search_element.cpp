@@ -63,7 +63,7 @@ ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSStrin
   }
   auto* element = objc::createInstance<SearchElementObject>("ABSearchElement"_class);
   auto owner = Retained<ABSearchElement>::adopt(ABSearchElement(element));
-  const Property* known = findProperty(schema, utf8Of(property));
+  const Property* known = findProperty(schema, property);
   element->isForGroups = isForGroups;
   element->property = Retained<NSString>::adopt(property.copy());
   element->type = known == nullptr ? kABErrorInProperty : known->type;

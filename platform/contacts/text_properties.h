@@ -1,13 +1,18 @@
 #pragma once
 
 #include "platform/contacts/constants.h"
+#include "platform/contacts/schema.h"
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 namespace contacts {
 
 inline constexpr int kWholeValue = -1;
+// Of the N line.
+inline constexpr std::size_t kNameFields = 5;
+inline constexpr std::size_t kFirstNameField = 1;
 
 // A property that is one line's value or one field of it.
 struct TextProperty {
@@ -16,6 +21,7 @@ struct TextProperty {
   int field;
 };
 
+// The name's fields come first, in their order.
 inline constexpr std::array kTextProperties{
     TextProperty{"Last", "N", 0},
     TextProperty{"First", "N", 1},
@@ -33,6 +39,8 @@ inline constexpr std::array kTextProperties{
     TextProperty{"Note", "NOTE", kWholeValue},
     TextProperty{"GroupName", "FN", kWholeValue},
 };
+
+inline bool isNameField(const Property& property) { return property.text != nullptr && property.text->line == "N"; }
 
 inline constexpr std::string_view kShowAsLine = "X-ABShowAs";
 inline constexpr std::string_view kOrderLine = "X-ABOrder";

@@ -13,7 +13,6 @@
 #include "platform/foundation/array.h"
 #include "platform/foundation/exception.h"
 
-#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -90,8 +89,7 @@ std::optional<Retained<NSObject>> checkedMultiValue(const Property& property, co
 Retained<NSObject> checkedText(const Property& property, NSString value) {
   const std::string given = utf8Of(value);
   std::string text = vcard::withUnixBreaks(given);
-  auto place = std::ranges::find(kTextProperties, property.name, &TextProperty::property);
-  const bool isField = !property.isCustom && place != kTextProperties.end() && place->field != kWholeValue;
+  const bool isField = property.text != nullptr && property.text->field != kWholeValue;
   if (isField) text = vcard::trimmed(text);
   if (text.empty()) return {};
   if (text == given) return Retained<NSObject>::adopt(value.copy());
