@@ -73,6 +73,8 @@ EntryCodec dateCodec();
 EntryCodec addressCodec();
 EntryCodec instantMessageCodec();
 EntryCodec socialProfileCodec();
+// Whether a service's name has the text, one that cards can mean without a word of it. The text is folded.
+bool isInServiceName(std::u16string_view text);
 EntryCodec customCodec(const Property& property);
 
 }  // namespace contacts

@@ -177,6 +177,13 @@ std::vector<LineDraft> encodeProfile(NSObject value, const std::string& label) {
 
 }  // namespace
 
+bool isInServiceName(std::u16string_view text) {
+  return std::ranges::any_of(kServices, [text](const Service& service) {
+    const std::string name = vcard::lowercased(service.word) + vcard::lowercased(kInstant);
+    return std::u16string(name.begin(), name.end()).find(text) != std::u16string::npos;
+  });
+}
+
 EntryCodec instantMessageCodec() { return {"InstantMessage", decodeMessage, encodeMessage}; }
 EntryCodec socialProfileCodec() { return {"SocialProfile", decodeProfile, encodeProfile}; }
 

@@ -1,19 +1,41 @@
 #include "platform/contacts/search_element.h"
 
+#include "platform/contacts/case_folding.h"
 #include "platform/contacts/custom_properties.h"
+#include "platform/contacts/entry_codec.h"
 #include "platform/contacts/load.h"
 #include "platform/contacts/multi_value_object.h"
 #include "platform/contacts/record_object.h"
 #include "platform/contacts/search_element_object.h"
 #include "platform/contacts/strings.h"
+#include "platform/contacts/vcard/ascii.h"
 #include "platform/foundation/dictionary.h"
 #include "platform/foundation/exception.h"
 #include "platform/objc/class_builder.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace contacts {
 namespace {
+
+// Null for what only answers like an element.
+const SearchElementObject* elementObject(ABSearchElement element) {
+  const bool isOwn = element.isKindOfClass("ABSearchElement"_class);
+  return isOwn ? static_cast<const SearchElementObject*>(element.get()) : nullptr;
+}
+
+void findNeeded(SearchElementObject& element) {
+  element.childrenInNeed.resize(element.children.size());
+  if (element.conjunction != kABSearchOr) return;
+  for (std::size_t i = 0; i < element.children.size(); ++i) {
+    const SearchElementObject* child = elementObject(element.children[i].get());
+    if (child == nullptr || child->isConjunction || comparisonOf(child->comparison).isNegated) continue;
+    if (child->needed == TextDigest()) continue;
+    if (element.needed == TextDigest()) element.needed = child->needed;
+    element.childrenInNeed[i] = child->needed == element.needed;
+  }
+}
 
 ABSearchElement searchElementForConjunction(Class, NSInteger conjunction, NSArray children) {
   if (!children || children.count() == 0) {
@@ -30,23 +52,66 @@ ABSearchElement searchElementForConjunction(Class, NSInteger conjunction, NSArra
   for (NSUInteger i = 0; i < children.count(); ++i) {
     element->children.push_back(Retained<ABSearchElement>::share(children.objectAtIndex(i).as<ABSearchElement>()));
   }
+  findNeeded(*element);
   return Retained<ABSearchElement>(owner).autorelease();
 }
 
+constexpr std::string_view kMessages = "InstantMessage";
+
 // Whether the property's texts are in its record's digest.
 bool isDigested(const Property& property) {
-  if (property.isCustom || property.name == "UID" || property.name.ends_with("Instant")) return false;
-  return property.type == kABStringProperty || property.type == kABMultiStringProperty || property.name == "Address";
+  if (property.isCustom || property.name == "UID") return false;
+  return property.type == kABStringProperty || property.type == kABMultiStringProperty || property.name == "Address" ||
+         property.name == kMessages;
 }
 
-// Of a text that a value is or contains; empty for any other comparison.
-TextDigest digestOf(NSObject value, ABSearchComparison asked) {
+// What a card must have of a text so that the name of a service in it has all of it. The names end with "Instant",
+// which cards don't say.
+std::u16string withoutServiceEnd(std::u16string text) {
+  constexpr std::u16string_view kEnd = u"instant";
+  for (std::size_t length = kEnd.size(); length > 0; --length) {
+    if (!text.ends_with(kEnd.substr(0, length))) continue;
+    text.resize(text.size() - length);
+    break;
+  }
+  return text;
+}
+
+// Whether what matches is the text or contains it.
+bool looksForText(NSObject value, ABSearchComparison asked) {
+  return value && value.isKindOfClass("NSString"_class) && (asked == kABEqual || isOfText(asked));
+}
+
+// Empty for what isn't looked for as a text.
+TextDigest digestOf(NSObject value, ABSearchComparison asked, const Property& property) {
   TextDigest digest;
-  if (!value || !value.isKindOfClass("NSString"_class) || (asked != kABEqual && !isOfText(asked))) return digest;
-  const std::u16string units = unitsOf(value.as<NSString>());
+  if (!looksForText(value, asked)) return digest;
+  std::u16string units = unitsOf(value.as<NSString>());
+  if (property.name == kMessages) {
+    units = caseFolded(units);
+    if (isInServiceName(units)) return digest;
+    units = withoutServiceEnd(std::move(units));
+  }
   const bool hasSurrogates = std::ranges::any_of(units, [](char16_t unit) { return unit >= 0xD800 && unit < 0xE000; });
   if (!hasSurrogates) digest.add(units);
   return digest;
+}
+
+// Other letters may be the same as those of ASCII but for their case.
+bool isAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+std::string partOfId(NSObject value, ABSearchComparison asked) {
+  if (!looksForText(value, asked)) return {};
+  std::string text = utf8Of(value.as<NSString>());
+  return isAscii(text) ? text : std::string();
+}
+
+bool idMayHave(const StoredCard& card, std::string_view part) {
+  if (part.empty()) return true;
+  const std::string id = card.uniqueId();
+  return !isAscii(id) || vcard::containsIgnoringCase(id, part);
 }
 
 }  // namespace
@@ -65,35 +130,49 @@ ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSStrin
   auto owner = Retained<ABSearchElement>::adopt(ABSearchElement(element));
   const Property* known = findProperty(schema, property);
   element->isForGroups = isForGroups;
-  element->property = Retained<NSString>::adopt(property.copy());
+  const bool hasConstant = known != nullptr && known->constant;
+  element->property =
+      hasConstant ? Retained<NSString>::share(known->constant) : Retained<NSString>::adopt(property.copy());
   element->type = known == nullptr ? kABErrorInProperty : known->type;
   if (label) element->label = Retained<NSString>::adopt(label.copy());
   if (key) element->key = Retained<NSString>::adopt(key.copy());
   element->value = Retained<NSObject>::share(value);
   element->comparison = static_cast<ABSearchComparison>(comparison);
-  if (known != nullptr && isDigested(*known))
-    element->needed = digestOf(value, comparisonOf(element->comparison).asked);
+  const ABSearchComparison asked = comparisonOf(element->comparison).asked;
+  if (known != nullptr && isDigested(*known)) element->needed = digestOf(value, asked, *known);
+  if (known != nullptr && known->name == "UID") element->neededInId = partOfId(value, asked);
   return owner.autorelease();
 }
 
 bool SearchElementObject::matchesRecord(ABRecord record) const {
   if (!record) NSException::raise(NSInvalidArgumentException, "matchesRecord: the record is nil");
   if (!isConjunction) return matches(record);
-  auto matchesChild = [record](const Retained<ABSearchElement>& child) { return child->matchesRecord(record); };
-  return conjunction == kABSearchAnd ? std::ranges::all_of(children, matchesChild)
-                                     : std::ranges::any_of(children, matchesChild);
+  return holdsForChildren(objectOf(record).mayHave(needed),
+                          [record](ABSearchElement child) { return child.matchesRecord(record); });
+}
+
+bool SearchElementObject::mayMatch(const StoredCard& card) const {
+  const bool hasNeeded = card.digest.mayHave(needed);
+  if (isConjunction) {
+    return holdsForChildren(hasNeeded, [&card](ABSearchElement child) { return contacts::mayMatch(child, card); });
+  }
+  if (card.isGroup != isForGroups) return false;
+  return comparisonOf(comparison).isNegated || (hasNeeded && idMayHave(card, neededInId));
+}
+
+template <class Test>
+bool SearchElementObject::holdsForChildren(bool hasNeeded, Test test) const {
+  const bool isOr = conjunction == kABSearchOr;
+  for (std::size_t i = 0; i < children.size(); ++i) {
+    const bool holds = (hasNeeded || !childrenInNeed[i]) && test(children[i].get());
+    if (holds == isOr) return isOr;
+  }
+  return !isOr;
 }
 
 bool mayMatch(ABSearchElement search, const StoredCard& card) {
-  if (!search.isKindOfClass("ABSearchElement"_class)) return true;
-  const auto& element = *static_cast<const SearchElementObject*>(search.get());
-  if (element.isConjunction) {
-    auto mayMatchChild = [&](const Retained<ABSearchElement>& child) { return mayMatch(child.get(), card); };
-    return element.conjunction == kABSearchAnd ? std::ranges::all_of(element.children, mayMatchChild)
-                                               : std::ranges::any_of(element.children, mayMatchChild);
-  }
-  return card.isGroup == element.isForGroups &&
-         (comparisonOf(element.comparison).isNegated || card.digest.mayHave(element.needed));
+  const SearchElementObject* element = elementObject(search);
+  return element == nullptr || element->mayMatch(card);
 }
 
 // A negated comparison matches when none of the values that it looks at has what it denies.
@@ -104,7 +183,7 @@ bool SearchElementObject::matches(ABRecord record) const {
   const bool isDictionary = elementType == kABDictionaryProperty;
   if (value.get() && !isDictionary && !isComparable(elementType, asked, value.get())) return false;
 
-  if (!objectOf(record).mayHave(needed)) return isNegated;
+  if (!objectOf(record).mayHave(needed) || !idMayHave(objectOf(record).card(), neededInId)) return isNegated;
 
   const NSObject found = record.valueForProperty(property.get());
   bool isFound = false;

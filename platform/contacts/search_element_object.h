@@ -30,14 +30,22 @@ struct SearchElementObject : objc::Object {
   Retained<NSString> key;    // nil for any
   Retained<NSObject> value;  // nil: whether there is one at all
   ABSearchComparison comparison = kABEqual;
-  TextDigest needed;  // a record can't have the value without having it; empty when that can't be told
+  TextDigest needed;       // a record can't match without having it; empty when that can't be told
+  std::string neededInId;  // the same of the records' ids, case ignored
+  // By child of an Or: whether it needs just what is needed above, mostly one text looked for in many properties.
+  std::vector<bool> childrenInNeed;
+
+  // False when no record of that card, as it was read, matches.
+  [[nodiscard]] bool mayMatch(const StoredCard& card) const;
 
  private:
+  template <class Test>
+  bool holdsForChildren(bool hasNeeded, Test test) const;
   [[nodiscard]] bool matches(ABRecord record) const;
   [[nodiscard]] bool matchesValue(NSObject found) const;
 };
 
-// False when no record of that card, as it was read, matches.
+// The same of any object that answers like an element.
 bool mayMatch(ABSearchElement search, const StoredCard& card);
 
 // What searchElementForProperty:label:key:value:comparison: answers, autoreleased.

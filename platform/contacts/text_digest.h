@@ -18,6 +18,7 @@ class TextDigest {
   void addAnything() { bits_.fill(~std::uint32_t{0}); }
   // False when no text that was added contains what the other was made of.
   [[nodiscard]] bool mayHave(const TextDigest& part) const;
+  bool operator==(const TextDigest&) const = default;
 
  private:
   std::array<std::uint32_t, 32> bits_{};

@@ -251,12 +251,20 @@ TEST_F(Search, JoinsConditions) {
     return ABSearchElement::searchElementForConjunction(conjunction, NSArray::arrayWithObjects(children));
   };
   const ABSearchElement nobody = join(kABSearchAnd, {first, other});
+  auto text = [](NSString property, NSString part) {
+    return person(property, part, kABContainsSubStringCaseInsensitive);
+  };
+  const ABSearchElement none = text(kABNicknameProperty, "no one's name"_ns);
   const std::pair<ABSearchElement, const char*> rows[] = {
       {join(kABSearchAnd, {last, first}), "a"},
       {join(kABSearchOr, {first, other}), "a b"},
       {join(kABSearchOr, {first, group}), "a g"},
       {join(kABSearchAnd, {last, join(kABSearchOr, {other, group})}), "b"},
       {nobody, ""},
+      {join(kABSearchOr, {text(kABUIDProperty, "B:abPerson"_ns), none, text(kABNoteProperty, "no one's name"_ns)}),
+       "b"},
+      {join(kABSearchOr, {none, text(kABOrganizationProperty, "nothing else"_ns), first}), "a"},
+      {join(kABSearchOr, {none, person(kABNicknameProperty, "no one's name"_ns, kABNotEqual)}), "a b"},
       {join(kABSearchOr, {nobody, join(kABSearchAnd, {last, join(kABSearchOr, {nobody, first})})}), "a"},
   };
   for (const auto& [element, expected] : rows) EXPECT_EQ(found(element), expected);
