@@ -22,38 +22,23 @@ struct ArrayData {
 // Storage is never empty: a plug-in that has to take the upper bound for 0 reads the first element whatever it is.
 constexpr std::size_t kFirstCapacity = 4;
 
-struct Kind {
-  const char* className;
-  Type element;
-};
-
-// By element type.
-const std::array<Kind, 8>& kinds() {
-  static const std::array<Kind, 8> all{{{"Int32()", namedType("Int32")},
-                                        {"Int64()", namedType("Int64")},
-                                        {"Single()", namedType("Single")},
-                                        {"String()", namedType("String")},
-                                        {"Object()", namedType("Variant")},
-                                        {"Double()", namedType("Double")},
-                                        {"Boolean()", namedType("Boolean")},
-                                        {"Date()", namedType("Date")}}};
-  return all;
-}
-
 void destroyArray(REALobject array);
 
-std::array<REALclassDefinition, 8>& definitions() {
-  static std::array<REALclassDefinition, 8> all = [] {
-    std::array<REALclassDefinition, 8> made{};
-    for (std::size_t i = 0; i < made.size(); ++i) {
-      made[i] = {.name = kinds()[i].className, .dataSize = sizeof(ArrayData), .destructor = destroyArray};
-    }
-    return made;
-  }();
-  return all;
+constexpr REALclassDefinition definition(const char* className) {
+  return {.name = className, .dataSize = sizeof(ArrayData), .destructor = destroyArray};
 }
 
-const Type& elementType(REALobject array) { return kinds()[static_cast<std::size_t>(*elementTypeOf(array))].element; }
+// By element type.
+constinit std::array definitions{definition("Int32()"),   definition("Int64()"),  definition("Single()"),
+                                 definition("String()"),  definition("Object()"), definition("Double()"),
+                                 definition("Boolean()"), definition("Date()")};
+
+const Type& elementType(REALobject array) {
+  static const std::array<Type, definitions.size()> types{
+      namedType("Int32"),   namedType("Int64"),  namedType("Single"),  namedType("String"),
+      namedType("Variant"), namedType("Double"), namedType("Boolean"), namedType("Date")};
+  return types[static_cast<std::size_t>(*elementTypeOf(array))];
+}
 
 ArrayData& dataOf(REALobject array) { return host::dataOf<ArrayData>(array, *classOf(array).definition); }
 
@@ -119,11 +104,11 @@ void directInsert(REALarray array, REALinteger index, Element element) {
 
 }  // namespace
 
-std::span<REALclassDefinition> arrayDefinitions() { return definitions(); }
+std::span<REALclassDefinition> arrayDefinitions() { return definitions; }
 
 REALarray newArray(std::int32_t type, REALinteger upper) {
-  if (type < 0 || static_cast<std::size_t>(type) >= definitions().size() || upper < -1) return nullptr;
-  auto created = ObjectRef::adopt(newInstance(requireClass(definitions()[static_cast<std::size_t>(type)].name)));
+  if (type < 0 || static_cast<std::size_t>(type) >= definitions.size() || upper < -1) return nullptr;
+  auto created = ObjectRef::adopt(newInstance(requireClass(definitions[static_cast<std::size_t>(type)].name)));
   reserve(created.get(), std::max<std::size_t>(static_cast<std::size_t>(upper + 1), 1));
   dataOf(created.get()).count = static_cast<std::size_t>(upper + 1);
   return static_cast<REALarray>(created.leak());
@@ -131,10 +116,10 @@ REALarray newArray(std::int32_t type, REALinteger upper) {
 
 std::optional<ElementType> elementTypeOf(REALobject object) {
   const REALclassDefinition* definition = classOf(object).definition;
-  if (definition < definitions().data() || definition >= definitions().data() + definitions().size()) {
+  if (definition < definitions.data() || definition >= definitions.data() + definitions.size()) {
     return std::nullopt;
   }
-  return static_cast<ElementType>(definition - definitions().data());
+  return static_cast<ElementType>(definition - definitions.data());
 }
 
 REALinteger upperBound(REALobject array) { return static_cast<REALinteger>(dataOf(array).count) - 1; }

@@ -19,7 +19,7 @@ constexpr std::size_t kDataAlignment = 8;
 struct NameHash {
   std::size_t operator()(std::string_view name) const {
     std::size_t hash = 0;
-    for (char c : name) hash = 31 * hash + static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    for (char c : name) hash = 31 * hash + (static_cast<unsigned char>(c) | 0x20U);  // letters lose their case
     return hash;
   }
 };

@@ -11,8 +11,6 @@ namespace host {
 
 namespace {
 
-char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 bool isNameCharacter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
 }
@@ -104,10 +102,6 @@ Parameter readParameter(Reader& reader) {
 }
 
 }  // namespace
-
-bool sameName(std::string_view a, std::string_view b) {
-  return std::ranges::equal(a, b, [](char x, char y) { return lowered(x) == lowered(y); });
-}
 
 Type namedType(std::string_view name) {
   static constexpr std::array<std::pair<std::string_view, TypeKind>, 11> kinds{{

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -39,7 +40,11 @@ struct ConstantDeclaration {
 };
 
 // The language doesn't tell letter case apart.
-bool sameName(std::string_view a, std::string_view b);
+inline bool sameName(std::string_view a, std::string_view b) {
+  if (a == b) return true;  // nearly always, where they are the same
+  const auto lowered = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::ranges::equal(a, b, {}, lowered, lowered);
+}
 
 // The type of that name: a scalar of the language, Variant, or else a class.
 Type namedType(std::string_view name);

@@ -71,6 +71,21 @@ Callables instanceCallables(const HostClass& objectClass, std::string_view name,
   return callables;
 }
 
+// Valid until the thread's next call: most callers go through many objects of a class. A class never changes.
+const Callables& methodsNamed(const HostClass& objectClass, std::string_view name) {
+  struct Found {
+    const HostClass* objectClass = nullptr;
+    std::string name;
+    Callables callables;
+  };
+  thread_local Found last;
+  if (last.objectClass != &objectClass || last.name != name) {
+    last = {};
+    last = {&objectClass, std::string(name), instanceCallables(objectClass, name, addMethods)};
+  }
+  return last.callables;
+}
+
 std::string memberName(const Callable& callable) {
   return std::string(callable.method->owner->name()) + "." + callable.declaration().name;
 }
@@ -178,9 +193,10 @@ Callables constructors(const HostClass& objectClass) {
 
 Value callMember(const Value& self, std::string_view name, const Arguments& arguments) {
   const HostClass& objectClass = classOf(requireObject(self, name));
-  const Callables callables = instanceCallables(objectClass, name, addMethods);
+  const Callables& callables = methodsNamed(objectClass, name);
   if (callables.empty()) failMissing(objectClass, "method", name);
-  return invoke(chosen(callables, arguments), self.object(), arguments);
+  const Callable callable = chosen(callables, arguments);  // a copy: the plug-in may call back
+  return invoke(callable, self.object(), arguments);
 }
 
 void assignMember(const Value& self, std::string_view name, const Arguments& argumentsAndValue) {
