@@ -1,5 +1,6 @@
 #include "apps/contacts/commands.h"
 #include "apps/contacts/failure.h"
+#include "apps/contacts/heap.h"
 #include "apps/contacts/pick.h"
 #include "apps/contacts/script.h"
 #include "apps/contacts/session.h"
@@ -290,4 +291,7 @@ int main(int argc, char** argv) {
 }  // namespace
 }  // namespace contacts
 
-int main(int argc, char** argv) { return contacts::main(argc, argv); }
+int main(int argc, char** argv) {
+  contacts::growHeapInLargeSteps();
+  return contacts::main(argc, argv);
+}

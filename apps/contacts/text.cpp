@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
@@ -45,9 +46,15 @@ void forEachCharacter(std::string_view text, Each each) {
   }
 }
 
+// ASCII without control characters.
+bool isPlain(std::string_view text) {
+  return std::ranges::all_of(text, [](char c) { return c >= ' ' && c < 0x7F; });
+}
+
 }  // namespace
 
 std::size_t displayWidth(std::string_view text) {
+  if (isPlain(text)) return text.size();
   std::size_t width = 0;
   forEachCharacter(text, [&](wchar_t character, std::string_view) {
     const int columns = wcwidth(character);
@@ -64,6 +71,7 @@ std::string padded(std::string_view text, std::size_t width) {
 }
 
 std::string printable(std::string_view text) {
+  if (isPlain(text)) return std::string(text);
   std::string result;
   forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {
     if (character == L'\uFFFD') {
