@@ -143,9 +143,16 @@ std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& car
   bool isNamed = false;
   if (const std::optional<std::size_t> place = saidLine(card, "N")) {
     std::string kept;
-    const std::vector<std::string> fields = vcard::splitFields(valueOf(card.lines[*place], kept), ';', card.version);
-    for (std::size_t i = 0; i < std::min(fields.size(), kNameFields); ++i) {
-      names[i] = text(vcard::trimmed(fields[i]));
+    std::string_view value = valueOf(card.lines[*place], kept);
+    const bool isEscaped = value.find('\\') != std::string_view::npos || value.find('\r') != std::string_view::npos;
+    for (std::size_t i = 0; i < kNameFields; ++i) {
+      if (isEscaped) {
+        names[i] = text(vcard::trimmed(vcard::fieldAt(value, i, ';', card.version)));
+      } else {
+        const std::size_t end = std::min(value.find(';'), value.size());
+        names[i] = text(vcard::trimmed(value.substr(0, end)));
+        value.remove_prefix(std::min(end + 1, value.size()));
+      }
       isNamed = isNamed || names[i];
     }
   }
