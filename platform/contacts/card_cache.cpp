@@ -19,7 +19,7 @@ namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 3\n";
+constexpr std::string_view kForm = "contacts cache 4\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 
 template <class Value>

@@ -36,12 +36,15 @@ bool areTypes(std::string_view parameters) {
   return true;
 }
 
+// A social profile's type is the name of its service.
+bool isProfile(const vcard::Line& line) { return line.is("X-SOCIALPROFILE") || line.is("SOCIALPROFILE"); }
+
 // Where a property's text isn't a part of the line's, it may be any text.
 void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) {
   const std::string_view value = line.value();
   if ((line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos)) {
     digest.addAnything();
-  } else if (areTypes(line.parameterText()) && vcard::isAscii(value)) {
+  } else if (areTypes(line.parameterText()) && vcard::isAscii(value) && !isProfile(line)) {
     if (value.find('\\') == std::string_view::npos) {
       digest.addAscii(value);
     } else {

@@ -61,8 +61,8 @@ constexpr std::string_view kMessages = "InstantMessage";
 // Whether the property's texts are in its record's digest.
 bool isDigested(const Property& property) {
   if (property.isCustom || property.name == "UID") return false;
-  return property.type == kABStringProperty || property.type == kABMultiStringProperty || property.name == "Address" ||
-         property.name == kMessages;
+  const ABPropertyType elementType = property.type & ~kABMultiValueMask;
+  return elementType == kABStringProperty || elementType == kABDictionaryProperty;
 }
 
 // What a card must have of a text so that the name of a service in it has all of it. The names end with "Instant",

@@ -46,7 +46,7 @@ struct StoredCard {
   bool hasDerivedUid = false;
   std::uint64_t hash = 0;  // of all of its text
   bool isGroup = false;
-  // Of the texts of its properties that are one text or several, and of its addresses.
+  // Of the texts of its properties, the id and the custom ones left out.
   TextDigest digest;
   // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks.
   SharedText text;
