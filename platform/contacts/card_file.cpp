@@ -2,11 +2,9 @@
 
 #include "platform/contacts/group_lines.h"
 #include "platform/contacts/identifier.h"
-#include "platform/contacts/strings.h"
 #include "platform/contacts/vcard/ascii.h"
 #include "platform/contacts/vcard/sections.h"
 #include "platform/contacts/vcard/text.h"
-#include "platform/foundation/autorelease_pool.h"
 
 #include <algorithm>
 #include <array>
@@ -21,7 +19,7 @@ constexpr std::array<std::string_view, 5> kAboutCard{"BEGIN", "END", "VERSION", 
 // Pictures and the like, which stay in the file until somebody asks.
 bool isLongBinary(const vcard::Line& line) {
   constexpr std::size_t kLongestKept = 1024;
-  constexpr std::array<std::string_view, 4> kNames{"PHOTO", "LOGO", "SOUND", "KEY"};
+  static constexpr std::array<std::string_view, 4> kNames{"PHOTO", "LOGO", "SOUND", "KEY"};
   return line.raw().size() > kLongestKept && std::ranges::any_of(kNames, [&](auto name) { return line.is(name); });
 }
 
@@ -44,23 +42,21 @@ void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) 
   const std::string_view value = line.value();
   if ((line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos)) {
     digest.addAnything();
-  } else if (areTypes(line.parameterText()) && vcard::isAscii(value) && !isProfile(line)) {
-    if (value.find('\\') == std::string_view::npos) {
-      digest.addAscii(value);
-    } else {
-      digest.addAscii(vcard::unescape(value, version));
-    }
-  } else {
-    const AutoreleasePool pool;
+  } else if (!areTypes(line.parameterText()) || isProfile(line)) {
     const std::vector<vcard::Parameter> parameters = line.parameters();
-    digest.add(unitsOf(makeString(vcard::unescape(vcard::decodedValue(line, parameters), version))));
-    for (const vcard::Parameter& parameter : parameters) digest.add(unitsOf(makeString(parameter.value)));
+    digest.add(vcard::unescape(vcard::decodedValue(line, parameters), version));
+    for (const vcard::Parameter& parameter : parameters) digest.add(parameter.value);
+  } else if (!vcard::isAscii(value)) {
+    digest.add(vcard::unescape(vcard::decodedValue(line, {}), version));
+  } else if (value.find('\\') != std::string_view::npos) {
+    digest.addAscii(vcard::unescape(value, version));
+  } else {
+    digest.addAscii(value);
   }
 }
 
-std::shared_ptr<StoredCard> readCard(std::string_view section, std::uint64_t hash) {
-  thread_local vcard::Card card;
-  vcard::parseCard(section, card);
+// card is what the section holds.
+std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card& card, std::uint64_t hash) {
   auto result = std::make_shared<StoredCard>();
   StoredCard& stored = *result;
   stored.hash = hash;
@@ -96,13 +92,15 @@ constexpr bool isHarmless(char c) {
 }  // namespace
 
 NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash) {
+  thread_local vcard::Card card;
   NewCards cards;
   const std::size_t size = text.size();
   while (!text.empty()) {
     const vcard::Section section = vcard::takeSection(text);
     if (!section.isCard) continue;
     const bool isAll = hash && section.text.size() == size;
-    cards.push_back(readCard(section.text, isAll ? *hash : contentHash(section.text)));
+    vcard::parseCard(section.text, card);
+    cards.push_back(readCard(section.text, card, isAll ? *hash : contentHash(section.text)));
     cards.back()->position = cards.size() - 1;
   }
   return cards;

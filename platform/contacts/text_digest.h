@@ -12,7 +12,9 @@ class TextDigest {
  public:
   // Has the text, and all that is a part of it but halves of surrogate pairs.
   void add(std::u16string_view text);
-  // The same of a text in ASCII.
+  // The same of valid UTF-8.
+  void add(std::string_view text);
+  // The same of ASCII.
   void addAscii(std::string_view text);
   // From now on it may have any text.
   void addAnything() { bits_.fill(~std::uint32_t{0}); }

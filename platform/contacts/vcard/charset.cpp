@@ -21,25 +21,6 @@ constexpr std::array<char16_t, 32> kWindows1252{
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
-void appendUtf8(std::string& text, char32_t c) {
-  auto push = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  if (c < 0x80) {
-    push(c);
-  } else if (c < 0x800) {
-    push(0xC0 | c >> 6);
-    push(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    push(0xE0 | c >> 12);
-    push(0x80 | (c >> 6 & 0x3F));
-    push(0x80 | (c & 0x3F));
-  } else {
-    push(0xF0 | c >> 18);
-    push(0x80 | (c >> 12 & 0x3F));
-    push(0x80 | (c >> 6 & 0x3F));
-    push(0x80 | (c & 0x3F));
-  }
-}
-
 std::string fromWindows1252(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size() + bytes.size() / 8);
@@ -108,6 +89,18 @@ std::optional<std::string> convert(std::string_view bytes, const std::string& ch
 }
 
 }  // namespace
+
+void appendUtf8(std::string& text, char32_t c) {
+  if (c < 0x80) {
+    text.push_back(static_cast<char>(c));
+    return;
+  }
+  const std::size_t length = c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+  std::array<char, 4> bytes{};
+  for (std::size_t i = length; i-- > 1; c >>= 6) bytes[i] = static_cast<char>(0x80 | (c & 0x3F));
+  bytes[0] = static_cast<char>(0xF00U >> length | c);
+  text.append(bytes.data(), length);
+}
 
 bool isValidUtf8(std::string_view bytes) {
   if (isAscii(bytes)) return true;

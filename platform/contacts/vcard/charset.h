@@ -6,6 +6,7 @@
 namespace vcard {
 
 bool isValidUtf8(std::string_view bytes);
+void appendUtf8(std::string& text, char32_t c);
 // Unpaired surrogates come out as U+FFFD.
 std::string utf8FromUtf16(std::u16string_view units);
 

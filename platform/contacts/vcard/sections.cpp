@@ -16,35 +16,27 @@ namespace {
 std::size_t findBreak(std::string_view text) {
   constexpr std::uint64_t kOnes = 0x0101010101010101;
   constexpr std::uint64_t kAboveBreaks = '\r' + 1;
+  constexpr std::size_t kStep = sizeof(std::uint64_t);
   auto isBreak = [](char c) { return c == '\n' || c == '\r'; };
-  std::size_t i = 0;
-  while (i + sizeof(std::uint64_t) <= text.size()) {
+  std::size_t start = 0;
+  for (const std::size_t end = text.size() - text.size() % kStep; start < end; start += kStep) {
     std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + i, sizeof word);
+    std::memcpy(&word, text.data() + start, kStep);
     // The top bit of each byte below that, right up to the first one.
     const std::uint64_t low = (word - kOnes * kAboveBreaks) & ~word & kOnes << 7;
-    if (low == 0) {
-      i += sizeof word;
-      continue;
+    if (low == 0) continue;
+    for (std::size_t i = start + static_cast<std::size_t>(std::countr_zero(low)) / 8; i < start + kStep; ++i) {
+      if (isBreak(text[i])) return i;
     }
-    i += static_cast<std::size_t>(std::countr_zero(low)) / 8;
-    if (isBreak(text[i])) return i;
-    ++i;
   }
-  while (i < text.size() && !isBreak(text[i])) ++i;
-  return i;
+  while (start < text.size() && !isBreak(text[start])) ++start;
+  return start;
 }
 
-}  // namespace
+constexpr CharacterSet kFirstLetters("ABEabe");
+constexpr CharacterSet kSecondLetters("GENgen");
 
-std::string_view takePhysicalLine(std::string_view& text) {
-  std::size_t end = findBreak(text);
-  if (end < text.size() && text[end++] == '\r' && end < text.size() && text[end] == '\n') ++end;
-  const std::string_view line = text.substr(0, end);
-  text.remove_prefix(end);
-  return line;
-}
-
+// Of a line that starts with the letters of one.
 Boundary boundaryNamedBy(std::string_view physicalLine) {
   const std::string_view line = trimmed(physicalLine);
   const std::size_t colon = line.find(':');
@@ -57,6 +49,26 @@ Boundary boundaryNamedBy(std::string_view physicalLine) {
   }
   const bool isAgent = value.empty() && equalsIgnoringCase(trimmed(name.substr(0, name.find(';'))), "AGENT");
   return isAgent ? Boundary::kAgent : Boundary::kNone;
+}
+
+}  // namespace
+
+std::string_view takePhysicalLine(std::string_view& text) {
+  std::size_t end = findBreak(text);
+  if (end < text.size()) {
+    const bool isPair = text[end] == '\r' && end + 1 < text.size() && text[end + 1] == '\n';
+    end += isPair ? 2 : 1;
+  }
+  const std::string_view line = text.substr(0, end);
+  text.remove_prefix(end);
+  return line;
+}
+
+Boundary boundaryOf(std::string_view physicalLine) {
+  // Most lines are told by their first two characters.
+  const bool isNamed =
+      physicalLine.size() >= 2 && kFirstLetters.has(physicalLine[0]) && kSecondLetters.has(physicalLine[1]);
+  return isNamed ? boundaryNamedBy(physicalLine) : Boundary::kNone;
 }
 
 Section takeSection(std::string_view& file) {

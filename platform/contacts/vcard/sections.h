@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/contacts/vcard/ascii.h"
-
 #include <cstddef>
 #include <string_view>
 #include <vector>
@@ -31,13 +29,6 @@ constexpr std::string_view withoutBreak(std::string_view physicalLine) {
 
 // What a physical line means for the nesting of cards.
 enum class Boundary { kNone, kBegin, kEnd, kAgent };
-// Of a line that starts with the letter of one.
-Boundary boundaryNamedBy(std::string_view physicalLine);
-inline constexpr CharacterSet kBoundaryLetters("ABEabe");
-// Most lines are told by their first character.
-inline Boundary boundaryOf(std::string_view physicalLine) {
-  if (physicalLine.empty() || !kBoundaryLetters.has(physicalLine.front())) return Boundary::kNone;
-  return boundaryNamedBy(physicalLine);
-}
+Boundary boundaryOf(std::string_view physicalLine);
 
 }  // namespace vcard
