@@ -77,9 +77,10 @@ void destroyArray(REALobject array) {
 void insertNative(REALobject array, std::size_t index, NativeValue value) {
   ArrayData& data = dataOf(array);
   reserve(array, data.count + 1);
-  std::memmove(elementAddress(array, index + 1), elementAddress(array, index),
-               (data.count - index) * elementSize(array));
-  value.leakTo(elementAddress(array, index));
+  char* place = elementAddress(array, index);
+  const std::size_t size = elementSize(array);
+  std::memmove(place + size, place, (data.count - index) * size);
+  value.leakTo(place);
   ++data.count;
 }
 

@@ -112,6 +112,7 @@ std::vector<Value> Value::elements() const {
   REALobject array = object();
   if (array == nullptr || !elementTypeOf(array)) wrongType(*this, "an array");
   std::vector<Value> values;
+  values.reserve(static_cast<std::size_t>(upperBound(array) + 1));
   for (REALinteger index = 0; index <= upperBound(array); ++index) values.push_back(elementAt(array, index));
   return values;
 }
