@@ -76,6 +76,8 @@ std::string printable(std::string_view text) {
   forEachCharacter(text, [&](wchar_t character, std::string_view bytes) {
     if (character == L'\uFFFD') {
       result += "\xEF\xBF\xBD";
+    } else if (character >= L' ' && character < 0x7F) {
+      result += static_cast<char>(character);
     } else if (std::iswcntrl(static_cast<std::wint_t>(character)) != 0) {
       result += ' ';
     } else {
