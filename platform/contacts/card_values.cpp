@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <span>
 #include <utility>
 
 namespace contacts {
@@ -65,9 +66,18 @@ std::string textOf(const TextProperty& property, const vcard::Card& card) {
   return property.property == "Organization" && isNamedAsCompany(card) ? fullName(card) : std::string();
 }
 
+// False for most cards, which have no line of those that hold flags.
+bool maySayFlags(const vcard::Card& card) {
+  static constexpr std::string_view kStart = "X-AB";
+  return std::ranges::any_of(card.lines, [](const vcard::Line& line) {
+    return vcard::equalsIgnoringCase(line.name().substr(0, kStart.size()), kStart);
+  });
+}
+
 Retained<NSObject> flagsFromCard(const vcard::Card& card) {
+  const bool maySay = maySayFlags(card);
   int flags = 0;
-  const std::string number = textFromCard(kFlagsLine, kWholeValue, card);
+  const std::string number = maySay ? textFromCard(kFlagsLine, kWholeValue, card) : std::string();
   if (std::from_chars(number.data(), number.data() + number.size(), flags).ec == std::errc()) {
     return Retained<NSObject>::share(NSNumber::numberWithInt(flags));
   }
@@ -75,7 +85,7 @@ Retained<NSObject> flagsFromCard(const vcard::Card& card) {
   flags = areSaid ? kABShowAsCompany : 0;
   std::string_view line;
   std::string said;
-  for (const PersonFlagWord& flag : kPersonFlagWords) {
+  for (const PersonFlagWord& flag : std::span(kPersonFlagWords).first(maySay ? kPersonFlagWords.size() : 0)) {
     if (line != flag.line) said = textFromCard(line = flag.line, kWholeValue, card);
     if (!vcard::equalsIgnoringCase(said, flag.word)) continue;
     flags = (flags & ~flag.mask) | flag.flag;
@@ -163,10 +173,10 @@ std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& car
 Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& card, std::string_view uid) {
   if (isNameField(property)) return namesFromCard(card)[static_cast<std::size_t>(property.text->field)];
   if (property.text != nullptr) return text(textOf(*property.text, card));
+  if (property.type == kABIntegerProperty && !property.isCustom) return flagsFromCard(card);
   const AutoreleasePool pool;
   if (const auto codec = entryCodecFor(property)) return multiValueFromCard(*codec, property, card, uid);
   if (property.isCustom) return customFromCard(property, card);
-  if (property.name == "ABPersonFlags") return flagsFromCard(card);
   if (property.name == "BirthdayComponents") return birthdayFromCard(card);
   if (property.name == "Creation") return instantFromCard("CREATED", card);
   if (property.name == "Modification") return instantFromCard("REV", card);
