@@ -82,7 +82,8 @@ NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) 
   NSMutableArray found = NSMutableArray::array();
   for (RecordList* list : {&persons_, &groups_}) {
     list->forEach([&](RecordList::Entry& entry) {
-      if (!entry.record && !mayMatch(search, *entry.unread)) return;
+      const bool isAsRead = !entry.record || objectOf(entry.record.get()).isAsRead();
+      if (isAsRead && !mayMatch(search, entry.card())) return;
       const AutoreleasePool pool;
       const ABRecord record = recordOf(entry);
       if (search.matchesRecord(record)) found.addObject(record);

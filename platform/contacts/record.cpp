@@ -139,8 +139,10 @@ bool RecordObject::isChanged() const {
          (isGroup() && static_cast<const GroupObject*>(this)->hasChangedMembers());
 }
 
+bool RecordObject::isAsRead() const { return std::ranges::none_of(values_, &HeldValue::isChanged); }
+
 bool RecordObject::mayHave(const TextDigest& part) const {
-  return card_->digest.mayHave(part) || std::ranges::any_of(values_, &HeldValue::isChanged);
+  return card_->digest.mayHave(part) || !isAsRead();
 }
 
 CardChanges RecordObject::changes(double time) {

@@ -38,6 +38,8 @@ struct RecordObject : objc::Object {
   // The card as it would be saved now.
   [[nodiscard]] std::string changedText();
 
+  // Whether all values are the card's.
+  [[nodiscard]] bool isAsRead() const;
   // Whether one of the texts that digests are of (stored_card.h) may contain what the part was made of.
   [[nodiscard]] bool mayHave(const TextDigest& part) const;
 
