@@ -73,7 +73,8 @@ void remember(ClassRecord* objectClass, Selector selector, const Method& method)
   objectClass->cache.store(cache, std::memory_order_release);
 }
 
-Method lookUpSlowly(Object* self, Selector selector) {
+// Never a part of lookUp, which would save registers for it at each send.
+[[gnu::noinline]] Method lookUpSlowly(Object* self, Selector selector) {
   if (const objc::SendHook hook = sendHook.load()) hook(self, selector);
   ClassRecord* objectClass = self->isa;
   {
