@@ -21,14 +21,14 @@ using foundation::MutableStringObject;
 using foundation::StringObject;
 using foundation::unitsOf;
 
-Retained<NSString> newStringOf(Class stringClass, std::u16string units) {
+Retained<NSString> newStringOf(Class stringClass, std::u16string&& units) {
   auto* made = objc::createInstance<StringObject>(stringClass);
   made->units = std::move(units);
   return Retained<NSString>::adopt(NSString(made));
 }
 
 // Autoreleased; nil for what could not be decoded.
-NSString makeStringOf(Class stringClass, std::optional<std::u16string> units) {
+NSString makeStringOf(Class stringClass, std::optional<std::u16string>&& units) {
   return units ? newStringOf(stringClass, *std::move(units)).autorelease() : nullptr;
 }
 
