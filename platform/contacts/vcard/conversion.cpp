@@ -49,6 +49,12 @@ void appendWithBreaks(std::string& text, std::string_view raw) {
   while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
 }
 
+// What begins with a blank goes on with an empty line, or it would go on with the line before.
+void appendContent(std::string& text, std::string_view content) {
+  if (!content.empty() && isBlank(content.front())) text += "\r\n ";
+  appendFolded(text, content);
+}
+
 // Whether the line ends in a soft break because the card does, or would when it is written without an empty line that
 // it goes on with: it would take in the line behind it.
 bool endsInSoftBreak(const Line& line) {
@@ -63,7 +69,7 @@ void appendUnchanged(std::string& text, const Line& line, Version version) {
   if (endsInSoftBreak(line)) {
     std::string content = recoded(line);
     if (content.ends_with('=')) content += "3D";
-    appendFolded(text, content);
+    appendContent(text, content);
   } else if (line.is("AGENT")) {
     appendWithBreaks(text, decodeCharset(line.raw(), ""));
   } else if (!line.name().empty() && isBlank(line.raw().front())) {
@@ -71,7 +77,7 @@ void appendUnchanged(std::string& text, const Line& line, Version version) {
   } else if (keepsFolds && isValidUtf8(line.raw())) {
     appendWithBreaks(text, line.raw());
   } else {
-    appendFolded(text, isValidUtf8(line.content()) ? std::string(line.content()) : recoded(line));
+    appendContent(text, isValidUtf8(line.content()) ? std::string(line.content()) : recoded(line));
   }
 }
 
