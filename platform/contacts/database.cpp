@@ -31,6 +31,15 @@ void deriveUid(StoredCard& card) {
   card.hasDerivedUid = true;
 }
 
+// A line takes a hundred bytes of memory when it is read: one file could take more than 32 bits can count.
+bool hasTooManyLines(std::string_view text) {
+  constexpr std::ptrdiff_t kMost = 1'000'000;
+  if (text.size() < static_cast<std::size_t>(kMost)) return false;
+  return std::ranges::any_of(vcard::splitSections(text), [](const vcard::Section& section) {
+    return section.isCard && std::ranges::count_if(section.text, [](char c) { return c == '\n' || c == '\r'; }) > kMost;
+  });
+}
+
 std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
   std::vector<std::string> files;
   std::ranges::copy_if(names, std::back_inserter(files), [](const std::string& name) { return isCardFileName(name); });
@@ -268,8 +277,12 @@ Database::FoundFile Database::parse(std::string name, FileContents contents) con
   if (!found.file.refusal.empty()) return found;
   // Text that is decoded to itself, as nearly every file's.
   const bool isAsWritten = contents.bytes.starts_with("BEGIN");
-  addCards(found, cardsIn(vcard::decodeFile(std::move(contents.bytes)),
-                          isAsWritten ? std::optional(found.file.hash) : std::nullopt));
+  const std::string text = vcard::decodeFile(std::move(contents.bytes));
+  if (hasTooManyLines(text)) {
+    found.file.refusal = "has a card of more than a million lines";
+    return found;
+  }
+  addCards(found, cardsIn(text, isAsWritten ? std::optional(found.file.hash) : std::nullopt));
   if (found.file.cards.empty()) found.file.refusal = "is not a vCard";
   return found;
 }

@@ -74,6 +74,7 @@ TEST_F(HostileFolder, RefusesWhatIsNoCardFileOnceByName) {
   folder_.write("open.vcf", "BEGIN:VCARD\nVERSION:3.0\nN:Open\n");
   folder_.write("large.vcf", "");
   fs::resize_file(folder_.path() / "large.vcf", std::uintmax_t{33} << 20);
+  folder_.write("lines.vcf", card(std::string(1'000'000, '\n')));
   folder_.write("new\nline \xFF.vcf", "nothing");
   const char* ignored[] = {".hidden.vcf", "a.vcf.tmp", "noextension", "b.vcf~", "c.vcfx1y2z3"};
   for (const char* name : ignored) folder_.writeCard(name, "UID:x\nN:Ignored\n");
@@ -91,6 +92,7 @@ TEST_F(HostileFolder, RefusesWhatIsNoCardFileOnceByName) {
                              "text.vcf: is not a vCard",
                              "open.vcf: is not a vCard",
                              "large.vcf: is larger than 32 MB",
+                             "lines.vcf: has a card of more than a million lines",
                              "\\xFF.vcf: is not a vCard"};
     for (const char* text : refused) EXPECT_EQ(timesLogged(text), 1) << text;
     EXPECT_EQ(logged.size(), std::size(refused));

@@ -101,6 +101,8 @@ Card parseCard(std::string_view section) {
 
 void parseCard(std::string_view section, Card& card) {
   card.version = Version::k30;
+  constexpr std::size_t kUsual = 10'000;
+  if (card.lines.capacity() > kUsual) card.lines = {};  // one huge card's storage isn't kept
   card.lines.clear();
   LogicalLine current;
   while (!section.empty()) {
