@@ -53,11 +53,11 @@ std::string meaning(const Line& line, Version version) {
   }
   if (isBinary(line)) {
     const std::string bytes = vcard::binaryValue(line);
-    return bytes.empty() ? value : bytes;
+    return bytes.empty() ? vcard::unescape(value, version) : bytes;
   }
   if (line.is("BDAY")) {
     const std::optional<vcard::Date> date = vcard::parseDate(value);
-    if (!date) return value;
+    if (!date) return vcard::unescape(value, version);
     const bool hasYear = date->year && date->year != vcard::kNoYear;
     return vcard::formatDate({hasYear ? date->year : std::nullopt, date->month, date->day});
   }

@@ -93,12 +93,10 @@ std::vector<Parameter> convertedParameters(const Line& line) {
   return parameters;
 }
 
-void appendBinary(std::string& text, const Line& line, std::vector<Parameter> parameters) {
+// False, and nothing done, when the line has none of its own.
+bool appendBinary(std::string& text, const Line& line, std::vector<Parameter>& parameters) {
   const std::string bytes = binaryValue(line);
-  if (bytes.empty()) {
-    appendLine(text, line.group(), line.name(), parameters, decodedValue(line));
-    return;
-  }
+  if (bytes.empty()) return false;
   std::erase_if(parameters, [](const Parameter& parameter) { return parameter.name == "VALUE"; });
   parameters.insert(parameters.begin(), {"ENCODING", "b"});
   const std::string_view value = trimmed(line.value());
@@ -108,31 +106,29 @@ void appendBinary(std::string& text, const Line& line, std::vector<Parameter> pa
     parameters.push_back({"TYPE", uppercased(kind.substr(0, kind.find_first_of(";,")))});
   }
   appendLine(text, line.group(), line.name(), parameters, encodeBase64(bytes));
+  return true;
 }
 
-void appendDate(std::string& text, const Line& line, std::vector<Parameter> parameters) {
-  const std::string value = decodedValue(line);
-  std::optional<Date> date = parseDate(value);
-  if (!date || date->year) {
-    appendLine(text, line.group(), line.name(), parameters, value);
-    return;
-  }
-  // Version 3.0 has no date without a year; this is how others say it.
+// Version 3.0 has no date without a year; this is how others say it. False, and nothing done, for any other value.
+bool appendYearlessDate(std::string& text, const Line& line, std::vector<Parameter>& parameters) {
+  std::optional<Date> date = parseDate(decodedValue(line));
+  if (!date || date->year) return false;
   date->year = kNoYear;
   std::erase_if(parameters, [](const Parameter& parameter) { return parameter.name == "VALUE"; });
   parameters.push_back({std::string(kOmittedYear), std::to_string(kNoYear)});
   appendLine(text, line.group(), line.name(), parameters, formatDate(*date));
+  return true;
 }
 
 void appendKnown(std::string& text, const Line& line, Form form, Version version) {
   std::vector<Parameter> parameters = convertedParameters(line);
-  if (form == Form::kBinary) return appendBinary(text, line, std::move(parameters));
-  if (form == Form::kDate) return appendDate(text, line, std::move(parameters));
+  if (form == Form::kBinary && appendBinary(text, line, parameters)) return;
+  if (form == Form::kDate && appendYearlessDate(text, line, parameters)) return;
   const std::string value = decodedValue(line);
   std::string converted;
-  if (form == Form::kUri) {
+  if (form == Form::kUri || form == Form::kBinary) {
     converted = escapeUri(unescape(value, version));
-  } else if (form == Form::kText) {
+  } else if (form == Form::kText || form == Form::kDate) {
     converted = escape(unescape(value, version));
   } else {
     for (const std::string& field : splitFields(value, ';', version)) converted += escape(field) + ";";
