@@ -25,9 +25,9 @@ bool isWorthKeeping(std::size_t read, std::size_t all) {
   return read >= kWorthwhile && read >= all / kPart;
 }
 
-// For a card without a UID, or with another one's.
-void deriveUid(StoredCard& card) {
-  card.uid = derivedIdentifier(card.fileName + "/" + std::to_string(card.position));
+// For a card without a UID, or with another one's. What comes behind the place makes it another id.
+void deriveUid(StoredCard& card, std::string_view behind = {}) {
+  card.uid = derivedIdentifier((card.fileName + "/" + std::to_string(card.position)).append(behind));
   card.hasDerivedUid = true;
 }
 
@@ -106,6 +106,10 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
 }
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
+  if (isBehind_) {
+    byId_.clear();
+    for (const auto& [name, file] : files_) byId_.insert(file.cards.begin(), file.cards.end());
+  }
   std::vector<FoundFile> found;
   if (names != nullptr) {
     found = lookAt(cardFilesOf(*names), CardCache());
@@ -319,11 +323,10 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
     if (file.state == FoundFile::State::kGone) continue;
     if (!file.file.refusal.empty()) logOnce(file.name + ": " + file.file.refusal + "; left alone");
     for (StoredCardPointer& card : file.file.cards) {
-      if (!byId_.insert(card).second) {
+      for (std::string behind; !byId_.insert(card).second; behind += '/') {
         auto other = std::make_shared<StoredCard>(*card);
-        deriveUid(*other);
+        deriveUid(*other, behind);
         card = std::move(other);
-        byId_.insert(card);
       }
       StoredCardPointer before;
       if (auto same = gone.find(card); same != gone.end()) before = std::move(gone.extract(same).value());

@@ -176,6 +176,8 @@ std::vector<std::string> Folder::cardFileNames() const {
   std::vector<std::string> names = namesIn(cards());
   std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
   std::ranges::sort(names);
+  // Some file systems list a name again when the folder changes meanwhile.
+  names.erase(std::ranges::unique(names).begin(), names.end());
   return names;
 }
 

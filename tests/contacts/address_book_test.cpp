@@ -55,6 +55,20 @@ TEST_F(AddressBook, GivesEachCardAnIdOfItsOwn) {
   EXPECT_EQ(uids(again.groups()), "1");
 }
 
+// As when a card that had none was saved with the id that it was given, and an older form of it is there.
+TEST_F(AddressBook, TellsACardFromOneWithItsDerivedId) {
+  folder_.writeCard("b.vcf", "N:Bee\n");
+  const std::string derived = answerOfChild([] { return uids(ABAddressBook::addressBook().people()); }).second;
+  folder_.writeCard("a.vcf", "UID:" + derived + "\nN:Ay\n");
+  ABAddressBook book = ABAddressBook::addressBook();
+  EXPECT_EQ(shown(personIn(book, derived), "Last"), "Ay");
+  EXPECT_TRUE(book.removeRecord(book.people().objectAtIndex(1).as<ABRecord>()));
+  EXPECT_EQ(uids(book.people()), derived);
+  EXPECT_TRUE(book.save());
+  EXPECT_FALSE(std::filesystem::exists(folder_.path() / "b.vcf"));
+  EXPECT_TRUE(std::filesystem::exists(folder_.path() / "a.vcf"));
+}
+
 TEST_F(AddressBook, FindsWhatIsLeftWhenMuchIsTakenOut) {
   for (char c = 'a'; c <= 'j'; ++c) folder_.writeCard(std::string(1, c) + ".vcf", "UID:" + std::string(1, c) + "\n");
   ABAddressBook book = ABAddressBook::addressBook();

@@ -1,3 +1,4 @@
+#include "tests/contacts/book_test.h"
 #include "tests/contacts/in_child.h"
 #include "tests/contacts/store_scenarios.h"
 
@@ -87,6 +88,32 @@ TEST_P(AllocationSweep, LosesNothing) {
     }
   }
   EXPECT_GT(hits, 5);
+}
+
+// What couldn't be read for want of memory is read the next time, and nobody has got another id meanwhile.
+TEST(AllocationSweep, KeepsTheIdsOfARefresh) {
+  const AutoreleasePool pool;
+  const ContactsFolder folder;
+  auto writeAll = [&folder](const std::string& name) {
+    for (const char* uid : {"a", "b", "c"}) {
+      folder.writeCard(uid + std::string(".vcf"), "UID:" + std::string(uid) + "\nN:" + name + "\n");
+    }
+  };
+  for (int at = 0;; ++at) {
+    SCOPED_TRACE(at);
+    const AutoreleasePool round;
+    writeAll("Before");
+    const ABAddressBook book = ABAddressBook::addressBook();
+    writeAll("After" + std::to_string(at));
+    failure = {at, false, false};
+    try {
+      ABAddressBook::addressBook();
+    } catch (const std::bad_alloc&) {
+    }
+    failure.left = -1;
+    for (const ABAddressBook each : {book, ABAddressBook::addressBook()}) ASSERT_EQ(uids(each.people()), "a b c");
+    if (!failure.isHit) break;
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AllocationSweep, testing::Range(std::size_t{0}, kCount));
