@@ -37,14 +37,21 @@ bool areTypes(std::string_view parameters) {
 // A social profile's type is the name of its service.
 bool isProfile(const vcard::Line& line) { return line.is("X-SOCIALPROFILE") || line.is("SOCIALPROFILE"); }
 
-// Where a property's text isn't a part of the line's, it may be any text.
+// Whether a property's text isn't a part of the line's: a street of several fields, a number with an extension.
+bool isMadeAnew(const vcard::Line& line, std::string_view value) {
+  return (line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos);
+}
+
+// Such a text may be any text.
 void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) {
   const std::string_view value = line.value();
-  if ((line.is("ADR") && !value.starts_with(";;")) || (line.is("TEL") && value.find(';') != std::string_view::npos)) {
+  if (isMadeAnew(line, value)) {
     digest.addAnything();
   } else if (!areTypes(line.parameterText()) || isProfile(line)) {
     const std::vector<vcard::Parameter> parameters = line.parameters();
-    digest.add(vcard::unescape(vcard::decodedValue(line, parameters), version));
+    const std::string decoded = vcard::decodedValue(line, parameters);
+    if (isMadeAnew(line, decoded)) return digest.addAnything();
+    digest.add(vcard::unescape(decoded, version));
     for (const vcard::Parameter& parameter : parameters) digest.add(parameter.value);
   } else if (!vcard::isAscii(value)) {
     digest.add(vcard::unescape(vcard::decodedValue(line, {}), version));
