@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <concepts>
+#include <cstdint>
 #include <cstring>
+#include <exception>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -19,7 +21,7 @@ namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 4\n";
+constexpr std::string_view kForm = "contacts cache 5\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 
 template <class Value>
@@ -70,7 +72,7 @@ void addCard(Writer& writer, const StoredCard& card) {
   writer.addText(card.text.view());
   writer.add(card.hash);
   writer.add(card.digest);
-  writer.add(card.isGroup);
+  writer.add(static_cast<std::uint8_t>(card.isGroup));
 }
 
 // The text stays a part of all.
@@ -81,7 +83,7 @@ std::shared_ptr<StoredCard> readCard(Reader& reader, const SharedText& all, std:
   card->text = all.part(reader.text());
   card->hash = reader.number<std::uint64_t>();
   card->digest = reader.number<TextDigest>();
-  card->isGroup = reader.number<bool>();
+  card->isGroup = reader.number<std::uint8_t>() != 0;
   return card;
 }
 
@@ -107,6 +109,7 @@ CardCache::CardCache(const Folder& folder) {
     entry.hash = reader.number<std::uint64_t>();
     const std::string_view rest = reader.rest();
     entry.name = reader.text();
+    if (entry.name.empty()) break;  // zeros, as a power failure leaves them
     entry.contents = reader.text();
     entry.all = rest.substr(0, rest.size() - reader.rest().size());
     entries_.push_back(entry);
@@ -149,7 +152,7 @@ void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>&
   // Not durable: what a power failure damages is seen to be.
   writeNewFile(folder.data(), temporary, cache, 0600, Durability::kNone);
   renameFile(folder.data(), temporary, folder.data(), kCacheFile);
-} catch (const FileError&) {
+} catch (const std::exception&) {
 }
 
 }  // namespace contacts

@@ -16,8 +16,8 @@ namespace contacts {
 class Folder;
 
 // What was read from the card files of a folder, in one file of its data folder, so that the files that are still the
-// same need not be read when the folder is opened again. It may be removed at any time; one that is damaged, or that
-// another version wrote, is none.
+// same need not be read when the folder is opened again. It may be removed at any time; what is damaged in it
+// counts as not there, as does one that another version wrote.
 class CardCache {
  public:
   // Has nothing.

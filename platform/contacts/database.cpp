@@ -7,10 +7,12 @@
 #include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/sections.h"
 #include "platform/foundation/autorelease_pool.h"
+#include "platform/foundation/blocked_signals.h"
 #include "platform/foundation/log.h"
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
 #include <future>
 #include <iterator>
 #include <utility>
@@ -38,6 +40,18 @@ bool hasTooManyLines(std::string_view text) {
   return std::ranges::any_of(vcard::splitSections(text), [](const vcard::Section& section) {
     return section.isCard && std::ranges::count_if(section.text, [](char c) { return c == '\n' || c == '\r'; }) > kMost;
   });
+}
+
+// Of use, but not needed.
+CardCache cacheOf(const Folder& folder) try { return CardCache(folder); } catch (const std::exception&) {
+  return {};
+}
+
+// A large cache takes about as long to read as the names.
+std::future<CardCache> startReadingCache(const Folder& folder) {
+  const auto policy = hasCardCache(folder) ? std::launch::async | std::launch::deferred : std::launch::deferred;
+  const BlockedSignals blocked;
+  return std::async(policy, [&folder] { return cacheOf(folder); });
 }
 
 std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
@@ -116,9 +130,7 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
   } else if (!files_.empty()) {
     found = lookAt(namesToLookAt(), CardCache());
   } else {
-    // A large cache takes about as long to read as the names.
-    const auto policy = hasCardCache(folder_) ? std::launch::async | std::launch::deferred : std::launch::deferred;
-    std::future<CardCache> cache = std::async(policy, [this] { return CardCache(folder_); });
+    std::future<CardCache> cache = startReadingCache(folder_);
     std::vector<std::string> all = fileNames();
     found = lookAt(std::move(all), cache.get());
   }

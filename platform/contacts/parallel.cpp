@@ -1,5 +1,7 @@
 #include "platform/contacts/parallel.h"
 
+#include "platform/foundation/blocked_signals.h"
+
 #include <algorithm>
 #include <atomic>
 #include <exception>
@@ -32,6 +34,7 @@ void inStretches(std::size_t count, const std::function<void(std::size_t, std::s
   const std::size_t stretches = (count + kStretch - 1) / kStretch;
   std::vector<std::jthread> others;
   try {
+    const BlockedSignals blocked;
     while (others.size() + 1 < std::min(processors, stretches)) others.emplace_back(take);
   } catch (const std::system_error&) {
     // Fewer will do.

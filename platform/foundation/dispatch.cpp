@@ -1,10 +1,10 @@
 #include "platform/foundation/dispatch.h"
 
+#include "platform/foundation/blocked_signals.h"
 #include "platform/objc/runtime.h"
 
 #include <chrono>
 #include <condition_variable>
-#include <csignal>
 #include <cstddef>
 #include <deque>
 #include <mutex>
@@ -58,21 +58,13 @@ void runWorker(dispatch_queue_t queue) {
 }
 
 // Called with the lock held. Workers are detached, as the end of the process must not wait for work that never ends.
-bool startWorker(dispatch_queue_t queue) {
-  // The process's signals are the main thread's.
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  bool started = true;
-  try {
-    std::thread(runWorker, queue).detach();
-    ++queue->workers;
-  } catch (const std::system_error&) {
-    started = false;
-  }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return started;
+bool startWorker(dispatch_queue_t queue) try {
+  const BlockedSignals blocked;
+  std::thread(runWorker, queue).detach();
+  ++queue->workers;
+  return true;
+} catch (const std::system_error&) {
+  return false;
 }
 
 }  // namespace
