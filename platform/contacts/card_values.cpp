@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <span>
 #include <utility>
 
 namespace contacts {
@@ -75,21 +74,22 @@ bool maySayFlags(const vcard::Card& card) {
 }
 
 Retained<NSObject> flagsFromCard(const vcard::Card& card) {
-  const bool maySay = maySayFlags(card);
-  int flags = 0;
-  const std::string number = maySay ? textFromCard(kFlagsLine, kWholeValue, card) : std::string();
-  if (std::from_chars(number.data(), number.data() + number.size(), flags).ec == std::errc()) {
-    return Retained<NSObject>::share(NSNumber::numberWithInt(flags));
-  }
   bool areSaid = isNamedAsCompany(card);
-  flags = areSaid ? kABShowAsCompany : 0;
-  std::string_view line;
-  std::string said;
-  for (const PersonFlagWord& flag : std::span(kPersonFlagWords).first(maySay ? kPersonFlagWords.size() : 0)) {
-    if (line != flag.line) said = textFromCard(line = flag.line, kWholeValue, card);
-    if (!vcard::equalsIgnoringCase(said, flag.word)) continue;
-    flags = (flags & ~flag.mask) | flag.flag;
-    areSaid = true;
+  int flags = areSaid ? kABShowAsCompany : 0;
+  if (maySayFlags(card)) {
+    const std::string number = textFromCard(kFlagsLine, kWholeValue, card);
+    int all = 0;
+    if (std::from_chars(number.data(), number.data() + number.size(), all).ec == std::errc()) {
+      return Retained<NSObject>::share(NSNumber::numberWithInt(all));
+    }
+    std::string_view line;
+    std::string said;
+    for (const PersonFlagWord& flag : kPersonFlagWords) {
+      if (line != flag.line) said = textFromCard(line = flag.line, kWholeValue, card);
+      if (!vcard::equalsIgnoringCase(said, flag.word)) continue;
+      flags = (flags & ~flag.mask) | flag.flag;
+      areSaid = true;
+    }
   }
   return areSaid ? Retained<NSObject>::share(NSNumber::numberWithInt(flags)) : Retained<NSObject>();
 }

@@ -141,9 +141,7 @@ bool RecordObject::isChanged() const {
 
 bool RecordObject::isAsRead() const { return std::ranges::none_of(values_, &HeldValue::isChanged); }
 
-bool RecordObject::mayHave(const TextDigest& part) const {
-  return card_->digest.mayHave(part) || !isAsRead();
-}
+bool RecordObject::mayHave(const TextDigest& part) const { return card_->digest.mayHave(part) || !isAsRead(); }
 
 CardChanges RecordObject::changes(double time) {
   CardChanges changes{card_->uid, isGroup(), time, {}, {}, {}, {}};

@@ -97,21 +97,17 @@ TextDigest digestOf(NSObject value, ABSearchComparison asked, const Property& pr
   return digest;
 }
 
-// Other letters may be the same as those of ASCII but for their case.
-bool isAscii(std::string_view text) {
-  return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-}
-
+// Letters beyond ASCII may be the same as some of ASCII but for their case.
 std::string partOfId(NSObject value, ABSearchComparison asked) {
   if (!looksForText(value, asked)) return {};
   std::string text = utf8Of(value.as<NSString>());
-  return isAscii(text) ? text : std::string();
+  return vcard::isAscii(text) ? text : std::string();
 }
 
 bool idMayHave(const StoredCard& card, std::string_view part) {
   if (part.empty()) return true;
   const std::string id = card.uniqueId();
-  return !isAscii(id) || vcard::containsIgnoringCase(id, part);
+  return !vcard::isAscii(id) || vcard::containsIgnoringCase(id, part);
 }
 
 }  // namespace
