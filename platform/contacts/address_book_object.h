@@ -58,8 +58,9 @@ struct AddressBookObject : objc::Object {
   ABRecord recordOf(RecordList::Entry& entry);
   void take(RecordList::Entry& entry);
   void absorb(const CardChange& change);
-  [[nodiscard]] SaveRequest saveRequest() const;
-  void finishSave(const SaveRequest& request, const SaveResult& result);
+  [[nodiscard]] std::vector<Retained<ABRecord>> changedRecords() const;
+  [[nodiscard]] SaveRequest saveRequest(const std::vector<Retained<ABRecord>>& changed) const;
+  void finishSave(const std::vector<Retained<ABRecord>>& changed, const SaveResult& result);
 
   RecordList persons_;
   RecordList groups_;

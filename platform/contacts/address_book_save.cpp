@@ -21,7 +21,8 @@ bool failToSave(NSError* error, const std::exception& reason) {
 
 bool AddressBookObject::saveOrFail(NSError* error) {
   if (!hasUnsavedChanges_) return true;
-  const SaveRequest request = saveRequest();
+  const std::vector<Retained<ABRecord>> changed = changedRecords();
+  const SaveRequest request = saveRequest(changed);
   SaveResult result;
   try {
     if (!request.updates.empty() || request.me) result = database->save(request);
@@ -30,24 +31,32 @@ bool AddressBookObject::saveOrFail(NSError* error) {
   } catch (const FolderError& reason) {
     return failToSave(error, reason);
   }
-  finishSave(request, result);
+  finishSave(changed, result);
   ChangeFeed& feed = changeFeed();
   feed.add(result.foreign, ChangeFeed::Origin::kOthers);
-  feed.add(result.saved, ChangeFeed::Origin::kThisProcess);
+  feed.add(result.saved, ChangeFeed::Origin::kThisProcess, this);
   return true;
 }
 
-// First the changed records that are still in the book, then those that were taken out of it.
-SaveRequest AddressBookObject::saveRequest() const {
+// Those that are still in the book.
+std::vector<Retained<ABRecord>> AddressBookObject::changedRecords() const {
+  std::vector<Retained<ABRecord>> changed;
+  for (const Retained<ABRecord>& record : changed_) {
+    const RecordObject& object = objectOf(record.get());
+    const bool isNew = object.card().database == nullptr;
+    if (object.book() == this && (isNew || object.isChanged())) changed.push_back(record);
+  }
+  return changed;
+}
+
+// First the changed records, then those that were taken out of the book.
+SaveRequest AddressBookObject::saveRequest(const std::vector<Retained<ABRecord>>& changed) const {
   const double now = NSDate::date().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
   SaveRequest request;
   request.me = changedMe_;
-  for (const Retained<ABRecord>& record : changed_) {
+  for (const Retained<ABRecord>& record : changed) {
     RecordObject& object = objectOf(record.get());
-    const bool isNew = object.card().database == nullptr;
-    if (object.book() == this && (isNew || object.isChanged())) {
-      request.updates.push_back({object.sharedCard(), object.changes(now), false});
-    }
+    request.updates.push_back({object.sharedCard(), object.changes(now), false});
   }
   for (const Retained<ABRecord>& record : removed_) {
     request.updates.push_back({objectOf(record.get()).sharedCard(), {}, true});
@@ -55,18 +64,14 @@ SaveRequest AddressBookObject::saveRequest() const {
   return request;
 }
 
-void AddressBookObject::finishSave(const SaveRequest& request, const SaveResult& result) {
+void AddressBookObject::finishSave(const std::vector<Retained<ABRecord>>& changed, const SaveResult& result) {
   auto saved = result.saved.begin();
-  for (const CardUpdate& update : request.updates) {
-    const CardChange& change = *saved++;
-    if (update.isRemoval) continue;
-    RecordList::Entry* entry = entryOf(*update.card);
-    if (entry != nullptr && change.after) objectOf(recordOf(*entry)).adopt(change.after, true);
+  for (const Retained<ABRecord>& record : changed) {
+    const StoredCardPointer& card = saved++->after;
+    if (card) objectOf(record.get()).adopt(card, true);
   }
-  const std::vector<Retained<ABRecord>> removed = std::exchange(removed_, {});
-  for (std::size_t i = 0; i < removed.size(); ++i) {
-    const std::size_t place = request.updates.size() - removed.size() + i;
-    objectOf(removed[i].get()).adopt(result.saved[place].before, false);
+  for (const Retained<ABRecord>& record : std::exchange(removed_, {})) {
+    objectOf(record.get()).adopt(saved++->before, false);
   }
   links_.reset();
   changed_.clear();

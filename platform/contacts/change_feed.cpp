@@ -66,12 +66,12 @@ void ChangeFeed::setShared(AddressBookObject& book) {
   shared_ = &book;
 }
 
-void ChangeFeed::add(std::vector<CardChange> changes, Origin origin) {
+void ChangeFeed::add(std::vector<CardChange> changes, Origin origin, const AddressBookObject* saver) {
   if (changes.empty()) return;
   {
     const std::scoped_lock guard(lock_);
     if (shared_ == nullptr) return;
-    batches_.push_back({std::move(changes), origin});
+    batches_.push_back({std::move(changes), origin, saver == shared_});
   }
   if (isMainThread()) {
     tell();
@@ -99,7 +99,7 @@ void ChangeFeed::tell() {
 
 void ChangeFeed::tell(const Batch& batch) {
   const AutoreleasePool pool;
-  shared_->absorb(batch.changes);
+  if (!batch.isKnown) shared_->absorb(batch.changes);
   const NSDictionary userInfo = userInfoFor(batch.changes);
   if (!userInfo) return;
   const NSString name =

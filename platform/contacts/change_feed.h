@@ -22,13 +22,15 @@ class ChangeFeed {
   void watch(Database& database);
   // The book lives as long as the process, too.
   void setShared(AddressBookObject& book);
-  // Any thread. On the main one, and once started, the changes are told before the call returns.
-  void add(std::vector<CardChange> changes, Origin origin);
+  // Any thread. On the main one, and once started, the changes are told before the call returns. The book that saved
+  // them has them already.
+  void add(std::vector<CardChange> changes, Origin origin, const AddressBookObject* saver = nullptr);
 
  private:
   struct Batch {
     std::vector<CardChange> changes;
     Origin origin;
+    bool isKnown;  // to the shared book
   };
 
   void tell();
