@@ -177,7 +177,7 @@ std::vector<std::string> Folder::cardFileNames() const {
   std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
   std::ranges::sort(names);
   // Some file systems list a name again when the folder changes meanwhile.
-  names.erase(std::ranges::unique(names).begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
   return names;
 }
 
