@@ -89,20 +89,32 @@ Line::Line(std::string_view raw, std::string_view unfolded) : raw_(raw), content
   }
   std::size_t nameEnd = 0;
   std::size_t dot = kNone;
-  for (; nameEnd < content_.size() && content_[nameEnd] != ';' && content_[nameEnd] != ':'; ++nameEnd) {
-    if (content_[nameEnd] == '.') dot = nameEnd;
+  bool isPlain = true;
+  for (; nameEnd < content_.size(); ++nameEnd) {
+    const char c = content_[nameEnd];
+    if (kNameCharacters.has(c)) continue;
+    if (c == ';' || c == ':') break;
+    if (c == '.') {
+      dot = nameEnd;
+    } else {
+      isPlain = false;
+    }
   }
   if (nameEnd == content_.size()) return;
   const std::string_view start = content_.substr(0, nameEnd);
-  const std::string_view name = trimmed(dot == kNone ? start : start.substr(dot + 1));
-  if (name.empty() || !kNameCharacters.hasAll(name)) return;
+  std::string_view name = dot == kNone ? start : start.substr(dot + 1);
+  if (!isPlain) name = trimmed(name);
+  if (name.empty() || !(isPlain || kNameCharacters.hasAll(name))) return;
 
   const std::string_view rest = content_.substr(nameEnd);
-  std::size_t colon = rest.find(':');
-  if (colon == kNone) return;
-  if (rest.substr(0, colon).find('"') != kNone) {
-    const std::size_t outside = findOutsideQuotes(rest, ':');
-    if (outside != kNone) colon = outside;  // else a quote is never closed
+  std::size_t colon = 0;
+  if (rest.front() == ';') {
+    colon = rest.find(':');
+    if (colon == kNone) return;
+    if (rest.substr(0, colon).find('"') != kNone) {
+      const std::size_t outside = findOutsideQuotes(rest, ':');
+      if (outside != kNone) colon = outside;  // else a quote is never closed
+    }
   }
   if (dot != kNone) group_ = trimmed(start.substr(0, dot));
   name_ = name;
