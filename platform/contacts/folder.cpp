@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -88,6 +89,32 @@ void lockFile(const FileDescriptor& file, FolderLock::Kind kind, steady_clock::t
     if (steady_clock::now() > end) throw FileError("cannot lock the folder, as another program keeps it locked", errno);
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
+}
+
+// By their bytes. Some file systems list a name again when the folder changes meanwhile: each is there once.
+std::vector<std::string> sorted(std::vector<std::string> names) {
+  // The beginning as one number decides nearly always.
+  struct Name {
+    explicit Name(std::string& name) : whole(&name) {
+      for (std::size_t i = 0; i < sizeof start; ++i) {
+        start = start << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+      }
+    }
+    bool operator<(const Name& other) const {
+      return start == other.start ? *whole < *other.whole : start < other.start;
+    }
+
+    std::uint64_t start = 0;
+    std::string* whole;
+  };
+  std::vector<Name> order(names.begin(), names.end());
+  std::sort(order.begin(), order.end());
+  std::vector<std::string> result;
+  result.reserve(names.size());
+  for (const Name& name : order) {
+    if (result.empty() || result.back() != *name.whole) result.push_back(std::move(*name.whole));
+  }
+  return result;
 }
 
 }  // namespace
@@ -175,10 +202,7 @@ std::vector<std::string> Folder::cardFileNames() const {
   if (!cards_.isOpen()) return {};
   std::vector<std::string> names = namesIn(cards());
   std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
-  std::ranges::sort(names);
-  // Some file systems list a name again when the folder changes meanwhile.
-  names.erase(std::unique(names.begin(), names.end()), names.end());
-  return names;
+  return sorted(std::move(names));
 }
 
 FolderLock::FolderLock(const Folder& folder, Kind kind, std::chrono::milliseconds patience) {
