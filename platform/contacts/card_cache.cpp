@@ -21,7 +21,7 @@ namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 5\n";
+constexpr std::string_view kForm = "contacts cache 6\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 
 template <class Value>

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -158,22 +159,33 @@ std::vector<std::string> namesIn(int folder) {
 }
 
 std::uint64_t contentHash(std::string_view bytes) {
-  // Eight bytes at a step; the length goes in, so that trailing zeros count.
   constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
-  std::uint64_t hash = bytes.size() * kPrime;
-  std::uint64_t word = 0;
-  auto add = [&] {
+  auto mixed = [](std::uint64_t hash, std::uint64_t word) {
     hash = (hash ^ word) * kPrime;
-    hash ^= hash >> 29;
+    return hash ^ hash >> 29;
   };
-  for (; bytes.size() >= sizeof word; bytes.remove_prefix(sizeof word)) {
-    std::memcpy(&word, bytes.data(), sizeof word);
-    add();
+  // The length goes in, so that trailing zeros count.
+  std::uint64_t hash = bytes.size() * kPrime;
+  std::array<std::uint64_t, 4> words{};
+  if (bytes.size() >= 2 * sizeof words) {
+    // Four that don't wait for each other.
+    std::array<std::uint64_t, 4> hashes{hash, 1, 2, 3};
+    for (; bytes.size() >= sizeof words; bytes.remove_prefix(sizeof words)) {
+      std::memcpy(&words, bytes.data(), sizeof words);
+      hashes[0] = mixed(hashes[0], words[0]);
+      hashes[1] = mixed(hashes[1], words[1]);
+      hashes[2] = mixed(hashes[2], words[2]);
+      hashes[3] = mixed(hashes[3], words[3]);
+    }
+    hash = mixed(mixed(mixed(hashes[0], hashes[1]), hashes[2]), hashes[3]);
   }
-  if (bytes.empty()) return hash;
-  word = 0;
-  std::memcpy(&word, bytes.data(), bytes.size());
-  add();
+  while (!bytes.empty()) {
+    std::uint64_t word = 0;
+    const std::size_t count = std::min(bytes.size(), sizeof word);
+    std::memcpy(&word, bytes.data(), count);
+    hash = mixed(hash, word);
+    bytes.remove_prefix(count);
+  }
   return hash;
 }
 

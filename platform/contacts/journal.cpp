@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::string_view kTemporaryPrefix = "new-";
 constexpr std::string_view kTemporarySuffix = ".tmp";
-constexpr std::string_view kHead = "addressbook-journal 2\n";
+constexpr std::string_view kHead = "addressbook-journal 3\n";
 
 // Names may hold any byte but a slash.
 std::string nameText(std::string_view name) { return name.empty() ? "-" : vcard::encodeBase64(name); }

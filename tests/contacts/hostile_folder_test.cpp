@@ -1,5 +1,6 @@
 #include "platform/foundation/log.h"
 #include "tests/contacts/book_test.h"
+#include "tests/contacts/hash_of.h"
 #include "tests/contacts/store_scenarios.h"
 
 #include <fcntl.h>
@@ -223,19 +224,6 @@ TEST_F(HostileFolder, WritesNothingThroughItsOwnFiles) {
   }
 }
 
-// As the store computes it for its journal.
-std::uint64_t hashOf(std::string_view bytes) {
-  constexpr std::uint64_t kPrime = 0x9E3779B97F4A7C15;
-  std::uint64_t hash = bytes.size() * kPrime;
-  for (; !bytes.empty(); bytes.remove_prefix(std::min<std::size_t>(bytes.size(), 8))) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes.data(), std::min<std::size_t>(bytes.size(), 8));
-    hash = (hash ^ word) * kPrime;
-    hash ^= hash >> 29;
-  }
-  return hash;
-}
-
 TEST_F(HostileFolder, AppliesNoJournalThatLeadsOutOfIt) {
   const std::string way = "../" + outside_.path().filename().string();
   const std::tuple<const char*, std::string, std::string, bool> steps[] = {
@@ -251,7 +239,7 @@ TEST_F(HostileFolder, AppliesNoJournalThatLeadsOutOfIt) {
     fs::remove_all(folder_.path());
     fs::create_directories(folder_.path() / ".addressbook");
     std::ofstream(data("new-1.tmp")) << card("UID:new\nN:New\n");
-    const std::string text = std::string("addressbook-journal 2\n") + target + " " + name + " " + temporary + " -\n";
+    const std::string text = std::string("addressbook-journal 3\n") + target + " " + name + " " + temporary + " -\n";
     std::ofstream(data("journal")) << text << "end " << hashOf(text) << "\n";
     inChild([&, isGood = isGood] {
       const ABAddressBook book = ABAddressBook::addressBook();
