@@ -143,6 +143,11 @@ NSArray AddressBookObject::linkedWith(ABRecord person) {
   return people;
 }
 
+void AddressBookObject::load(std::vector<StoredCardPointer> cards) {
+  persons_.reserve(cards.size());
+  for (StoredCardPointer& card : cards) load(std::move(card));
+}
+
 void AddressBookObject::load(StoredCardPointer card) {
   RecordList& list = listOf(*card);
   list.add({std::move(card), {}});

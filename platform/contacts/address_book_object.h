@@ -38,7 +38,8 @@ struct AddressBookObject : objc::Object {
 
   Database* database = nullptr;  // lives as long as the process
 
-  void load(StoredCardPointer card);
+  // Of a book that is empty.
+  void load(std::vector<StoredCardPointer> cards);
   // The record is to be saved with the book.
   void noteChange(ABRecord record);
   // Takes over what became of cards.
@@ -56,6 +57,7 @@ struct AddressBookObject : objc::Object {
   // Null when there is none.
   [[nodiscard]] RecordList::Entry* entryOf(const StoredCard& card) { return listOf(card).find(card.uid); }
   ABRecord recordOf(RecordList::Entry& entry);
+  void load(StoredCardPointer card);
   void take(RecordList::Entry& entry);
   void absorb(const CardChange& change);
   [[nodiscard]] std::vector<Retained<ABRecord>> changedRecords() const;

@@ -51,7 +51,7 @@ Retained<ABAddressBook> newBook(const Books& state) {
   auto* book = objc::createInstance<AddressBookObject>("ABAddressBook"_class);
   auto owner = Retained<ABAddressBook>::adopt(ABAddressBook(book));
   book->database = state.database.get();
-  for (StoredCardPointer& card : state.database->cards()) book->load(std::move(card));
+  book->load(state.database->cards());
   return owner;
 }
 

@@ -3,26 +3,36 @@
 #include "platform/contacts/folder.h"
 #include "platform/contacts/journal.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <concepts>
 #include <cstdint>
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <optional>
+#include <string_view>
 #include <type_traits>
 #include <utility>
 
-// The file: kForm and one entry a card file, sorted by name: the hash of what follows, the name, and what was read.
-// Numbers have their size and order in memory, which is the same in all builds; each text follows its length.
+// The file: kForm, and blocks of files: the sizes and hashes of its two parts, what is said of the files, and their
+// cards' texts. Numbers have their size and order in memory, which is the same in all builds; each text follows its
+// length.
 namespace contacts {
 namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 6\n";
+constexpr std::string_view kForm = "contacts cache 7\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
+// A block has this at most, but for its last file.
+constexpr std::uint32_t kBlockFiles = 128;
+constexpr std::size_t kBlockSize = std::size_t{1} << 20;
+constexpr std::size_t kBlockHead = 4 * sizeof(std::uint64_t);
 
 template <class Value>
 concept Plain =
@@ -47,8 +57,6 @@ class Reader {
  public:
   explicit Reader(std::string_view bytes) : rest_(bytes) {}
 
-  [[nodiscard]] bool isAtEnd() const { return rest_.empty(); }
-  [[nodiscard]] std::string_view rest() const { return rest_; }
   std::string_view take(std::size_t length) {
     const std::string_view taken = rest_.substr(0, length);
     rest_.remove_prefix(taken.size());
@@ -67,25 +75,54 @@ class Reader {
   std::string_view rest_;
 };
 
-void addCard(Writer& writer, const StoredCard& card) {
-  writer.addText(card.uid);
-  writer.addText(card.text.view());
-  writer.add(card.hash);
-  writer.add(card.digest);
-  writer.add(static_cast<std::uint8_t>(card.isGroup));
-}
+// A block under way.
+struct BlockWriter {
+  // Nothing is added of a file with a text that the cache before doesn't have any more.
+  void add(const std::string& name, const CardFile& file) {
+    Writer cards;
+    std::string cardTexts;
+    for (const StoredCardPointer& card : file.cards) {
+      const std::optional<SharedText> text = card->kept.read();
+      if (!text) return;
+      cards.addText(card->uid);
+      cards.add(card->hash);
+      cards.add(card->digest);
+      cards.add(static_cast<std::uint8_t>(card->isGroup));
+      cards.add(static_cast<std::uint32_t>(text->view().size()));
+      cardTexts += text->view();
+    }
+    files.addText(name);
+    files.add(file.stamp);
+    files.add(file.hash);
+    files.add(static_cast<std::uint32_t>(file.cards.size()));
+    files.bytes += cards.bytes;
+    texts += cardTexts;
+    ++fileCount;
+    cardCount += static_cast<std::uint32_t>(file.cards.size());
+  }
 
-// The text stays a part of all.
-std::shared_ptr<StoredCard> readCard(Reader& reader, const SharedText& all, std::size_t position) {
-  auto card = std::make_shared<StoredCard>();
-  card->position = position;
-  card->uid = reader.text();
-  card->text = all.part(reader.text());
-  card->hash = reader.number<std::uint64_t>();
-  card->digest = reader.number<TextDigest>();
-  card->isGroup = reader.number<std::uint8_t>() != 0;
-  return card;
-}
+  [[nodiscard]] bool isFull() const {
+    return fileCount == kBlockFiles || files.bytes.size() + texts.size() > kBlockSize;
+  }
+
+  [[nodiscard]] std::string finished() const {
+    Writer said;
+    said.add(fileCount);
+    said.add(cardCount);
+    said.bytes += files.bytes;
+    Writer head;
+    for (const std::string_view part : {std::string_view(said.bytes), std::string_view(texts)}) {
+      head.add(std::uint64_t{part.size()});
+      head.add(contentHash(part));
+    }
+    return head.bytes + said.bytes + texts;
+  }
+
+  Writer files;
+  std::string texts;
+  std::uint32_t fileCount = 0;
+  std::uint32_t cardCount = 0;
+};
 
 // Which cards have a derived UID depends on the other files.
 bool canBeKept(const CardFile& file) {
@@ -95,64 +132,91 @@ bool canBeKept(const CardFile& file) {
 
 }  // namespace
 
-bool hasCardCache(const Folder& folder) {
-  return folder.data() >= 0 && faccessat(folder.data(), kCacheFile, R_OK, 0) == 0;
-}
-
 CardCache::CardCache(const Folder& folder) {
-  if (!hasCardCache(folder)) return;
-  std::optional<FileContents> contents = readFile(folder.data(), kCacheFile, kLargestCache);
-  if (!contents || !contents->bytes.starts_with(kForm)) return;
-  bytes_ = SharedText(std::move(contents->bytes));
-  for (Reader reader(bytes_.view().substr(kForm.size())); !reader.isAtEnd();) {
-    Entry entry{};
-    entry.hash = reader.number<std::uint64_t>();
-    const std::string_view rest = reader.rest();
-    entry.name = reader.text();
-    if (entry.name.empty()) break;  // zeros, as a power failure leaves them
-    entry.contents = reader.text();
-    entry.all = rest.substr(0, rest.size() - reader.rest().size());
-    entries_.push_back(entry);
+  if (folder.data() < 0) return;
+  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  FileDescriptor file(again([&] { return openat(folder.data(), kCacheFile, kFlags); }));
+  std::array<char, kForm.size()> form{};
+  if (!file.isOpen() || !readAt(file, 0, form) || std::string_view(form.data(), form.size()) != kForm) return;
+  struct stat status {};
+  if (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kLargestCache) return;
+  std::array<char, kBlockHead> head{};
+  for (std::int64_t place = form.size(); readAt(file, place, head);) {
+    Reader reader({head.data(), head.size()});
+    place += kBlockHead;
+    const Block block{reader.number<Stretch>(), reader.number<Stretch>(), place};
+    if (place > status.st_size) break;  // it has grown meanwhile
+    const auto rest = static_cast<std::uint64_t>(status.st_size - place);
+    if (block.files.size == 0 || block.files.size > rest || block.texts.size > rest - block.files.size) break;
+    blocks_.push_back(block);
+    place += static_cast<std::int64_t>(block.files.size + block.texts.size);
   }
+  file_ = std::make_shared<const FileDescriptor>(std::move(file));
 }
 
-bool CardCache::find(std::string_view name, const FileStamp& stamp, std::size_t& place, CardFile& file,
-                     NewCards& cards) const {
-  if (place >= entries_.size() || entries_[place].name != name) {
-    place = static_cast<std::size_t>(std::ranges::lower_bound(entries_, name, {}, &Entry::name) - entries_.begin());
+std::vector<CardCache::File> CardCache::read(std::size_t block, const Database& database) const {
+  const auto& [said, texts, place] = blocks_[block];
+  std::string bytes(static_cast<std::size_t>(said.size), '\0');
+  if (!readAt(*file_, place, bytes) || contentHash(bytes) != said.hash) return {};
+  const auto unread = std::make_shared<const UnreadTexts>(file_, place + static_cast<std::int64_t>(said.size),
+                                                          static_cast<std::size_t>(texts.size), texts.hash);
+  Reader reader(bytes);
+  const auto fileCount = reader.number<std::uint32_t>();
+  const auto cardCount = reader.number<std::uint32_t>();
+  if (fileCount > bytes.size() || cardCount > bytes.size() / sizeof(TextDigest)) return {};
+  std::vector<File> files(fileCount);
+  // In one piece: most of them will be there as long as the process.
+  auto cards = std::make_shared<std::vector<StoredCard>>(cardCount);
+  auto card = cards->begin();
+  std::uint64_t textsEnd = 0;
+  for (auto& [name, contents] : files) {
+    name = reader.text();
+    contents.stamp = reader.number<FileStamp>();
+    contents.isSettled = true;
+    contents.hash = reader.number<std::uint64_t>();
+    const auto count = reader.number<std::uint32_t>();
+    if (count > static_cast<std::size_t>(cards->end() - card)) return {};
+    for (std::size_t position = 0; position < count; ++position, ++card) {
+      card->position = position;
+      setPlace(*card, database, name, contents.stamp);
+      card->uid = reader.text();
+      card->hash = reader.number<std::uint64_t>();
+      card->digest = reader.number<TextDigest>();
+      card->isGroup = reader.number<std::uint8_t>() != 0;
+      const auto begin = static_cast<std::uint32_t>(textsEnd);
+      const auto size = reader.number<std::uint32_t>();
+      textsEnd += size;
+      if (textsEnd > texts.size) return {};
+      card->kept = CardText(unread, begin, size);
+      contents.cards.emplace_back(cards, &*card);
+    }
   }
-  if (place == entries_.size() || entries_[place].name != name) return false;
-  const Entry& entry = entries_[place++];
-  Reader reader(entry.contents);
-  if (reader.number<FileStamp>() != stamp || contentHash(entry.all) != entry.hash) return false;
-  file.stamp = stamp;
-  file.isSettled = true;
-  file.hash = reader.number<std::uint64_t>();
-  while (!reader.isAtEnd()) cards.push_back(readCard(reader, bytes_, cards.size()));
-  return true;
+  return files;
 }
 
 void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files) try {
-  std::string cache(kForm);
-  for (const auto& [name, file] : files) {
-    if (!canBeKept(file)) continue;
-    Writer contents;
-    contents.add(file.stamp);
-    contents.add(file.hash);
-    for (const StoredCardPointer& card : file.cards) addCard(contents, *card);
-    Writer entry;
-    entry.addText(name);
-    entry.addText(contents.bytes);
-    Writer hash;
-    hash.add(contentHash(entry.bytes));
-    cache += hash.bytes + entry.bytes;
-  }
-  if (cache.size() > static_cast<std::size_t>(kLargestCache)) return;
   const std::string temporary = newTemporaryName();
-  // Not durable: what a power failure damages is seen to be.
-  writeNewFile(folder.data(), temporary, cache, 0600, Durability::kNone);
+  NewFile cache(folder.data(), temporary, 0600);
+  cache.add(kForm);
+  std::size_t size = kForm.size();
+  for (auto file = files.begin(); file != files.end();) {
+    BlockWriter block;
+    for (; file != files.end() && !block.isFull(); ++file) {
+      if (canBeKept(file->second)) block.add(file->first, file->second);
+    }
+    const std::string finished = block.finished();
+    size += finished.size();
+    if (size > static_cast<std::size_t>(kLargestCache)) return;
+    cache.add(finished);
+  }
+  // Not synced: what a power failure damages is seen to be.
   renameFile(folder.data(), temporary, folder.data(), kCacheFile);
+  cache.keep();
 } catch (const std::exception&) {
+}
+
+void removeCardCache(const Folder& folder) {
+  if (folder.data() >= 0) removeFileQuietly(folder.data(), kCacheFile);
 }
 
 }  // namespace contacts

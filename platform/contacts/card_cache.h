@@ -1,18 +1,18 @@
 #pragma once
 
 #include "platform/contacts/card_file.h"
-#include "platform/contacts/files.h"
-#include "platform/contacts/stored_card.h"
+#include "platform/contacts/file_descriptor.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace contacts {
 
+class Database;
 class Folder;
 
 // What was read from the card files of a folder, in one file of its data folder, so that the files that are still the
@@ -20,32 +20,39 @@ class Folder;
 // counts as not there, as does one that another version wrote.
 class CardCache {
  public:
-  // Has nothing.
-  CardCache() = default;
-  // What the folder has.
-  explicit CardCache(const Folder& folder);
-
-  [[nodiscard]] bool isEmpty() const { return entries_.empty(); }
-  // Fills in the file of that name, all but its stored cards, and its cards, as they were read when it had that stamp.
-  // False, and nothing done, when that isn't known. place is where the search begins and then where the next name is
-  // likely to be found. Any thread.
-  bool find(std::string_view name, const FileStamp& stamp, std::size_t& place, CardFile& file, NewCards& cards) const;
-
- private:
-  struct Entry {
-    std::string_view name;
-    std::string_view contents;
-    std::string_view all;  // both, as written
-    std::uint64_t hash;    // what all's is to be
+  struct File {
+    std::string name;
+    CardFile contents;  // as it was read when it had that stamp
   };
 
-  SharedText bytes_;
-  std::vector<Entry> entries_;  // sorted by name
-};
+  // That of the folder; empty when there is none.
+  explicit CardCache(const Folder& folder);
 
-[[nodiscard]] bool hasCardCache(const Folder& folder);
+  // The files are in several blocks, sorted by name.
+  [[nodiscard]] std::size_t blockCount() const { return blocks_.size(); }
+  // The files of a block, as files of the database. Any thread.
+  [[nodiscard]] std::vector<File> read(std::size_t block, const Database& database) const;
+
+ private:
+  // What a stretch of the file is to be.
+  struct Stretch {
+    std::uint64_t size;
+    std::uint64_t hash;
+  };
+  // The texts follow what is said of the files.
+  struct Block {
+    Stretch files;
+    Stretch texts;
+    std::int64_t place;
+  };
+
+  std::shared_ptr<const FileDescriptor> file_;
+  std::vector<Block> blocks_;
+};
 
 // Writes the cache anew. Says nothing when that fails: the folder is as good without it.
 void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files);
+// Leaves it where it can't be.
+void removeCardCache(const Folder& folder);
 
 }  // namespace contacts

@@ -79,7 +79,7 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card
     }
   }
   if (leftOut == 0) {
-    stored.text = SharedText(std::string(section));
+    stored.kept = CardText(std::string(section));
     return result;
   }
   std::string text;
@@ -87,7 +87,7 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card
   for (const vcard::Line& line : card.lines) {
     if (!isLongBinary(line)) text += line.raw();
   }
-  stored.text = SharedText(std::move(text));
+  stored.kept = CardText(std::move(text));
   return result;
 }
 
@@ -111,6 +111,12 @@ NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash) {
     cards.back()->position = cards.size() - 1;
   }
   return cards;
+}
+
+void setPlace(StoredCard& card, const Database& database, const std::string& fileName, const FileStamp& stamp) {
+  card.database = &database;
+  card.fileName = fileName;
+  card.fileTime = static_cast<double>(stamp.modified) * 1e-9;
 }
 
 std::string fileNameFor(const std::string& uid) {

@@ -24,6 +24,9 @@ struct CardFile {
 // is that of the text where it is known.
 NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash = std::nullopt);
 
+// The place of a card that was read from that file.
+void setPlace(StoredCard& card, const Database& database, const std::string& fileName, const FileStamp& stamp);
+
 // A file name that a card of that UID can have: the UID where all of it is harmless, else a name of its own.
 std::string fileNameFor(const std::string& uid);
 

@@ -43,7 +43,8 @@ std::vector<CardUpdate> removals(const Database& database, bool isOfGroups, cons
   for (const StoredCardPointer& card : database.cards()) {
     if (card->isGroup != isOfGroups) continue;
     CardUpdate update{card, {card->uid, isOfGroups, now, {}, {}, {}, {}}, false};
-    const vcard::Card lines = vcard::parseCard(card->text.view());
+    const SharedText text = card->text();
+    const vcard::Card lines = vcard::parseCard(text.view());
     for (const Property* property : gone) {
       const bool hasValue =
           std::ranges::any_of(lines.lines, [&](const vcard::Line& line) { return isLineOf(*property, line); });

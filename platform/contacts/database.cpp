@@ -13,9 +13,19 @@
 
 namespace contacts {
 
-std::string StoredCard::fullText() const {
-  return database == nullptr ? std::string(text.view()) : database->fullText(*this);
+std::string StoredCard::keptText() const {
+  const std::optional<SharedText> text = kept.read();
+  return text ? std::string(text->view()) : std::string();
 }
+
+SharedText StoredCard::text() const {
+  std::optional<SharedText> text = kept.read();
+  if (text) return *std::move(text);
+  if (database != nullptr) database->noteDamagedCache();
+  return SharedText(fullText());
+}
+
+std::string StoredCard::fullText() const { return database == nullptr ? keptText() : database->fullText(*this); }
 
 Database::Database(std::string path) : folder_(std::move(path)) {}
 
@@ -41,7 +51,7 @@ std::string Database::me() const {
 std::string Database::fullText(const StoredCard& card) const try {
   const std::scoped_lock guard(lock_);
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, card.fileName);
-  if (!contents) return std::string(card.text.view());
+  if (!contents) return card.keptText();
   const std::string text = vcard::decodeFile(std::move(contents->bytes));
   std::vector<std::string_view> sections;
   for (const vcard::Section& section : vcard::splitSections(text)) {
@@ -53,9 +63,15 @@ std::string Database::fullText(const StoredCard& card) const try {
   for (const auto& found : cardsIn(text)) {
     if (found->uniqueId() == card.uniqueId()) return std::string(sections[found->position]);
   }
-  return std::string(card.text.view());
+  return card.keptText();
 } catch (const FileError&) {
-  return std::string(card.text.view());
+  return card.keptText();
+}
+
+// Without it, who opens the folder next reads the files and writes another.
+void Database::noteDamagedCache() const {
+  const std::scoped_lock guard(lock_);
+  if (!std::exchange(isCacheDamaged_, true)) removeCardCache(folder_);
 }
 
 std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
@@ -139,9 +155,12 @@ std::optional<FileContents> Database::read(JournalStep::Target target, const std
 }
 
 std::optional<FileStamp> Database::stamp(const std::string& name) const {
-  if (auto over = overlay_.find({JournalStep::Target::kCard, name}); over != overlay_.end()) {
-    if (over->second.empty()) return std::nullopt;
-    if (const auto stamp = stampIn(folder_.data(), over->second)) return stamp;
+  if (!overlay_.empty()) {
+    auto over = overlay_.find({JournalStep::Target::kCard, name});
+    if (over != overlay_.end() && over->second.empty()) return std::nullopt;
+    if (over != overlay_.end()) {
+      if (const auto stamp = stampIn(folder_.data(), over->second)) return stamp;
+    }
   }
   return folder_.cards() < 0 ? std::nullopt : stampIn(folder_.cards(), name);
 }

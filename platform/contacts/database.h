@@ -58,6 +58,8 @@ class Database {
   [[nodiscard]] std::string me() const;
   // The card as its file has it now; its text where the file is gone.
   [[nodiscard]] std::string fullText(const StoredCard& card) const;
+  // The cache lacks the text of a card.
+  void noteDamagedCache() const;
 
   // Reads what has changed in the folder since it was last read: in the files of those names, or in all. Throws
   // FolderError and FileError; what was read before then stays.
@@ -70,18 +72,25 @@ class Database {
  private:
   friend class DatabaseSave;
 
+  using Files = std::map<std::string, CardFile>;  // by name
+
   // What a look at a file found.
   struct FoundFile {
     enum class State {
-      kSame,    // as it was last read; where file.refusal isn't empty, it can't be read now
+      kSame,    // as it was last read; where there is a refusal, it can't be read now
       kGone,    // there was one
       kCached,  // the cache has it
       kRead,
     };
 
-    std::string name;
+    FoundFile() = default;
+    FoundFile(State found, std::string name, CardFile contents = {});
+
+    [[nodiscard]] const std::string& name() const { return file.key(); }
+    [[nodiscard]] CardFile& contents() { return file.mapped(); }
+
     State state = State::kSame;
-    CardFile file;
+    Files::node_type file;  // empty for what is as it was, unless there is a refusal to tell
   };
 
   // All but the public functions want the lock held.
@@ -94,10 +103,13 @@ class Database {
   [[nodiscard]] std::vector<std::string> fileNames() const;
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
   [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
-  // Those of the files that aren't as they were last read, in the order of the names.
-  std::vector<FoundFile> lookAt(std::vector<std::string> names, const CardCache& cache);
+  // Those of the files that aren't as they were last read, in the order of the names, which are sorted.
+  std::vector<FoundFile> lookAt(std::vector<std::string> names);
+  // The first time: all files.
+  std::vector<FoundFile> lookAtAll();
   // Several threads may look at different files.
-  FoundFile look(std::string name, const CardCache& cache, std::size_t& place);
+  FoundFile look(std::string name);
+  [[nodiscard]] std::vector<FoundFile> lookAtCached(const CardCache& cache, std::size_t block) const;
   [[nodiscard]] FoundFile parse(std::string name, FileContents contents) const;
   void addCards(FoundFile& found, NewCards cards) const;
   static void log(const std::string& message);
@@ -107,13 +119,14 @@ class Database {
 
   mutable std::mutex lock_;
   Folder folder_;
-  std::map<std::string, CardFile> files_;  // by name
+  Files files_;
   CardSet byId_;
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
   std::vector<CardChange> untold_;  // found by saves that failed
   bool isBehind_ = false;           // of what it has read or saved itself: memory was short
   std::set<std::string> logged_;
+  mutable bool isCacheDamaged_ = false;
   std::string me_;
 };
 

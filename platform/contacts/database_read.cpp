@@ -4,11 +4,9 @@
 #include "platform/contacts/parallel.h"
 #include "platform/contacts/vcard/charset.h"
 #include "platform/contacts/vcard/sections.h"
-#include "platform/foundation/blocked_signals.h"
 
 #include <algorithm>
 #include <exception>
-#include <future>
 #include <iterator>
 #include <utility>
 
@@ -38,18 +36,6 @@ bool hasTooManyLines(std::string_view text) {
   });
 }
 
-// Of use, but not needed.
-CardCache cacheOf(const Folder& folder) try { return CardCache(folder); } catch (const std::exception&) {
-  return {};
-}
-
-// A large cache takes about as long to read as the names.
-std::future<CardCache> startReadingCache(const Folder& folder) {
-  const auto policy = hasCardCache(folder) ? std::launch::async | std::launch::deferred : std::launch::deferred;
-  const BlockedSignals blocked;
-  return std::async(policy, [&folder] { return cacheOf(folder); });
-}
-
 std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
   std::vector<std::string> files;
   std::ranges::copy_if(names, std::back_inserter(files), [](const std::string& name) { return isCardFileName(name); });
@@ -65,17 +51,13 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
   }
   std::vector<FoundFile> found;
   if (names != nullptr) {
-    found = lookAt(cardFilesOf(*names), CardCache());
-  } else if (!files_.empty()) {
-    found = lookAt(namesToLookAt(), CardCache());
+    found = lookAt(cardFilesOf(*names));
   } else {
-    std::future<CardCache> cache = startReadingCache(folder_);
-    std::vector<std::string> all = fileNames();
-    found = lookAt(std::move(all), cache.get());
+    found = files_.empty() ? lookAtAll() : lookAt(namesToLookAt());
   }
   readData();
   const auto readCount = std::ranges::count_if(
-      found, [](const FoundFile& file) { return file.file.isSettled && file.state == FoundFile::State::kRead; });
+      found, [](FoundFile& file) { return file.state == FoundFile::State::kRead && file.contents().isSettled; });
   std::vector<CardChange> changes = adopt(std::move(found));
   if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.size()) && folder_.data() >= 0 && overlay_.empty()) {
     writeCardCache(folder_, files_);
@@ -93,52 +75,85 @@ std::vector<std::string> Database::namesToLookAt() const {
   return names;
 }
 
-std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names, const CardCache& cache) {
-  std::vector<std::vector<FoundFile>> stretches(names.size() / kStretch + 1);
-  inStretches(names.size(), [&](std::size_t begin, std::size_t end) {
-    std::vector<FoundFile>& found = stretches[begin / kStretch];
-    if (files_.empty()) found.reserve(end - begin);
-    std::size_t place = begin;
-    for (std::size_t i = begin; i < end; ++i) {
-      FoundFile file = look(std::move(names[i]), cache, place);
-      if (file.state != FoundFile::State::kSame || !file.file.refusal.empty()) found.push_back(std::move(file));
-    }
+Database::FoundFile::FoundFile(State found, std::string name, CardFile contents) : state(found) {
+  Files one;
+  one.try_emplace(std::move(name), std::move(contents));
+  file = one.extract(one.begin());
+}
+
+std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names) {
+  constexpr std::size_t kStretch = 32;
+  std::vector<FoundFile> found(names.size());
+  ParallelWork stretches((names.size() + kStretch - 1) / kStretch, [&](std::size_t stretch) {
+    const std::size_t end = std::min(names.size(), (stretch + 1) * kStretch);
+    for (std::size_t i = stretch * kStretch; i < end; ++i) found[i] = look(std::move(names[i]));
   });
-  std::vector<FoundFile> found;
-  found.reserve(files_.empty() ? names.size() : 0);
-  for (std::vector<FoundFile>& stretch : stretches) {
-    for (FoundFile& file : stretch) {
-      if (file.state != FoundFile::State::kSame) {
-        found.push_back(std::move(file));
-      } else {
-        logOnce(file.name + ": " + file.file.refusal + "; what it had before is kept");
-      }
-    }
-  }
+  stretches.finish();
+  std::erase_if(found, [this](FoundFile& file) {
+    if (file.state != FoundFile::State::kSame) return false;
+    if (file.file) logOnce(file.name() + ": " + file.contents().refusal + "; what it had before is kept");
+    return true;
+  });
   return found;
 }
 
-Database::FoundFile Database::look(std::string name, const CardCache& cache, std::size_t& place) {
+// What the cache has is looked at while the folder is listed.
+std::vector<Database::FoundFile> Database::lookAtAll() {
+  const CardCache cache(folder_);
+  if (!overlay_.empty() || cache.blockCount() == 0) return lookAt(fileNames());
+  std::vector<std::vector<FoundFile>> known(cache.blockCount());
+  ParallelWork blocks(known.size(), [&](std::size_t block) { known[block] = lookAtCached(cache, block); });
+  std::vector<std::string> names = fileNames();
+  blocks.finish();
+
+  std::vector<FoundFile> same;
+  same.reserve(names.size());
+  std::vector<std::string> others;
+  auto name = names.begin();
+  for (std::vector<FoundFile>& block : known) {
+    for (FoundFile& file : block) {
+      while (name != names.end() && *name < file.name()) others.push_back(std::move(*name++));
+      if (name == names.end() || *name != file.name()) continue;
+      same.push_back(std::move(file));
+      ++name;
+    }
+  }
+  std::move(name, names.end(), std::back_inserter(others));
+  std::vector<FoundFile> looked = lookAt(std::move(others));
+  std::vector<FoundFile> found;
+  found.reserve(same.size() + looked.size());
+  std::merge(std::move_iterator(same.begin()), std::move_iterator(same.end()), std::move_iterator(looked.begin()),
+             std::move_iterator(looked.end()), std::back_inserter(found),
+             [](const FoundFile& a, const FoundFile& b) { return a.name() < b.name(); });
+  return found;
+}
+
+// Those that are as the cache has them. It is of use, but not needed.
+std::vector<Database::FoundFile> Database::lookAtCached(const CardCache& cache, std::size_t block) const try {
+  std::vector<CardCache::File> files = cache.read(block, *this);
+  std::vector<FoundFile> found;
+  found.reserve(files.size());
+  for (auto& [name, contents] : files) {
+    if (stamp(name) == contents.stamp) {
+      found.emplace_back(FoundFile::State::kCached, std::move(name), std::move(contents));
+    }
+  }
+  return found;
+} catch (const std::exception&) {
+  return {};
+}
+
+Database::FoundFile Database::look(std::string name) {
   using State = FoundFile::State;
   auto known = files_.find(name);
   const bool isKnown = known != files_.end();
-  if (!cache.isEmpty()) {
-    FoundFile found{std::move(name), State::kCached, {}};
-    NewCards cards;
-    const std::optional<FileStamp> present = stamp(found.name);
-    if (present && cache.find(found.name, *present, place, found.file, cards)) {
-      addCards(found, std::move(cards));
-      return found;
-    }
-    name = std::move(found.name);
-  }
   if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return {};
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, name);
-  if (!contents) return {std::move(name), isKnown ? State::kGone : State::kSame, {}};
+  if (!contents) return isKnown ? FoundFile(State::kGone, std::move(name)) : FoundFile();
   if (isKnown && known->second.refusal.empty()) {
     if (contents->error != 0) {
-      FoundFile kept{std::move(name), State::kSame, {}};
-      kept.file.refusal = std::move(contents->refusal);
+      FoundFile kept(State::kSame, std::move(name));
+      kept.contents().refusal = std::move(contents->refusal);
       return kept;
     }
     if (contents->refusal.empty() && contentHash(contents->bytes) == known->second.hash) {
@@ -151,30 +166,30 @@ Database::FoundFile Database::look(std::string name, const CardCache& cache, std
 }
 
 Database::FoundFile Database::parse(std::string name, FileContents contents) const {
-  FoundFile found{std::move(name), FoundFile::State::kRead, {}};
-  found.file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
-  if (!found.file.refusal.empty()) return found;
+  FoundFile found(FoundFile::State::kRead, std::move(name));
+  CardFile& file = found.contents();
+  file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
+  if (!file.refusal.empty()) return found;
   // Text that is decoded to itself, as nearly every file's.
   const bool isAsWritten = contents.bytes.starts_with("BEGIN");
   const std::string text = vcard::decodeFile(std::move(contents.bytes));
   if (hasTooManyLines(text)) {
-    found.file.refusal = "has a card of more than a million lines";
+    file.refusal = "has a card of more than a million lines";
     return found;
   }
-  addCards(found, cardsIn(text, isAsWritten ? std::optional(found.file.hash) : std::nullopt));
-  if (found.file.cards.empty()) found.file.refusal = "is not a vCard";
+  addCards(found, cardsIn(text, isAsWritten ? std::optional(file.hash) : std::nullopt));
+  if (file.cards.empty()) file.refusal = "is not a vCard";
   return found;
 }
 
 // The file's cards.
 void Database::addCards(FoundFile& found, NewCards cards) const {
-  found.file.cards.reserve(cards.size());
+  CardFile& file = found.contents();
+  file.cards.reserve(cards.size());
   for (std::shared_ptr<StoredCard>& card : cards) {
-    card->database = this;
-    card->fileName = found.name;
-    card->fileTime = static_cast<double>(found.file.stamp.modified) * 1e-9;
+    setPlace(*card, *this, found.name(), file.stamp);
     if (card->uid.empty()) deriveUid(*card);
-    found.file.cards.push_back(std::move(card));
+    file.cards.push_back(std::move(card));
   }
 }
 
@@ -183,7 +198,7 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   isBehind_ = true;
   std::vector<StoredCardPointer> known;
   for (const FoundFile& file : found) {
-    auto before = files_.find(file.name);
+    auto before = files_.find(file.name());
     if (before == files_.end()) continue;
     known.insert(known.end(), before->second.cards.begin(), before->second.cards.end());
     files_.erase(before);
@@ -196,8 +211,8 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   byId_.reserve(byId_.size() + found.size());
   for (FoundFile& file : found) {
     if (file.state == FoundFile::State::kGone) continue;
-    if (!file.file.refusal.empty()) logOnce(file.name + ": " + file.file.refusal + "; left alone");
-    for (StoredCardPointer& card : file.file.cards) {
+    if (!file.contents().refusal.empty()) logOnce(file.name() + ": " + file.contents().refusal + "; left alone");
+    for (StoredCardPointer& card : file.contents().cards) {
       for (std::string behind; !byId_.insert(card).second; behind += '/') {
         auto other = std::make_shared<StoredCard>(*card);
         deriveUid(*other, behind);
@@ -215,7 +230,7 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
         changes.push_back({std::move(before), card});
       }
     }
-    files_.insert_or_assign(files_.end(), std::move(file.name), std::move(file.file));
+    files_.insert(files_.end(), std::move(file.file));
   }
   for (const StoredCardPointer& card : known) {
     if (gone.contains(card)) changes.push_back({card, nullptr});

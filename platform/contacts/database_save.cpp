@@ -148,7 +148,11 @@ std::string DatabaseSave::compose(const Plan& plan) {
       text += changedCard(section.text, update->second->changes);
     }
   }
-  for (const CardUpdate* update : plan.added) text += changedCard(update->card->text.view(), update->changes);
+  for (const CardUpdate* update : plan.added) {
+    const std::optional<SharedText> kept = update->card->kept.read();
+    if (!kept) throw FileError("cannot read " + printable(update->card->fileName), EIO);
+    text += changedCard(kept->view(), update->changes);
+  }
   return text;
 }
 
@@ -259,7 +263,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
     } catch (const FileError&) {
     }
     if (step.temporary.empty()) {
-      found.push_back({step.name, Database::FoundFile::State::kGone, {}});
+      found.emplace_back(Database::FoundFile::State::kGone, step.name);
     } else {
       found.push_back(database_.parse(step.name, std::move(contents)));
     }
@@ -281,7 +285,7 @@ void DatabaseSave::keepRemoved(SaveResult& result) const {
       if (!update->isRemoval) continue;
       StoredCardPointer& before = result.saved[static_cast<std::size_t>(update - request_.updates.data())].before;
       auto whole = std::make_shared<StoredCard>(*before);
-      whole->text = SharedText(std::string(sections[position]));
+      whole->kept = CardText(std::string(sections[position]));
       before = std::move(whole);
     }
   }

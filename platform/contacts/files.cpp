@@ -13,6 +13,7 @@
 #include <cstring>
 #include <ctime>
 #include <memory>
+#include <utility>
 
 namespace contacts {
 namespace {
@@ -35,15 +36,6 @@ struct DirectoryCloser {
   void operator()(DIR* directory) const { closedir(directory); }
 };
 
-void writeAll(int file, std::string_view bytes, const std::string& name) {
-  while (!bytes.empty()) {
-    const ssize_t count = again([&] { return write(file, bytes.data(), bytes.size()); });
-    if (count < 0) fail("write", name);
-    if (count == 0) throw FileError("cannot write " + printable(name), EIO);
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
 }  // namespace
 
 FileError::FileError(const std::string& what, int code)
@@ -62,7 +54,7 @@ std::optional<FileStamp> stampIn(int folder, const std::string& name) {
   return stampOf(status);
 }
 
-std::optional<FileContents> readFile(int folder, const std::string& name, std::int64_t largest) {
+std::optional<FileContents> readFile(int folder, const std::string& name) {
   auto refuse = [](std::string reason) { return FileContents{{}, {}, false, 0, std::move(reason)}; };
   auto refuseForNow = [](int error) { return FileContents{{}, {}, false, 0, std::strerror(error), error}; };
   const FileDescriptor file(
@@ -77,7 +69,7 @@ std::optional<FileContents> readFile(int folder, const std::string& name, std::i
   if (fstat(file.number(), &status) != 0) return refuseForNow(errno);
   if (!S_ISREG(status.st_mode)) return refuse("is no regular file");
   if (status.st_size == 0) return refuse(kEmptyFile);
-  if (status.st_size > largest) return refuse("is larger than " + std::to_string(largest >> 20) + " MB");
+  if (status.st_size > kLargestFile) return refuse("is larger than " + std::to_string(kLargestFile >> 20) + " MB");
 
   // The file may change meanwhile: what is read is what counts, never more than its size was.
   const FileStamp stamp = stampOf(status);
@@ -95,19 +87,49 @@ std::optional<FileContents> readFile(int folder, const std::string& name, std::i
   return contents;
 }
 
-void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode, Durability durability) {
-  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  const FileDescriptor file(again([&] { return openat(folder, name.c_str(), kFlags, 0600); }));
-  if (!file.isOpen()) fail("write", name);
-  try {
-    if (mode != 0600 && fchmod(file.number(), mode) != 0) fail("write", name);
-    writeAll(file.number(), bytes, name);
-    const bool isDurable = durability == Durability::kOnReturn;
-    if (isDurable && again([&] { return fsync(file.number()); }) != 0) fail("write", name);
-  } catch (const FileError&) {
-    unlinkat(folder, name.c_str(), 0);
-    throw;
+bool readAt(const FileDescriptor& file, std::int64_t place, std::span<char> bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = again([&] { return pread(file.number(), bytes.data(), bytes.size(), place); });
+    if (count <= 0) return false;
+    place += count;
+    bytes = bytes.subspan(static_cast<std::size_t>(count));
   }
+  return true;
+}
+
+NewFile::NewFile(int folder, std::string name, mode_t mode) : folder_(folder), name_(std::move(name)) {
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  file_ = FileDescriptor(again([&] { return openat(folder_, name_.c_str(), kFlags, 0600); }));
+  if (!file_.isOpen()) fail("write", name_);
+  if (mode == 0600 || fchmod(file_.number(), mode) == 0) return;
+  const int code = errno;
+  unlinkat(folder_, name_.c_str(), 0);
+  errno = code;
+  fail("write", name_);
+}
+
+NewFile::~NewFile() {
+  if (!isKept_) unlinkat(folder_, name_.c_str(), 0);
+}
+
+void NewFile::add(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = again([&] { return write(file_.number(), bytes.data(), bytes.size()); });
+    if (count < 0) fail("write", name_);
+    if (count == 0) throw FileError("cannot write " + printable(name_), EIO);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+void NewFile::sync() {
+  if (again([&] { return fsync(file_.number()); }) != 0) fail("write", name_);
+}
+
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode) {
+  NewFile file(folder, name, mode);
+  file.add(bytes);
+  file.sync();
+  file.keep();
 }
 
 void removeFile(int folder, const std::string& name) {

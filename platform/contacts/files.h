@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -50,21 +51,42 @@ struct FileContents {
   int error = 0;        // of the system, which may be gone the next time; 0 when the file itself is refused
 };
 
-// Of a card file. Photos are the largest thing in a card; a whole address book exported into one file is well below.
+// What is larger is refused. Photos are the largest thing in a card; a whole address book exported into one file is
+// well below.
 inline constexpr std::int64_t kLargestFile = std::int64_t{32} << 20;
 
 // The refusal of one without contents.
 inline constexpr char kEmptyFile[] = "is empty";
 
-// Nothing when there is no such file. One larger than that is refused. Throws FileError when the process lacks the
-// means to read on.
-std::optional<FileContents> readFile(int folder, const std::string& name, std::int64_t largest = kLargestFile);
+// Nothing when there is no such file. Throws FileError when the process lacks the means to read on.
+std::optional<FileContents> readFile(int folder, const std::string& name);
 
-enum class Durability { kOnReturn, kNone };
+// Fills bytes with what the file has at that place; false when it has fewer, or they can't be read.
+bool readAt(const FileDescriptor& file, std::int64_t place, std::span<char> bytes);
 
-// Makes a file that must not be there yet. Throws FileError, and leaves nothing.
-void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode,
-                  Durability durability = Durability::kOnReturn);
+// A file under way, which must not be there yet. It is removed where it isn't kept.
+class NewFile {
+ public:
+  // Throws FileError, as the next.
+  NewFile(int folder, std::string name, mode_t mode);
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+  ~NewFile();
+
+  void add(std::string_view bytes);
+  void sync();
+  // The file stays, or has been given another name.
+  void keep() { isKept_ = true; }
+
+ private:
+  const int folder_;
+  const std::string name_;
+  FileDescriptor file_;
+  bool isKept_ = false;
+};
+
+// Makes a file that must not be there yet, durably. Throws FileError, and leaves nothing.
+void writeNewFile(int folder, const std::string& name, std::string_view bytes, mode_t mode);
 void removeFile(int folder, const std::string& name);
 // Whether there is no such file any more.
 bool removeFileQuietly(int folder, const std::string& name);

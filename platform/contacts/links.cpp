@@ -19,8 +19,9 @@ bool mayHaveLinks(std::string_view text) {
 }  // namespace
 
 void Links::add(const StoredCard& card) {
-  if (!mayHaveLinks(card.text.view())) return;
-  const vcard::Card lines = vcard::parseCard(card.text.view());
+  const SharedText text = card.text();
+  if (!mayHaveLinks(text.view())) return;
+  const vcard::Card lines = vcard::parseCard(text.view());
   for (const vcard::Line& line : lines.lines) {
     if (!line.is(kLinkLine)) continue;
     const std::string other = uidOf(line, lines.version);

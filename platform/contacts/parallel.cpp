@@ -2,46 +2,57 @@
 
 #include "platform/foundation/blocked_signals.h"
 
+#include <pthread.h>
+#include <sched.h>
+
 #include <algorithm>
-#include <atomic>
-#include <exception>
-#include <mutex>
-#include <system_error>
-#include <thread>
-#include <vector>
+#include <utility>
 
 namespace contacts {
 
-void inStretches(std::size_t count, const std::function<void(std::size_t, std::size_t)>& work) {
-  std::atomic<std::size_t> next = 0;
-  std::mutex lock;
-  std::exception_ptr failure;
-  auto take = [&] {
-    try {
-      for (std::size_t begin = 0; (begin = next.fetch_add(kStretch)) < count;) {
-        work(begin, std::min(begin + kStretch, count));
-      }
-    } catch (...) {
-      next = count;
-      const std::scoped_lock guard(lock);
-      if (!failure) failure = std::current_exception();
-    }
-  };
-
+ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> work)
+    : count_(count), work_(std::move(work)) {
   // More would only wait for each other in the file system.
   constexpr std::size_t kMost = 8;
-  const std::size_t processors = std::min<std::size_t>(std::thread::hardware_concurrency(), kMost);
-  const std::size_t stretches = (count + kStretch - 1) / kStretch;
-  std::vector<std::jthread> others;
+  cpu_set_t processors;
+  if (sched_getaffinity(0, sizeof processors, &processors) != 0) CPU_ZERO(&processors);
+  const std::size_t threads = std::min({count, kMost, static_cast<std::size_t>(CPU_COUNT(&processors))});
+  // The system may let a new thread and the one that made it take turns, some milliseconds each, although another
+  // processor has nothing to do: the new one begins elsewhere.
+  cpu_set_t elsewhere = processors;
+  CPU_CLR(static_cast<std::size_t>(sched_getcpu()), &elsewhere);
   try {
     const BlockedSignals blocked;
-    while (others.size() + 1 < std::min(processors, stretches)) others.emplace_back(take);
-  } catch (const std::system_error&) {
+    while (others_.size() + 1 < threads) {
+      others_.emplace_back([this] {
+        areApart_.wait();
+        takePieces();
+      });
+      pthread_setaffinity_np(others_.back().native_handle(), sizeof elsewhere, &elsewhere);
+    }
+  } catch (const std::exception&) {
     // Fewer will do.
   }
-  take();
-  others.clear();
-  if (failure) std::rethrow_exception(failure);
+  areApart_.count_down();
+  for (std::jthread& other : others_) pthread_setaffinity_np(other.native_handle(), sizeof processors, &processors);
+}
+
+ParallelWork::~ParallelWork() { next_ = count_; }
+
+void ParallelWork::finish() {
+  takePieces();
+  others_.clear();
+  if (failure_) std::rethrow_exception(failure_);
+}
+
+void ParallelWork::takePieces() {
+  try {
+    for (std::size_t piece = 0; (piece = next_++) < count_;) work_(piece);
+  } catch (...) {
+    next_ = count_;
+    const std::scoped_lock guard(lock_);
+    if (!failure_) failure_ = std::current_exception();
+  }
 }
 
 }  // namespace contacts

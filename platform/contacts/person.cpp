@@ -64,7 +64,7 @@ struct PersonObject : RecordObject {
     if (!text) return nullptr;
     auto card = std::make_shared<StoredCard>();
     card->uid = newIdentifier();
-    card->text = SharedText(*std::move(text));
+    card->kept = CardText(*std::move(text));
     card->digest.addAnything();
     initialized(personSchema(), std::move(card));
     return owned.leak();

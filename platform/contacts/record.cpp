@@ -117,13 +117,15 @@ void RecordObject::store(const Property& property, Retained<NSObject> value) {
 const vcard::Card& RecordObject::lines() const {
   struct Parsed {
     StoredCardPointer source;
+    SharedText text;
     vcard::Card card;
   };
   thread_local Parsed onThisThread;
   Parsed& parsed = onThisThread;
   if (parsed.source != card_) {
     parsed.source.reset();
-    vcard::parseCard(card_->text.view(), parsed.card);
+    parsed.text = card_->text();
+    vcard::parseCard(parsed.text.view(), parsed.card);
     parsed.source = card_;
   }
   return parsed.card;

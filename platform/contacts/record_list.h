@@ -22,6 +22,7 @@ class RecordList {
     [[nodiscard]] bool isGone() const { return !unread && !record; }
   };
 
+  void reserve(std::size_t count) { entries_.reserve(count); }
   void add(Entry entry);
   // References to entries end here.
   void remove(Entry& entry);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/contacts/card_text.h"
 #include "platform/contacts/text_digest.h"
 
 #include <cstddef>
@@ -10,31 +11,11 @@
 #include <string>
 #include <string_view>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 namespace contacts {
 
 class Database;
-
-// A text, or a part of one, that whoever has it keeps in memory.
-class SharedText {
- public:
-  SharedText() = default;
-  explicit SharedText(std::string text) : SharedText(std::make_shared<const std::string>(std::move(text))) {}
-  explicit SharedText(std::shared_ptr<const std::string> whole) : whole_(std::move(whole)), text_(*whole_) {}
-
-  // Of a view of the text.
-  [[nodiscard]] SharedText part(std::string_view part) const { return {whole_, part}; }
-  // As long as somebody has the text.
-  [[nodiscard]] std::string_view view() const { return text_; }
-
- private:
-  SharedText(std::shared_ptr<const std::string> whole, std::string_view text) : whole_(std::move(whole)), text_(text) {}
-
-  std::shared_ptr<const std::string> whole_;
-  std::string_view text_;
-};
 
 // A card of the folder as it was last read. Never changes, so that several books share it.
 struct StoredCard {
@@ -48,10 +29,14 @@ struct StoredCard {
   bool isGroup = false;
   // Of the texts of its properties, the id and the custom ones left out.
   TextDigest digest;
-  // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks.
-  SharedText text;
+  CardText kept;
 
-  // As text, with all that was left out of it.
+  // The card in UTF-8, without pictures and the like: they stay in the file until somebody asks. Where the cache has
+  // lost it, all of the card as its file has it now.
+  [[nodiscard]] SharedText text() const;
+  // The same without another look at the folder; empty where it would take one.
+  [[nodiscard]] std::string keptText() const;
+  // With all that was left out of it.
   [[nodiscard]] std::string fullText() const;
 
   // What a record's UID property holds.
