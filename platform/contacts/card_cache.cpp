@@ -27,7 +27,7 @@ namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 7\n";
+constexpr std::string_view kForm = "contacts cache 8\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 // A block has this at most, but for its last file.
 constexpr std::uint32_t kBlockFiles = 128;
@@ -89,6 +89,7 @@ struct BlockWriter {
       cards.add(card->digest);
       cards.add(static_cast<std::uint8_t>(card->isGroup));
       cards.add(static_cast<std::uint32_t>(text->view().size()));
+      cards.add(card->kept.name());
       cardTexts += text->view();
     }
     files.addText(name);
@@ -183,11 +184,12 @@ std::vector<CardCache::File> CardCache::read(std::size_t block, const Database& 
       card->hash = reader.number<std::uint64_t>();
       card->digest = reader.number<TextDigest>();
       card->isGroup = reader.number<std::uint8_t>() != 0;
-      const auto begin = static_cast<std::uint32_t>(textsEnd);
-      const auto size = reader.number<std::uint32_t>();
-      textsEnd += size;
-      if (textsEnd > texts.size) return {};
-      card->kept = CardText(unread, begin, size);
+      const TextStretch text{static_cast<std::uint32_t>(textsEnd), reader.number<std::uint32_t>()};
+      const auto personName = reader.number<TextStretch>();
+      textsEnd += text.size;
+      const bool isInText = personName.begin <= text.size && personName.size <= text.size - personName.begin;
+      if (textsEnd > texts.size || !isInText) return {};
+      card->kept = CardText(unread, text, personName);
       contents.cards.emplace_back(cards, &*card);
     }
   }

@@ -1,5 +1,6 @@
 #include "platform/contacts/card_file.h"
 
+#include "platform/contacts/card_values.h"
 #include "platform/contacts/group_lines.h"
 #include "platform/contacts/identifier.h"
 #include "platform/contacts/vcard/ascii.h"
@@ -62,32 +63,46 @@ void addTo(TextDigest& digest, const vcard::Line& line, vcard::Version version) 
   }
 }
 
+// Where the fields of a name are in a text that has the line at that place. Nothing where they have to be decoded.
+TextStretch plainName(const vcard::Line& line, std::size_t place) {
+  const bool isInOnePiece = line.content().data() == line.raw().data();
+  if (!isInOnePiece || !isPlainName(line)) return {};
+  place += static_cast<std::size_t>(line.value().data() - line.raw().data());
+  return {static_cast<std::uint32_t>(place), static_cast<std::uint32_t>(line.value().size())};
+}
+
 // card is what the section holds.
 std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card& card, std::uint64_t hash) {
   auto result = std::make_shared<StoredCard>();
   StoredCard& stored = *result;
   stored.hash = hash;
-  std::size_t leftOut = 0;
+  bool isNamed = false;
+  TextStretch name;
+  std::size_t kept = 0;
   for (const vcard::Line& line : card.lines) {
-    if (isLongBinary(line)) {
-      leftOut += line.raw().size();
-    } else if (line.is("UID")) {
+    if (isLongBinary(line)) continue;
+    if (line.is("UID")) {
       if (stored.uid.empty()) stored.uid = uidOf(line, card.version);
-    } else if (!std::ranges::any_of(kAboutCard, [&](auto name) { return line.is(name); })) {
+    } else if (!std::ranges::any_of(kAboutCard, [&](auto about) { return line.is(about); })) {
       stored.isGroup = stored.isGroup || saysGroup(line);
       addTo(stored.digest, line, card.version);
+      if (!isNamed && line.is("N") && saysSomething(line)) {
+        isNamed = true;
+        name = plainName(line, kept);
+      }
     }
+    kept += line.raw().size();
   }
-  if (leftOut == 0) {
-    stored.kept = CardText(std::string(section));
+  if (kept == section.size()) {
+    stored.kept = CardText(std::string(section), name);
     return result;
   }
   std::string text;
-  text.reserve(section.size() - leftOut);
+  text.reserve(kept);
   for (const vcard::Line& line : card.lines) {
     if (!isLongBinary(line)) text += line.raw();
   }
-  stored.kept = CardText(std::move(text));
+  stored.kept = CardText(std::move(text), name);
   return result;
 }
 

@@ -19,7 +19,7 @@ std::optional<SharedText> CardText::read() const {
   const Part& part = std::get<Part>(text_);
   const std::optional<SharedText> all = part.all->read();
   if (!all) return std::nullopt;
-  return all->part(all->view().substr(part.begin, part.size));
+  return all->part(all->view().substr(part.stretch.begin, part.stretch.size));
 }
 
 }  // namespace contacts

@@ -52,26 +52,33 @@ class UnreadTexts {
   const std::uint64_t hash_;
 };
 
+struct TextStretch {
+  std::uint32_t begin = 0;
+  std::uint32_t size = 0;
+};
+
 // A card's text, in memory or not yet read.
 class CardText {
  public:
   CardText() = default;
-  explicit CardText(std::string text) : text_(SharedText(std::move(text))) {}
+  explicit CardText(std::string text, TextStretch name = {}) : text_(SharedText(std::move(text))), name_(name) {}
   // A part of all texts.
-  CardText(std::shared_ptr<const UnreadTexts> all, std::uint32_t begin, std::uint32_t size)
-      : text_(Part{std::move(all), begin, size}) {}
+  CardText(std::shared_ptr<const UnreadTexts> all, TextStretch part, TextStretch name)
+      : text_(Part{std::move(all), part}), name_(name) {}
 
   // Nothing when the file that it was in doesn't have it any more. Any thread.
   [[nodiscard]] std::optional<SharedText> read() const;
+  // Where in it the fields of the person's name are, one after another. Empty where that takes more than to look there.
+  [[nodiscard]] TextStretch name() const { return name_; }
 
  private:
   struct Part {
     std::shared_ptr<const UnreadTexts> all;
-    std::uint32_t begin;
-    std::uint32_t size;
+    TextStretch stretch;
   };
 
   std::variant<SharedText, Part> text_;
+  TextStretch name_;
 };
 
 }  // namespace contacts

@@ -41,12 +41,16 @@ std::string textFromCard(std::string_view lineName, int field, const vcard::Card
   return trimmed.size() == text.size() ? text : std::string(trimmed);
 }
 
+// Of one that says something.
+bool startsWithText(const vcard::Line& line) {
+  constexpr std::string_view kNoText = "; \t\r\n\\";
+  return line.parameterText().empty() && kNoText.find(line.value().front()) == std::string_view::npos;
+}
+
 bool hasNameFields(const vcard::Card& card) {
   const std::optional<std::size_t> place = saidLine(card, "N");
   if (!place) return false;
-  const vcard::Line& line = card.lines[*place];
-  constexpr std::string_view kNoText = "; \t\r\n\\";
-  if (line.parameterText().empty() && kNoText.find(line.value().front()) == std::string_view::npos) return true;
+  if (startsWithText(card.lines[*place])) return true;
   for (int field = 0; field < static_cast<int>(kNameFields); ++field) {
     if (!textFromCard("N", field, card).empty()) return true;
   }
@@ -140,32 +144,43 @@ bool isNamedAsCompany(const vcard::Card& card) {
   return !organization.empty() && (fullName.empty() || fullName == organization);
 }
 
+bool saysSomething(const vcard::Line& line) { return line.value().find_first_not_of("; \t") != std::string_view::npos; }
+
 std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name) {
   for (std::size_t i = 0; i < card.lines.size(); ++i) {
     const vcard::Line& line = card.lines[i];
-    if (line.is(name) && line.value().find_first_not_of("; \t") != std::string_view::npos) return i;
+    if (line.is(name) && saysSomething(line)) return i;
   }
   return std::nullopt;
 }
 
+bool isPlainName(const vcard::Line& line) {
+  return startsWithText(line) && line.value().find_first_of("\\\r") == std::string_view::npos &&
+         vcard::isValidUtf8(line.value());
+}
+
+std::array<Retained<NSObject>, kNameFields> namesFromFields(std::string_view value) {
+  std::array<Retained<NSObject>, kNameFields> names;
+  for (Retained<NSObject>& name : names) {
+    const std::size_t end = std::min(value.find(';'), value.size());
+    name = text(vcard::trimmed(value.substr(0, end)));
+    value.remove_prefix(std::min(end + 1, value.size()));
+  }
+  return names;
+}
+
 std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& card) {
   std::array<Retained<NSObject>, kNameFields> names;
-  bool isNamed = false;
   if (const std::optional<std::size_t> place = saidLine(card, "N")) {
+    const vcard::Line& line = card.lines[*place];
+    if (isPlainName(line)) return namesFromFields(line.value());
     std::string kept;
-    std::string_view value = valueOf(card.lines[*place], kept);
-    const bool isEscaped = value.find('\\') != std::string_view::npos || value.find('\r') != std::string_view::npos;
+    const std::string_view value = valueOf(line, kept);
     for (std::size_t i = 0; i < kNameFields; ++i) {
-      if (isEscaped) {
-        names[i] = text(vcard::trimmed(vcard::fieldAt(value, i, ';', card.version)));
-      } else {
-        const std::size_t end = std::min(value.find(';'), value.size());
-        names[i] = text(vcard::trimmed(value.substr(0, end)));
-        value.remove_prefix(std::min(end + 1, value.size()));
-      }
-      isNamed = isNamed || names[i];
+      names[i] = text(vcard::trimmed(vcard::fieldAt(value, i, ';', card.version)));
     }
   }
+  const bool isNamed = std::ranges::any_of(names, [](const auto& name) { return static_cast<bool>(name); });
   if (!isNamed && !isNamedAsCompany(card)) names[kFirstNameField] = text(fullName(card));
   return names;
 }

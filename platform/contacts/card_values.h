@@ -19,6 +19,13 @@ Retained<NSObject> valueFromCard(const Property& property, const vcard::Card& ca
 // What it says of the fields of a person's name, which are asked for one after the other.
 std::array<Retained<NSObject>, kNameFields> namesFromCard(const vcard::Card& card);
 
+// Whether a name line that says something has a name whose fields stand in its value as they are.
+bool isPlainName(const vcard::Line& line);
+// The fields of such a value.
+std::array<Retained<NSObject>, kNameFields> namesFromFields(std::string_view value);
+
+// Whether there is more in it than fields without a text.
+bool saysSomething(const vcard::Line& line);
 // The first line of that name that says something.
 std::optional<std::size_t> saidLine(const vcard::Card& card, std::string_view name);
 // Whether a card that doesn't say so is shown as a company: it has no name but a company's.

@@ -81,13 +81,22 @@ NSObject RecordObject::value(const Property& property) {
   return values_.back().value.get();
 }
 
+std::array<Retained<NSObject>, kNameFields> RecordObject::names() const {
+  if (const auto [begin, size] = card_->kept.name(); size > 0) {
+    if (const std::optional<SharedText> text = card_->kept.read()) {
+      return namesFromFields(text->view().substr(begin, size));
+    }
+  }
+  return namesFromCard(lines());
+}
+
 void RecordObject::readNames() {
   static const auto properties = [] {
     std::array<const Property*, kNameFields> found;
     for (std::size_t i = 0; i < found.size(); ++i) found[i] = personSchema().find(kTextProperties[i].property);
     return found;
   }();
-  std::array<Retained<NSObject>, kNameFields> names = namesFromCard(lines());
+  std::array<Retained<NSObject>, kNameFields> names = this->names();
   for (std::size_t i = 0; i < names.size(); ++i) {
     if (held(*properties[i]) == nullptr) values_.push_back({properties[i], std::move(names[i]), false});
   }

@@ -4,10 +4,12 @@
 #include "platform/contacts/record.h"
 #include "platform/contacts/schema.h"
 #include "platform/contacts/stored_card.h"
+#include "platform/contacts/text_properties.h"
 #include "platform/contacts/vcard/card.h"
 #include "platform/foundation/array.h"
 #include "platform/objc/retained.h"
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -78,6 +80,7 @@ struct RecordObject : objc::Object {
   NSObject valueFor(std::string_view property) { return value(*schema_->find(property)); }
   [[nodiscard]] Retained<NSObject> read(const Property& property);
   // All fields of a name at once: whoever asks for one asks for the others.
+  [[nodiscard]] std::array<Retained<NSObject>, kNameFields> names() const;
   void readNames();
 
   const Schema* schema_ = nullptr;

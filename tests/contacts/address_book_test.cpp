@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -118,6 +119,30 @@ TEST_F(AddressBook, SaysWhyAFolderCannotBeOpened) {
   // The next call tries again.
   setenv("ADDRESSBOOK_FOLDER", folder_.path().c_str(), 1);
   EXPECT_TRUE(ABAddressBook::sharedAddressBook());
+}
+
+TEST_F(AddressBook, ReadsNamesWhereverTheyStand) {
+  const std::string photo = "PHOTO;ENCODING=b:" + std::string(2000, 'A') + "\n";
+  const std::pair<std::string, const char*> names[] = {
+      {"N:Last;First;Middle;Title;Suffix\n", "Last First Middle Title Suffix"},
+      {photo + "item1.N: Last ; First\n" + photo, "Last First nil nil nil"},
+      {"N:;;;\nN:L\xC3\xA9on;First\nN:Other;Other\n", "L\xC3\xA9on First nil nil nil"},
+      {"N:La\n st;Fi\n rst\n", "Last First nil nil nil"},
+      {"N:La\\;st;First\n", "La;st First nil nil nil"},
+      {"N;ENCODING=QUOTED-PRINTABLE:L=C3=A9on;First\n", "L\xC3\xA9on First nil nil nil"},
+      {"N:;First;;Title\n", "nil First nil Title nil"},
+      {"N: ;\nFN:Full Name\n", "nil Full Name nil nil nil"},
+  };
+  for (std::size_t i = 0; i < std::size(names); ++i) {
+    folder_.writeCard(std::to_string(i) + ".vcf", "UID:" + std::to_string(i) + "\n" + names[i].first);
+  }
+  const ABAddressBook book = ABAddressBook::addressBook();
+  for (std::size_t i = 0; i < std::size(names); ++i) {
+    const ABPerson person = personIn(book, std::to_string(i));
+    std::string found = shown(person, "Last");
+    for (const char* property : {"First", "Middle", "Title", "Suffix"}) found += " " + shown(person, property);
+    EXPECT_EQ(found, names[i].second) << names[i].first;
+  }
 }
 
 }  // namespace

@@ -91,7 +91,8 @@ TEST_F(CardCache, MayBeForged) {
   constexpr std::size_t kCardsOfFile = 66;
   constexpr std::size_t kUidSize = kCardsOfFile + 4;
   constexpr std::size_t kTextSize = kUidSize + 6 + 8 + 128 + 1;
-  for (const std::size_t place : {std::size_t{0}, kCardCount, kCardsOfFile, kUidSize, kTextSize}) {
+  for (const std::size_t place :
+       {std::size_t{0}, kCardCount, kCardsOfFile, kUidSize, kTextSize, kTextSize + 4, kTextSize + 8}) {
     for (const std::uint32_t number : {0U, 127U, 129U, 100'000U, ~0U}) {
       std::string forged = kept;
       std::memcpy(forged.data() + start + place, &number, sizeof number);
