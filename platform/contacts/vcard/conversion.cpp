@@ -73,7 +73,14 @@ void appendUnchanged(std::string& text, const Line& line, Version version) {
   } else if (line.is("AGENT")) {
     appendWithBreaks(text, decodeCharset(line.raw(), ""));
   } else if (!line.name().empty() && isBlank(line.raw().front())) {
-    appendFolded(text, trimmed(recoded(line)));  // indented behind the BEGIN line, where it would be a fold elsewhere
+    // Indented behind the BEGIN line, where it would be a fold elsewhere. A boundary is one only without its blanks.
+    const std::string content = recoded(line);
+    const std::string_view bare = trimmed(content);
+    if (boundaryOf(bare) == Boundary::kNone) {
+      appendFolded(text, bare);
+    } else {
+      appendContent(text, content);
+    }
   } else if (keepsFolds && isValidUtf8(line.raw())) {
     appendWithBreaks(text, line.raw());
   } else {
