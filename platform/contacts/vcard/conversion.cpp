@@ -49,9 +49,11 @@ void appendWithBreaks(std::string& text, std::string_view raw) {
   while (!raw.empty()) text.append(withoutBreak(takePhysicalLine(raw))).append("\r\n");
 }
 
-// What begins with a blank goes on with an empty line, or it would go on with the line before.
+// What begins with a blank goes on with an empty line, or it would go on with the line before; so does what would begin
+// or end a card.
 void appendContent(std::string& text, std::string_view content) {
-  if (!content.empty() && isBlank(content.front())) text += "\r\n ";
+  const bool startsWithBlank = !content.empty() && isBlank(content.front());
+  if (startsWithBlank || boundaryOf(content) != Boundary::kNone) text += "\r\n ";
   appendFolded(text, content);
 }
 
