@@ -83,24 +83,26 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
   for (const CardChange& change : changes) absorb(change);
 }
 
+// What is there now counts: it may be told of a change when the book has saved another one since.
 void AddressBookObject::absorb(const CardChange& change) {
   links_.reset();
   const StoredCard& card = change.after ? *change.after : *change.before;
+  const StoredCardPointer now = database->find(card);
   // What was taken out of the book stays out of it.
   for (const Retained<ABRecord>& removed : removed_) {
     const StoredCard& known = objectOf(removed.get()).card();
     if (known.uid != card.uid || known.isGroup != card.isGroup) continue;
-    if (change.after) objectOf(removed.get()).adopt(change.after, false);
+    if (now) objectOf(removed.get()).adopt(now, false);
     return;
   }
   RecordList::Entry* entry = entryOf(card);
   if (entry == nullptr) {
-    if (change.after) load(change.after);
-  } else if (!entry->record && change.after) {
-    entry->unread = change.after;
-  } else if (change.after) {
+    if (now) load(now);
+  } else if (!entry->record && now) {
+    entry->unread = now;
+  } else if (now) {
     RecordObject& record = objectOf(entry->record.get());
-    if (record.sharedCard() != change.after) record.adopt(change.after, false);
+    if (record.sharedCard() != now) record.adopt(now, false);
   } else if (!entry->record || !objectOf(entry->record.get()).isChanged()) {
     take(*entry);
   }

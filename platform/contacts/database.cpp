@@ -42,6 +42,12 @@ std::vector<StoredCardPointer> Database::cards() const {
   return cards;
 }
 
+StoredCardPointer Database::find(const StoredCard& card) const {
+  const std::scoped_lock guard(lock_);
+  auto found = byId_.find(card);
+  return found == byId_.end() ? nullptr : *found;
+}
+
 std::string Database::me() const {
   const std::scoped_lock guard(lock_);
   return me_;

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -96,6 +97,24 @@ TEST_F(Notifications, TellWhatOthersChanged) {
   EXPECT_FALSE(person("b"));
   EXPECT_TRUE(book_.save());
   EXPECT_NE(bytesOf(folder_.path() / "d.vcf").find("NOTE:x"), std::string::npos);
+}
+
+// What another thread has found is told later than the save that comes after it.
+TEST_F(Notifications, DontUndoASave) {
+  static_cast<void>(book_.people());
+  for (const char* uid : {"a", "b"})
+    folder_.writeCard(uid + std::string(".vcf"), "UID:" + std::string(uid) + "\nN:Two\n");
+  std::thread([] {
+    const AutoreleasePool pool;
+    ABAddressBook::addressBook();
+  }).join();
+  EXPECT_TRUE(book_.removeRecord(person("a")));
+  EXPECT_TRUE(person("b").setValue("Mine"_ns, kABLastNameProperty));
+  EXPECT_TRUE(book_.save());
+  EXPECT_EQ(toldNow(),
+            (std::vector<std::string>{"external *(a:ABPerson b:ABPerson)", "own *(b:ABPerson) -(a:ABPerson)"}));
+  EXPECT_EQ(uids(book_.people()), "b");
+  EXPECT_EQ(shown(person("b"), "Last"), "Mine");
 }
 
 TEST_F(Notifications, FollowAFolderThatIsReplacedOrRemovedAndMadeAgain) {
