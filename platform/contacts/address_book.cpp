@@ -133,8 +133,9 @@ NSArray AddressBookObject::groupsWith(const RecordObject& record) {
 
 NSArray AddressBookObject::linkedWith(ABRecord person) {
   if (!links_) {
-    links_.emplace();
-    persons_.forEach([this](const RecordList::Entry& entry) { links_->add(entry.card()); });
+    Links links;
+    persons_.forEach([&links](const RecordList::Entry& entry) { links.add(entry.card()); });
+    links_ = std::move(links);
   }
   NSMutableArray people = NSMutableArray::array();
   for (const std::string& uid : links_->linkedWith(objectOf(person).card().uid)) {
