@@ -146,7 +146,10 @@ NSArray AddressBookObject::linkedWith(ABRecord person) {
 
 void AddressBookObject::load(std::vector<StoredCardPointer> cards) {
   persons_.reserve(cards.size());
-  for (StoredCardPointer& card : cards) load(std::move(card));
+  for (StoredCardPointer& card : cards) {
+    RecordList& list = listOf(*card);
+    list.add({std::move(card), {}});
+  }
 }
 
 void AddressBookObject::load(StoredCardPointer card) {

@@ -6,9 +6,12 @@ namespace contacts {
 
 // The places are there whole or not at all, whatever memory there is.
 void RecordList::add(Entry entry) {
+  if (!places_) {
+    entries_.push_back(std::move(entry));
+    return;
+  }
   auto places = std::exchange(places_, std::nullopt);
   entries_.push_back(std::move(entry));
-  if (!places) return;
   places->emplace(entries_.back().card().uid, entries_.size() - 1);
   places_ = std::move(places);
 }
