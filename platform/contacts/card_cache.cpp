@@ -30,7 +30,6 @@ constexpr char kCacheFile[] = "cache";
 constexpr std::string_view kForm = "contacts cache 8\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 // A block has this at most, but for its last file.
-constexpr std::uint32_t kBlockFiles = 128;
 constexpr std::size_t kBlockSize = std::size_t{1} << 20;
 constexpr std::size_t kBlockHead = 4 * sizeof(std::uint64_t);
 
@@ -64,12 +63,16 @@ class Reader {
   }
   template <Plain Value>
   Value number() {
-    Value value{};
-    const std::string_view taken = take(sizeof value);
-    std::memcpy(&value, taken.data(), taken.size());
+    if (rest_.size() < sizeof(Value)) {
+      rest_ = {};
+      return {};
+    }
+    Value value;
+    std::memcpy(&value, take(sizeof value).data(), sizeof value);
     return value;
   }
   std::string_view text() { return take(number<std::uint32_t>()); }
+  [[nodiscard]] bool isAtEnd() const { return rest_.empty(); }
 
  private:
   std::string_view rest_;
@@ -103,7 +106,7 @@ struct BlockWriter {
   }
 
   [[nodiscard]] bool isFull() const {
-    return fileCount == kBlockFiles || files.bytes.size() + texts.size() > kBlockSize;
+    return fileCount == CardCache::kBlockFiles || files.bytes.size() + texts.size() > kBlockSize;
   }
 
   [[nodiscard]] std::string finished() const {
@@ -155,28 +158,28 @@ CardCache::CardCache(const Folder& folder) {
   file_ = std::make_shared<const FileDescriptor>(std::move(file));
 }
 
-std::vector<CardCache::File> CardCache::read(std::size_t block, const Database& database) const {
+void CardCache::read(std::size_t block, const Database& database, const AddFile& add) const {
   const auto& [said, texts, place] = blocks_[block];
   std::string bytes(static_cast<std::size_t>(said.size), '\0');
-  if (!readAt(*file_, place, bytes) || contentHash(bytes) != said.hash) return {};
+  if (!readAt(*file_, place, bytes) || contentHash(bytes) != said.hash) return;
   const auto unread = std::make_shared<const UnreadTexts>(file_, place + static_cast<std::int64_t>(said.size),
                                                           static_cast<std::size_t>(texts.size), texts.hash);
   Reader reader(bytes);
   const auto fileCount = reader.number<std::uint32_t>();
   const auto cardCount = reader.number<std::uint32_t>();
-  if (fileCount > bytes.size() || cardCount > bytes.size() / sizeof(TextDigest)) return {};
-  std::vector<File> files(fileCount);
+  if (cardCount > bytes.size() / sizeof(TextDigest)) return;
   // In one piece: most of them will be there as long as the process.
   auto cards = std::make_shared<std::vector<StoredCard>>(cardCount);
   auto card = cards->begin();
   std::uint64_t textsEnd = 0;
-  for (auto& [name, contents] : files) {
-    name = reader.text();
+  for (std::uint32_t file = 0; file < fileCount && !reader.isAtEnd(); ++file) {
+    std::string name(reader.text());
+    CardFile contents;
     contents.stamp = reader.number<FileStamp>();
     contents.isSettled = true;
     contents.hash = reader.number<std::uint64_t>();
     const auto count = reader.number<std::uint32_t>();
-    if (count > static_cast<std::size_t>(cards->end() - card)) return {};
+    if (count > static_cast<std::size_t>(cards->end() - card)) return;
     for (std::size_t position = 0; position < count; ++position, ++card) {
       card->position = position;
       setPlace(*card, database, name, contents.stamp);
@@ -188,12 +191,12 @@ std::vector<CardCache::File> CardCache::read(std::size_t block, const Database& 
       const auto personName = reader.number<TextStretch>();
       textsEnd += text.size;
       const bool isInText = personName.begin <= text.size && personName.size <= text.size - personName.begin;
-      if (textsEnd > texts.size || !isInText) return {};
+      if (textsEnd > texts.size || !isInText) return;
       card->kept = CardText(unread, text, personName);
       contents.cards.emplace_back(cards, &*card);
     }
+    add(std::move(name), std::move(contents));
   }
-  return files;
 }
 
 void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files) try {

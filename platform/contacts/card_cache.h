@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -20,10 +21,10 @@ class Folder;
 // counts as not there, as does one that another version wrote.
 class CardCache {
  public:
-  struct File {
-    std::string name;
-    CardFile contents;  // as it was read when it had that stamp
-  };
+  // A block has so many at most.
+  static constexpr std::uint32_t kBlockFiles = 128;
+  // The contents as they were read when the file had their stamp.
+  using AddFile = std::function<void(std::string name, CardFile contents)>;
 
   // That of the folder; empty when there is none.
   explicit CardCache(const Folder& folder);
@@ -31,7 +32,7 @@ class CardCache {
   // The files are in several blocks, sorted by name.
   [[nodiscard]] std::size_t blockCount() const { return blocks_.size(); }
   // The files of a block, as files of the database. Any thread.
-  [[nodiscard]] std::vector<File> read(std::size_t block, const Database& database) const;
+  void read(std::size_t block, const Database& database, const AddFile& add) const;
 
  private:
   // What a stretch of the file is to be.

@@ -138,7 +138,7 @@ void Database::overlay(const std::vector<JournalStep>& steps) {
 }
 
 std::vector<std::string> Database::fileNames() const {
-  std::vector<std::string> names = folder_.cardFileNames();
+  std::vector<std::string> names = folder_.cardFileNames().sorted();
   for (const auto& [file, temporary] : overlay_) {
     if (file.first != JournalStep::Target::kCard) continue;
     auto place = std::ranges::lower_bound(names, file.second);
@@ -150,17 +150,20 @@ std::vector<std::string> Database::fileNames() const {
 }
 
 std::optional<FileContents> Database::read(JournalStep::Target target, const std::string& name) const {
+  return read(target, name, target == JournalStep::Target::kCard ? folder_.cards() : folder_.data());
+}
+
+std::optional<FileContents> Database::read(JournalStep::Target target, const std::string& name, int folder) const {
   if (auto over = overlay_.find({target, name}); over != overlay_.end()) {
     if (over->second.empty()) return std::nullopt;
     std::optional<FileContents> contents = readFile(folder_.data(), over->second);
     // It isn't there any more when another process was able to put it in its place.
     if (contents) return contents;
   }
-  const int folder = target == JournalStep::Target::kCard ? folder_.cards() : folder_.data();
   return folder < 0 ? std::nullopt : readFile(folder, name);
 }
 
-std::optional<FileStamp> Database::stamp(const std::string& name) const {
+std::optional<FileStamp> Database::stamp(const std::string& name, int folder) const {
   if (!overlay_.empty()) {
     auto over = overlay_.find({JournalStep::Target::kCard, name});
     if (over != overlay_.end() && over->second.empty()) return std::nullopt;
@@ -168,7 +171,7 @@ std::optional<FileStamp> Database::stamp(const std::string& name) const {
       if (const auto stamp = stampIn(folder_.data(), over->second)) return stamp;
     }
   }
-  return folder_.cards() < 0 ? std::nullopt : stampIn(folder_.cards(), name);
+  return folder < 0 ? std::nullopt : stampIn(folder, name);
 }
 
 void Database::log(const std::string& message) {

@@ -63,8 +63,8 @@ class Database {
   // The cache lacks the text of a card.
   void noteDamagedCache() const;
 
-  // Reads what has changed in the folder since it was last read: in the files of those names, or in all. Throws
-  // FolderError and FileError; what was read before then stays.
+  // Reads what has changed in the folder since it was last read: in the files of those names, or in all; the first
+  // time, what the cache has isn't among it. Throws FolderError and FileError; what was read before then stays.
   std::vector<CardChange> refresh(const std::set<std::string>* names = nullptr);
   // Reads nothing but the custom properties into the schemas; refresh does too.
   void refreshProperties();
@@ -86,6 +86,7 @@ class Database {
     };
 
     FoundFile() = default;
+    FoundFile(State found, Files::node_type file);
     FoundFile(State found, std::string name, CardFile contents = {});
 
     [[nodiscard]] const std::string& name() const { return file.key(); }
@@ -93,6 +94,19 @@ class Database {
 
     State state = State::kSame;
     Files::node_type file;  // empty for what is as it was, unless there is a refusal to tell
+  };
+
+  // Files that are as the cache has them, before they are the database's.
+  struct Cached {
+    // In the order of their names.
+    void add(FoundFile file);
+    // Leaves out what isn't listed, and answers what is listed besides, sorted.
+    std::vector<std::string> compare(const NameList& listed);
+
+    Files files;
+    CardSet byId;
+    NameSum names;
+    bool hasDoubles = false;  // cards with the same id
   };
 
   // All but the public functions want the lock held.
@@ -104,13 +118,15 @@ class Database {
   // Sorted.
   [[nodiscard]] std::vector<std::string> fileNames() const;
   [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name) const;
-  [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name) const;
+  // By a descriptor of the target's folder, or of the cards'.
+  [[nodiscard]] std::optional<FileContents> read(JournalStep::Target target, const std::string& name, int folder) const;
+  [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name, int folder) const;
   // Those of the files that aren't as they were last read, in the order of the names, which are sorted.
   std::vector<FoundFile> lookAt(std::vector<std::string> names);
-  // The first time: all files.
-  std::vector<FoundFile> lookAtAll();
+  // All files, the first time: those that the cache hasn't. Of the others nobody needs to be told.
+  std::vector<FoundFile> lookWithCache();
   // Several threads may look at different files.
-  FoundFile look(std::string name);
+  FoundFile look(std::string name, int folder);
   [[nodiscard]] std::vector<FoundFile> lookAtCached(const CardCache& cache, std::size_t block) const;
   [[nodiscard]] FoundFile parse(std::string name, FileContents contents) const;
   void addCards(FoundFile& found, NewCards cards) const;
@@ -123,6 +139,7 @@ class Database {
   Folder folder_;
   Files files_;
   CardSet byId_;
+  bool isNew_ = true;  // the folder was never read
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
   std::vector<CardChange> untold_;  // found by saves that failed

@@ -49,16 +49,14 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     byId_.clear();
     for (const auto& [name, file] : files_) byId_.insert(file.cards.begin(), file.cards.end());
   }
-  std::vector<FoundFile> found;
-  if (names != nullptr) {
-    found = lookAt(cardFilesOf(*names));
-  } else {
-    found = files_.empty() ? lookAtAll() : lookAt(namesToLookAt());
-  }
+  const bool isFirst = isNew_ && names == nullptr && files_.empty() && overlay_.empty();
+  std::vector<FoundFile> found =
+      isFirst ? lookWithCache() : lookAt(names == nullptr ? namesToLookAt() : cardFilesOf(*names));
   readData();
   const auto readCount = std::ranges::count_if(
       found, [](FoundFile& file) { return file.state == FoundFile::State::kRead && file.contents().isSettled; });
   std::vector<CardChange> changes = adopt(std::move(found));
+  isNew_ = false;
   if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.size()) && folder_.data() >= 0 && overlay_.empty()) {
     writeCardCache(folder_, files_);
   }
@@ -75,6 +73,8 @@ std::vector<std::string> Database::namesToLookAt() const {
   return names;
 }
 
+Database::FoundFile::FoundFile(State found, Files::node_type foundFile) : state(found), file(std::move(foundFile)) {}
+
 Database::FoundFile::FoundFile(State found, std::string name, CardFile contents) : state(found) {
   Files one;
   one.try_emplace(std::move(name), std::move(contents));
@@ -85,8 +85,10 @@ std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names
   constexpr std::size_t kStretch = 32;
   std::vector<FoundFile> found(names.size());
   ParallelWork stretches((names.size() + kStretch - 1) / kStretch, [&](std::size_t stretch) {
+    const FileDescriptor own = folder_.ownCards();
+    const int folder = own.isOpen() ? own.number() : folder_.cards();
     const std::size_t end = std::min(names.size(), (stretch + 1) * kStretch);
-    for (std::size_t i = stretch * kStretch; i < end; ++i) found[i] = look(std::move(names[i]));
+    for (std::size_t i = stretch * kStretch; i < end; ++i) found[i] = look(std::move(names[i]), folder);
   });
   stretches.finish();
   std::erase_if(found, [this](FoundFile& file) {
@@ -97,58 +99,12 @@ std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names
   return found;
 }
 
-// What the cache has is looked at while the folder is listed.
-std::vector<Database::FoundFile> Database::lookAtAll() {
-  const CardCache cache(folder_);
-  if (!overlay_.empty() || cache.blockCount() == 0) return lookAt(fileNames());
-  std::vector<std::vector<FoundFile>> known(cache.blockCount());
-  ParallelWork blocks(known.size(), [&](std::size_t block) { known[block] = lookAtCached(cache, block); });
-  std::vector<std::string> names = fileNames();
-  blocks.finish();
-
-  std::vector<FoundFile> same;
-  same.reserve(names.size());
-  std::vector<std::string> others;
-  auto name = names.begin();
-  for (std::vector<FoundFile>& block : known) {
-    for (FoundFile& file : block) {
-      while (name != names.end() && *name < file.name()) others.push_back(std::move(*name++));
-      if (name == names.end() || *name != file.name()) continue;
-      same.push_back(std::move(file));
-      ++name;
-    }
-  }
-  std::move(name, names.end(), std::back_inserter(others));
-  std::vector<FoundFile> looked = lookAt(std::move(others));
-  std::vector<FoundFile> found;
-  found.reserve(same.size() + looked.size());
-  std::merge(std::move_iterator(same.begin()), std::move_iterator(same.end()), std::move_iterator(looked.begin()),
-             std::move_iterator(looked.end()), std::back_inserter(found),
-             [](const FoundFile& a, const FoundFile& b) { return a.name() < b.name(); });
-  return found;
-}
-
-// Those that are as the cache has them. It is of use, but not needed.
-std::vector<Database::FoundFile> Database::lookAtCached(const CardCache& cache, std::size_t block) const try {
-  std::vector<CardCache::File> files = cache.read(block, *this);
-  std::vector<FoundFile> found;
-  found.reserve(files.size());
-  for (auto& [name, contents] : files) {
-    if (stamp(name) == contents.stamp) {
-      found.emplace_back(FoundFile::State::kCached, std::move(name), std::move(contents));
-    }
-  }
-  return found;
-} catch (const std::exception&) {
-  return {};
-}
-
-Database::FoundFile Database::look(std::string name) {
+Database::FoundFile Database::look(std::string name, int folder) {
   using State = FoundFile::State;
   auto known = files_.find(name);
   const bool isKnown = known != files_.end();
-  if (isKnown && known->second.isSettled && stamp(name) == known->second.stamp) return {};
-  std::optional<FileContents> contents = read(JournalStep::Target::kCard, name);
+  if (isKnown && known->second.isSettled && stamp(name, folder) == known->second.stamp) return {};
+  std::optional<FileContents> contents = read(JournalStep::Target::kCard, name, folder);
   if (!contents) return isKnown ? FoundFile(State::kGone, std::move(name)) : FoundFile();
   if (isKnown && known->second.refusal.empty()) {
     if (contents->error != 0) {

@@ -258,7 +258,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
     contents.bytes = plan.composed;
     try {
       // Where it isn't that file, or can't be told, it will be looked at once more.
-      const auto stamp = database_.stamp(step.name);
+      const auto stamp = database_.stamp(step.name, database_.folder_.cards());
       if (stamp && stamp->inode == plan.inode) contents.stamp = *stamp;
     } catch (const FileError&) {
     }

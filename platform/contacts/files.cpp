@@ -160,7 +160,7 @@ void syncFolder(int folder) {
 
 bool isWritableFolder(int folder) { return faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) == 0; }
 
-std::vector<std::string> namesIn(int folder) {
+void forEachName(int folder, const std::function<void(std::string_view)>& visit) {
   // A descriptor of its own: the position in the folder belongs to it.
   FileDescriptor listing(again([&] { return openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
   if (!listing.isOpen()) fail("read", "the folder");
@@ -168,15 +168,19 @@ std::vector<std::string> namesIn(int folder) {
   if (!directory) fail("read", "the folder");
   listing.leak();
 
-  std::vector<std::string> names;
   while (true) {
     errno = 0;
     const dirent* entry = readdir(directory.get());
     if (entry == nullptr) break;
     const std::string_view name = entry->d_name;
-    if (name != "." && name != "..") names.emplace_back(name);
+    if (name != "." && name != "..") visit(name);
   }
   if (errno != 0) fail("read", "the folder");
+}
+
+std::vector<std::string> namesIn(int folder) {
+  std::vector<std::string> names;
+  forEachName(folder, [&names](std::string_view name) { names.emplace_back(name); });
   return names;
 }
 

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -99,6 +100,7 @@ void syncFolder(int folder);
 bool isWritableFolder(int folder);
 
 // Without "." and ".."; in no order.
+void forEachName(int folder, const std::function<void(std::string_view)>& visit);
 std::vector<std::string> namesIn(int folder);
 
 // Of a file's bytes; not against malice.

@@ -91,32 +91,6 @@ void lockFile(const FileDescriptor& file, FolderLock::Kind kind, steady_clock::t
   }
 }
 
-// By their bytes. Some file systems list a name again when the folder changes meanwhile: each is there once.
-std::vector<std::string> sorted(std::vector<std::string> names) {
-  // The beginning as one number decides nearly always.
-  struct Name {
-    explicit Name(std::string& name) : whole(&name) {
-      for (std::size_t i = 0; i < sizeof start; ++i) {
-        start = start << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
-      }
-    }
-    bool operator<(const Name& other) const {
-      return start == other.start ? *whole < *other.whole : start < other.start;
-    }
-
-    std::uint64_t start = 0;
-    std::string* whole;
-  };
-  std::vector<Name> order(names.begin(), names.end());
-  std::sort(order.begin(), order.end());
-  std::vector<std::string> result;
-  result.reserve(names.size());
-  for (const Name& name : order) {
-    if (result.empty() || result.back() != *name.whole) result.push_back(std::move(*name.whole));
-  }
-  return result;
-}
-
 }  // namespace
 
 bool isCardFileName(std::string_view name) {
@@ -136,6 +110,38 @@ std::string folderPath() {
   throw FolderError("contacts folder: none of ADDRESSBOOK_FOLDER, XDG_DATA_HOME and HOME is set");
 }
 
+void NameList::add(std::string_view name) {
+  names_ += name;
+  names_ += '\0';
+  sum_.add(name);
+}
+
+std::vector<std::string> NameList::sorted() const {
+  // The beginning as one number decides nearly always.
+  struct Name {
+    explicit Name(std::string_view name) : whole(name) {
+      for (std::size_t i = 0; i < sizeof start; ++i) {
+        start = start << 8 | (i < name.size() ? static_cast<unsigned char>(name[i]) : 0U);
+      }
+    }
+    bool operator<(const Name& other) const { return start == other.start ? whole < other.whole : start < other.start; }
+
+    std::uint64_t start = 0;
+    std::string_view whole;
+  };
+  std::vector<Name> order;
+  for (const char* name = names_.data(); name != names_.data() + names_.size(); name += order.back().whole.size() + 1) {
+    order.emplace_back(name);
+  }
+  std::sort(order.begin(), order.end());
+  std::vector<std::string> names;
+  names.reserve(order.size());
+  for (const Name& name : order) {
+    if (names.empty() || names.back() != name.whole) names.emplace_back(name.whole);
+  }
+  return names;
+}
+
 Folder::Folder(std::string path) : path_(std::move(path)) {
   while (path_.size() > 1 && path_.ends_with('/')) path_.pop_back();
   open();
@@ -152,6 +158,10 @@ void Folder::open() {
 void Folder::openData() {
   data_ = FileDescriptor();
   if (cards_.isOpen()) data_ = FileDescriptor(again([&] { return openat(cards(), kData, kFolderFlags | O_NOFOLLOW); }));
+}
+
+FileDescriptor Folder::ownCards() const {
+  return FileDescriptor(again([&] { return openat(cards(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC); }));
 }
 
 bool Folder::isWritable() const {
@@ -198,11 +208,13 @@ void Folder::makeData() {
   if (isMade) syncFolder(cards());
 }
 
-std::vector<std::string> Folder::cardFileNames() const {
-  if (!cards_.isOpen()) return {};
-  std::vector<std::string> names = namesIn(cards());
-  std::erase_if(names, [](const std::string& name) { return !isCardFileName(name); });
-  return sorted(std::move(names));
+NameList Folder::cardFileNames() const {
+  NameList names;
+  if (!cards_.isOpen()) return names;
+  forEachName(cards(), [&names](std::string_view name) {
+    if (isCardFileName(name)) names.add(name);
+  });
+  return names;
 }
 
 FolderLock::FolderLock(const Folder& folder, Kind kind, std::chrono::milliseconds patience) {

@@ -4,6 +4,8 @@
 #include "platform/contacts/files.h"
 
 #include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -24,6 +26,36 @@ std::string folderPath();
 // *.vcf without a leading dot.
 bool isCardFileName(std::string_view name);
 
+// Which names there are, in any order.
+class NameSum {
+ public:
+  void add(std::string_view name) {
+    ++count_;
+    sum_ += contentHash(name);
+  }
+  [[nodiscard]] std::size_t count() const { return count_; }
+  // Another set of names has the same as rarely as other bytes have the same hash.
+  friend bool operator==(const NameSum&, const NameSum&) = default;
+
+ private:
+  std::size_t count_ = 0;
+  std::uint64_t sum_ = 0;
+};
+
+// File names as a folder lists them, in little memory.
+class NameList {
+ public:
+  void add(std::string_view name);
+  [[nodiscard]] const NameSum& sum() const { return sum_; }
+  [[nodiscard]] std::size_t count() const { return sum_.count(); }
+  // By their bytes. Some file systems list a name again when the folder changes meanwhile: each is there once.
+  [[nodiscard]] std::vector<std::string> sorted() const;
+
+ private:
+  std::string names_;  // each with a zero behind it
+  NameSum sum_;
+};
+
 // The folder of card files, held open, and within it the data folder .addressbook, which has what isn't in cards. One
 // that is missing is empty, until something is saved to it.
 class Folder {
@@ -36,6 +68,10 @@ class Folder {
   [[nodiscard]] int cards() const { return cards_.number(); }
   [[nodiscard]] int data() const { return data_.number(); }
 
+  // Another descriptor of the folder of cards, not to list it; none when there is none to be had. Threads that look at
+  // files by the same one wait for each other.
+  [[nodiscard]] FileDescriptor ownCards() const;
+
   // Whether files can be made in it and taken out of it.
   [[nodiscard]] bool isWritable() const;
   // Whether the paths still name the folders.
@@ -47,8 +83,8 @@ class Folder {
   // FileError.
   bool followOrMake();
 
-  // The names of what may be card files, sorted by their bytes. Throws FileError.
-  [[nodiscard]] std::vector<std::string> cardFileNames() const;
+  // The names of what may be card files. Throws FileError.
+  [[nodiscard]] NameList cardFileNames() const;
 
  private:
   void open();

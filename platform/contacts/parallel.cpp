@@ -11,7 +11,7 @@
 namespace contacts {
 
 ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> work)
-    : count_(count), work_(std::move(work)) {
+    : count_(count), work_(std::move(work)), ended_(count) {
   // More would only wait for each other in the file system.
   constexpr std::size_t kMost = 8;
   cpu_set_t processors;
@@ -26,7 +26,8 @@ ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> w
     while (others_.size() + 1 < threads) {
       others_.emplace_back([this] {
         areApart_.wait();
-        takePieces();
+        while (takePiece()) {
+        }
       });
       pthread_setaffinity_np(others_.back().native_handle(), sizeof elsewhere, &elsewhere);
     }
@@ -40,19 +41,39 @@ ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> w
 ParallelWork::~ParallelWork() { next_ = count_; }
 
 void ParallelWork::finish() {
-  takePieces();
+  while (takePiece()) {
+  }
   others_.clear();
   if (failure_) std::rethrow_exception(failure_);
 }
 
-void ParallelWork::takePieces() {
-  try {
-    for (std::size_t piece = 0; (piece = next_++) < count_;) work_(piece);
-  } catch (...) {
-    next_ = count_;
-    const std::scoped_lock guard(lock_);
-    if (!failure_) failure_ = std::current_exception();
+void ParallelWork::finish(std::size_t piece) {
+  const auto isOver = [&] { return failure_ || ended_[piece]; };
+  std::unique_lock guard(lock_);
+  while (!isOver()) {
+    guard.unlock();
+    const bool hasTaken = takePiece();
+    guard.lock();
+    if (!hasTaken) progress_.wait(guard, isOver);
   }
+  if (failure_) std::rethrow_exception(failure_);
+}
+
+bool ParallelWork::takePiece() {
+  const std::size_t piece = next_++;
+  if (piece >= count_) return false;
+  std::exception_ptr failure;
+  try {
+    work_(piece);
+  } catch (...) {
+    failure = std::current_exception();
+    next_ = count_;
+  }
+  const std::scoped_lock guard(lock_);
+  ended_[piece] = true;
+  if (!failure_) failure_ = failure;
+  progress_.notify_one();
+  return true;
 }
 
 }  // namespace contacts

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <exception>
 #include <functional>
@@ -25,15 +26,20 @@ class ParallelWork {
   // Takes part, and returns when all pieces have ended. Throws what work threw, after which pieces that hadn't begun
   // are left out.
   void finish();
+  // The same of one piece, as long as that takes.
+  void finish(std::size_t piece);
 
  private:
-  void takePieces();
+  // False when all have begun.
+  bool takePiece();
 
   const std::size_t count_;
   const std::function<void(std::size_t)> work_;
   std::atomic<std::size_t> next_ = 0;
   std::latch areApart_{1};  // none begins before it was told where
-  std::mutex lock_;
+  std::mutex lock_;         // of the next ones
+  std::condition_variable progress_;
+  std::vector<bool> ended_;
   std::exception_ptr failure_;
   std::vector<std::jthread> others_;
 };

@@ -1,3 +1,6 @@
+#include "platform/foundation/notification.h"
+#include "platform/foundation/run_loop.h"
+#include "platform/objc/class_builder.h"
 #include "tests/contacts/book_test.h"
 #include "tests/contacts/hash_of.h"
 
@@ -105,6 +108,48 @@ TEST_F(CardCache, MayBeForged) {
   }
 }
 
+// What notifications have told.
+struct {
+  std::string updated;
+  std::size_t insertedCount = 0;
+  std::size_t deletedCount = 0;
+} told;
+
+void note(NSObject, NSNotification notification) {
+  const auto ids = [&](NSString key) { return notification.userInfo().objectForKey(key).as<NSArray>(); };
+  if (ids(kABUpdatedRecords)) told.updated += shown(ids(kABUpdatedRecords));
+  told.insertedCount += ids(kABInsertedRecords).count();
+  told.deletedCount += ids(kABDeletedRecords).count();
+}
+
+// What was there when the folder was opened isn't told of; what the cache has, but the folder got later, is.
+TEST_F(CardCache, IsTheStateThatChangesAreToldFrom) {
+  fs::create_directory(cache().parent_path());
+  names();
+  const auto toldOf = [](auto change) {
+    objc::ClassBuilder::define<objc::Object>("CacheObserver", "NSObject").method<&note>("note:");
+    const auto observer = Retained<NSObject>::adopt(send<NSObject>(Class("CacheObserver"), "new"_sel));
+    const ABAddressBook book = ABAddressBook::sharedAddressBook();
+    const NSUInteger before = book.people().count();
+    NSNotificationCenter::defaultCenter().addObserver(observer.get(), "note:"_sel,
+                                                      kABDatabaseChangedExternallyNotification, book);
+    change();
+    for (int i = 0; i < 100; ++i) {
+      CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
+      if (!told.updated.empty() || book.people().count() == 600) break;
+    }
+    return told.updated + " +" + std::to_string(told.insertedCount) + " -" + std::to_string(told.deletedCount) +
+           " of " + std::to_string(before);
+  };
+  const auto ofChange = answerOfChild([&] { return toldOf([this] { writeCard("c599", "NAME599"); }); });
+  EXPECT_EQ(ofChange.second, "(c599:ABPerson) +0 -0 of 600");
+
+  const fs::path aside = folder_.path().string() + ".aside";
+  fs::rename(folder_.path(), aside);
+  const auto ofAll = answerOfChild([&] { return toldOf([&] { fs::rename(aside, folder_.path()); }); });
+  EXPECT_EQ(ofAll.second, " +600 -0 of 0");
+}
+
 // Texts are read from it when somebody asks for one.
 TEST_F(CardCache, MayBeLostWhileItIsInUse) {
   fs::create_directory(cache().parent_path());
@@ -132,8 +177,15 @@ TEST_F(CardCache, GivesEachUidAway) {
   sleep(3);
   names();
   fs::remove(folder_.path() / "c0.vcf");
-  const auto holder = [] { return shown(personIn(ABAddressBook::addressBook(), "c0"), "First"); };
-  EXPECT_EQ(answerOfChild(holder).second, "Last");
+  folder_.writeCard("a.vcf", "UID:c1\nFN:Before\n");
+  folder_.writeCard("zz.vcf", "UID:c2\nFN:Behind\n");
+  const auto holders = [] {
+    const ABAddressBook book = ABAddressBook::addressBook();
+    std::string first;
+    for (const char* uid : {"c0", "c1", "c2"}) first += shown(personIn(book, uid), "First") + " ";
+    return first;
+  };
+  EXPECT_EQ(answerOfChild(holders).second, "Last Before Name2 ");
 }
 
 }  // namespace
