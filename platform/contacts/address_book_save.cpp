@@ -17,6 +17,9 @@ bool failToSave(NSError* error, const std::exception& reason) {
   return fail(error, 0, std::string("the address book can't be saved: ") + reason.what(), NSUnderlyingErrorKey, cause);
 }
 
+// Also what was added and has no other values than its card.
+bool isUnsaved(const RecordObject& record) { return record.card().database == nullptr || record.isChanged(); }
+
 }  // namespace
 
 bool AddressBookObject::saveOrFail(NSError* error) {
@@ -43,8 +46,7 @@ std::vector<Retained<ABRecord>> AddressBookObject::changedRecords() const {
   std::vector<Retained<ABRecord>> changed;
   for (const Retained<ABRecord>& record : changed_) {
     const RecordObject& object = objectOf(record.get());
-    const bool isNew = object.card().database == nullptr;
-    if (object.book() == this && (isNew || object.isChanged())) changed.push_back(record);
+    if (object.book() == this && isUnsaved(object)) changed.push_back(record);
   }
   return changed;
 }
@@ -87,7 +89,7 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
 void AddressBookObject::absorb(const CardChange& change) {
   links_.reset();
   const StoredCard& card = change.after ? *change.after : *change.before;
-  const StoredCardPointer now = database->find(card);
+  const StoredCardPointer now = database->outcome(change);
   // What was taken out of the book stays out of it.
   for (const Retained<ABRecord>& removed : removed_) {
     const StoredCard& known = objectOf(removed.get()).card();
@@ -103,7 +105,7 @@ void AddressBookObject::absorb(const CardChange& change) {
   } else if (now) {
     RecordObject& record = objectOf(entry->record.get());
     if (record.sharedCard() != now) record.adopt(now, false);
-  } else if (!entry->record || !objectOf(entry->record.get()).isChanged()) {
+  } else if (!entry->record || !isUnsaved(objectOf(entry->record.get()))) {
     take(*entry);
   }
 }

@@ -42,9 +42,10 @@ std::vector<StoredCardPointer> Database::cards() const {
   return cards;
 }
 
-StoredCardPointer Database::find(const StoredCard& card) const {
+StoredCardPointer Database::outcome(const CardChange& change) const {
   const std::scoped_lock guard(lock_);
-  auto found = byId_.find(card);
+  if (isBehind_) return change.after;
+  auto found = byId_.find(change.after ? *change.after : *change.before);
   return found == byId_.end() ? nullptr : *found;
 }
 

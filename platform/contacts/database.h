@@ -54,8 +54,8 @@ class Database {
   [[nodiscard]] bool isWritable() const;
   // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
   [[nodiscard]] std::vector<StoredCardPointer> cards() const;
-  // The card with the same unique id as it was last read or saved; null when there is none.
-  [[nodiscard]] StoredCardPointer find(const StoredCard& card) const;
+  // What the card of a change has become since; null when there is none any more.
+  [[nodiscard]] StoredCardPointer outcome(const CardChange& change) const;
   // The UID of the owner's card; empty for none.
   [[nodiscard]] std::string me() const;
   // The card as its file has it now; its text where the file is gone.

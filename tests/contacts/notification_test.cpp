@@ -117,6 +117,23 @@ TEST_F(Notifications, DontUndoASave) {
   EXPECT_EQ(shown(person("b"), "Last"), "Mine");
 }
 
+// The same where all of it happens elsewhere: a record that was added again, and isn't saved yet, stays.
+TEST_F(Notifications, LeaveWhatWasAddedAgain) {
+  const ABPerson a = person("a");
+  folder_.writeCard("a.vcf", "UID:a\nN:Two\n");
+  std::thread([&] {
+    const AutoreleasePool pool;
+    ABAddressBook::addressBook();
+    EXPECT_TRUE(book_.removeRecord(a));
+    EXPECT_TRUE(book_.save());
+    EXPECT_TRUE(book_.addRecord(a));
+  }).join();
+  toldNow();
+  EXPECT_EQ(uids(book_.people()), "b a");
+  EXPECT_TRUE(book_.save());
+  EXPECT_EQ(uids(ABAddressBook::addressBook().people()), "a b");
+}
+
 TEST_F(Notifications, FollowAFolderThatIsReplacedOrRemovedAndMadeAgain) {
   const fs::path old = folder_.path().string() + ".old";
   fs::rename(folder_.path(), old);
