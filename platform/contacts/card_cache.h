@@ -23,7 +23,6 @@ class CardCache {
  public:
   // A block has so many at most.
   static constexpr std::uint32_t kBlockFiles = 128;
-  // The contents as they were read when the file had their stamp.
   using AddFile = std::function<void(std::string name, CardFile contents)>;
 
   // That of the folder; empty when there is none.
@@ -31,7 +30,7 @@ class CardCache {
 
   // The files are in several blocks, sorted by name.
   [[nodiscard]] std::size_t blockCount() const { return blocks_.size(); }
-  // The files of a block, as files of the database. Any thread.
+  // Adds the files of a block, as files of the database that were read when they had those stamps. Any thread.
   void read(std::size_t block, const Database& database, const AddFile& add) const;
 
  private:

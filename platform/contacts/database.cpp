@@ -86,7 +86,7 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
   const bool wasOverlaid = !overlay_.empty();
   if (folder_.follow()) names = nullptr;
   const FolderLock reading = settle();
-  if (wasOverlaid || !overlay_.empty() || isBehind_) names = nullptr;
+  if (wasOverlaid || !overlay_.empty() || isBehind_ || isNew_) names = nullptr;
   std::vector<CardChange> changes = readFiles(names);
   changes.insert(changes.begin(), untold_.begin(), untold_.end());
   untold_.clear();

@@ -63,8 +63,8 @@ class Database {
   // The cache lacks the text of a card.
   void noteDamagedCache() const;
 
-  // Reads what has changed in the folder since it was last read: in the files of those names, or in all; the first
-  // time, what the cache has isn't among it. Throws FolderError and FileError; what was read before then stays.
+  // Reads what has changed in the folder since it was last read: in the files of those names, or in all. The first
+  // time, what the cache has may be left out. Throws FolderError and FileError; what was read before then stays.
   std::vector<CardChange> refresh(const std::set<std::string>* names = nullptr);
   // Reads nothing but the custom properties into the schemas; refresh does too.
   void refreshProperties();
@@ -98,7 +98,7 @@ class Database {
 
   // Files that are as the cache has them, before they are the database's.
   struct Cached {
-    // In the order of their names.
+    // In the order of their names; one that isn't counts as not there.
     void add(FoundFile file);
     // Leaves out what isn't listed, and answers what is listed besides, sorted.
     std::vector<std::string> compare(const NameList& listed);
@@ -123,7 +123,7 @@ class Database {
   [[nodiscard]] std::optional<FileStamp> stamp(const std::string& name, int folder) const;
   // Those of the files that aren't as they were last read, in the order of the names, which are sorted.
   std::vector<FoundFile> lookAt(std::vector<std::string> names);
-  // All files, the first time: those that the cache hasn't. Of the others nobody needs to be told.
+  // All files, the first time: at least those that the cache hasn't, when it has taken over the others.
   std::vector<FoundFile> lookWithCache();
   // Several threads may look at different files.
   FoundFile look(std::string name, int folder);

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <exception>
-#include <iterator>
 #include <utility>
 
 // The folder's cards where the cache has most of them.
@@ -41,22 +40,24 @@ std::vector<std::string> Database::Cached::compare(const NameList& listed) {
 std::vector<Database::FoundFile> Database::lookWithCache() {
   const CardCache cache(folder_);
   std::vector<std::vector<FoundFile>> blocks(cache.blockCount());
-  ParallelWork look(blocks.size(), [&](std::size_t block) { blocks[block] = lookAtCached(cache, block); });
+  ParallelWork work(blocks.size(), [&](std::size_t block) { blocks[block] = lookAtCached(cache, block); });
   const NameList listed = folder_.cardFileNames();
   Cached cached;
   cached.byId.reserve(listed.count());
   for (std::size_t block = 0; block < blocks.size(); ++block) {
-    look.finish(block);
+    work.finish(block);
     for (FoundFile& file : blocks[block]) cached.add(std::move(file));
   }
   std::vector<FoundFile> found = lookAt(cached.compare(listed));
 
-  const bool hasDoubles = cached.hasDoubles || std::ranges::any_of(found, [&cached](FoundFile& file) {
-                            return std::ranges::any_of(file.contents().cards, [&cached](const StoredCardPointer& card) {
-                              return cached.byId.contains(card);
-                            });
-                          });
-  if (!hasDoubles) {
+  if (cached.files.empty()) return found;
+  CardSet others;
+  for (FoundFile& file : found) {
+    for (const StoredCardPointer& card : file.contents().cards) {
+      cached.hasDoubles = cached.byId.contains(card) || !others.insert(card).second || cached.hasDoubles;
+    }
+  }
+  if (!cached.hasDoubles) {
     files_ = std::move(cached.files);
     byId_ = std::move(cached.byId);
     return found;

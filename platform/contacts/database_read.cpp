@@ -6,7 +6,6 @@
 #include "platform/contacts/vcard/sections.h"
 
 #include <algorithm>
-#include <exception>
 #include <iterator>
 #include <utility>
 
@@ -49,10 +48,10 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     byId_.clear();
     for (const auto& [name, file] : files_) byId_.insert(file.cards.begin(), file.cards.end());
   }
+  readData();
   const bool isFirst = isNew_ && names == nullptr && files_.empty() && overlay_.empty();
   std::vector<FoundFile> found =
       isFirst ? lookWithCache() : lookAt(names == nullptr ? namesToLookAt() : cardFilesOf(*names));
-  readData();
   const auto readCount = std::ranges::count_if(
       found, [](FoundFile& file) { return file.state == FoundFile::State::kRead && file.contents().isSettled; });
   std::vector<CardChange> changes = adopt(std::move(found));

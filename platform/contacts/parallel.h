@@ -26,7 +26,7 @@ class ParallelWork {
   // Takes part, and returns when all pieces have ended. Throws what work threw, after which pieces that hadn't begun
   // are left out.
   void finish();
-  // The same of one piece, as long as that takes.
+  // Takes part until that piece has ended; others may go on. Throws what work threw for any.
   void finish(std::size_t piece);
 
  private:
