@@ -188,4 +188,25 @@ TEST_F(CardCache, GivesEachUidAway) {
   EXPECT_EQ(answerOfChild(holders).second, "Last Before Name2 ");
 }
 
+// Two cards that it hasn't have one UID, and it has a card with the id that one of them gets.
+TEST_F(CardCache, GivesTheIdsThatAreGivenWithoutIt) {
+  const auto writeDoubles = [this] {
+    for (const char* name : {"n1.vcf", "n2.vcf"}) folder_.writeCard(name, "UID:n\nFN:Double\n");
+  };
+  const auto ids = [] { return uids(ABAddressBook::addressBook().people()); };
+  writeDoubles();
+  const std::string withDoubles = answerOfChild(ids).second;
+  const std::string derived = withDoubles.substr(withDoubles.rfind(' ') + 1);
+  for (const char* name : {"n1.vcf", "n2.vcf"}) fs::remove(folder_.path() / name);
+  writeCard(derived, "Taken");
+  fs::rename(folder_.path() / (derived + ".vcf"), folder_.path() / "z.vcf");
+  fs::create_directory(cache().parent_path());
+  sleep(3);
+  names();
+  writeDoubles();
+  const std::string withCache = answerOfChild(ids).second;
+  fs::remove_all(cache().parent_path());
+  EXPECT_EQ(answerOfChild(ids).second, withCache);
+}
+
 }  // namespace
