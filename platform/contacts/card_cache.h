@@ -21,7 +21,7 @@ class Folder;
 // counts as not there, as does one that another version wrote.
 class CardCache {
  public:
-  // A block has so many at most.
+  // A block has at most so many.
   static constexpr std::uint32_t kBlockFiles = 128;
   using AddFile = std::function<void(std::string name, CardFile contents)>;
 

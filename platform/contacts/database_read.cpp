@@ -49,7 +49,7 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
     for (const auto& [name, file] : files_) byId_.insert(file.cards.begin(), file.cards.end());
   }
   readData();
-  const bool isFirst = isNew_ && names == nullptr && files_.empty() && overlay_.empty();
+  const bool isFirst = isNew_ && files_.empty() && overlay_.empty();
   std::vector<FoundFile> found =
       isFirst ? lookWithCache() : lookAt(names == nullptr ? namesToLookAt() : cardFilesOf(*names));
   const auto readCount = std::ranges::count_if(
