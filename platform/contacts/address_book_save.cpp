@@ -76,6 +76,10 @@ void AddressBookObject::finishSave(const std::vector<Retained<ABRecord>>& change
     objectOf(record.get()).adopt(saved++->before, false);
   }
   links_.reset();
+  // Also those that have nothing to save any more note the next change.
+  for (const Retained<ABRecord>& record : changed_) {
+    if (objectOf(record.get()).book() == this) objectOf(record.get()).setBook(this);
+  }
   changed_.clear();
   changedMe_.reset();
   hasUnsavedChanges_ = false;

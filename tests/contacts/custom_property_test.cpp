@@ -173,6 +173,10 @@ TEST_F(CustomProperties, TakeTheirValuesWithThem) {
   EXPECT_NE(card.find("X-Z:z"), std::string::npos) << card;
   EXPECT_EQ(bytesOf(folder_.path() / "b.vcf"), untouched);
   EXPECT_NE(bytesOf(folder_.path() / "g.vcf").find("shoe"), std::string::npos);
+
+  EXPECT_TRUE(person.setValue("x"_ns, kABNoteProperty));
+  EXPECT_TRUE(book.save());
+  EXPECT_NE(bytesOf(folder_.path() / "a.vcf").find("NOTE:x"), std::string::npos) << "changed after a change of nothing";
 }
 
 TEST_F(CustomProperties, LeaveWhatOthersWroteIntoTheirFile) {
