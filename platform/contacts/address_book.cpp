@@ -138,7 +138,7 @@ NSArray AddressBookObject::linkedWith(ABRecord person) {
     links_ = std::move(links);
   }
   NSMutableArray people = NSMutableArray::array();
-  for (const std::string& uid : links_->linkedWith(objectOf(person).card().uid)) {
+  for (const std::string& uid : links_->linkedWith(objectOf(person).uid())) {
     if (RecordList::Entry* linked = persons_.find(uid)) people.addObject(recordOf(*linked));
   }
   return people;

@@ -120,7 +120,7 @@ ABPerson AddressBookObject::me() {
 }
 
 void AddressBookObject::setMe(ABPerson person) {
-  changedMe_ = person ? objectOf(ABRecord(person)).card().uid : std::string();
+  changedMe_ = person ? objectOf(ABRecord(person)).uid() : std::string();
   hasUnsavedChanges_ = true;
 }
 

@@ -9,128 +9,79 @@
 
 #include <algorithm>
 #include <array>
-#include <concepts>
 #include <cstdint>
-#include <cstring>
 #include <exception>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string_view>
-#include <type_traits>
 #include <utility>
 
-// The file: kForm, and blocks of files: the sizes and hashes of its two parts, what is said of the files, and their
-// cards' texts. Numbers have their size and order in memory, which is the same in all builds; each text follows its
-// length.
+// The file: kForm, and blocks: the sizes and hashes of a block's two parts, what is said of the files (cached_block.h),
+// and their cards' texts. Numbers have their size and order in memory, which is the same in all builds.
 namespace contacts {
 namespace {
 
 constexpr char kCacheFile[] = "cache";
 // To be changed with whatever a stored card is made of.
-constexpr std::string_view kForm = "contacts cache 8\n";
+constexpr std::string_view kForm = "contacts cache 9\n";
 constexpr std::int64_t kLargestCache = std::int64_t{512} << 20;
 // A block has this at most, but for its last file.
 constexpr std::size_t kBlockSize = std::size_t{1} << 20;
-constexpr std::size_t kBlockHead = 4 * sizeof(std::uint64_t);
 
-template <class Value>
-concept Plain =
-    std::is_trivially_copyable_v<Value> && !std::is_pointer_v<Value> && !std::same_as<Value, std::string_view>;
+template <class Values>
+std::string_view bytesOf(const Values& values) {
+  return {reinterpret_cast<const char*>(std::data(values)), std::size(values) * sizeof *std::data(values)};
+}
 
-class Writer {
- public:
-  template <Plain Value>
-  void add(const Value& value) {
-    bytes.append(reinterpret_cast<const char*>(&value), sizeof value);
-  }
-  void addText(std::string_view text) {
-    add(static_cast<std::uint32_t>(text.size()));
-    bytes += text;
-  }
-
-  std::string bytes;
-};
-
-// Bytes that end too early read as zeros.
-class Reader {
- public:
-  explicit Reader(std::string_view bytes) : rest_(bytes) {}
-
-  std::string_view take(std::size_t length) {
-    const std::string_view taken = rest_.substr(0, length);
-    rest_.remove_prefix(taken.size());
-    return taken;
-  }
-  template <Plain Value>
-  Value number() {
-    if (rest_.size() < sizeof(Value)) {
-      rest_ = {};
-      return {};
-    }
-    Value value;
-    std::memcpy(&value, take(sizeof value).data(), sizeof value);
-    return value;
-  }
-  std::string_view text() { return take(number<std::uint32_t>()); }
-  [[nodiscard]] bool isAtEnd() const { return rest_.empty(); }
-
- private:
-  std::string_view rest_;
-};
+TextStretch append(std::string& all, std::string_view text) {
+  const auto begin = static_cast<std::uint32_t>(all.size());
+  all += text;
+  return {begin, static_cast<std::uint32_t>(text.size())};
+}
 
 // A block under way.
 struct BlockWriter {
   // Nothing is added of a file with a text that the cache before doesn't have any more.
-  void add(const std::string& name, const CardFile& file) {
-    Writer cards;
-    std::string cardTexts;
+  void add(const CardFile& file) {
+    std::vector<SharedText> cardTexts;
     for (const StoredCardPointer& card : file.cards) {
-      const std::optional<SharedText> text = card->kept.read();
+      std::optional<SharedText> text = card->kept.read();
       if (!text) return;
-      cards.addText(card->uid);
-      cards.add(card->hash);
-      cards.add(card->digest);
-      cards.add(static_cast<std::uint8_t>(card->isGroup));
-      cards.add(static_cast<std::uint32_t>(text->view().size()));
-      cards.add(card->kept.name());
-      cardTexts += text->view();
+      cardTexts.push_back(*std::move(text));
     }
-    files.addText(name);
-    files.add(file.stamp);
-    files.add(file.hash);
-    files.add(static_cast<std::uint32_t>(file.cards.size()));
-    files.bytes += cards.bytes;
-    texts += cardTexts;
-    ++fileCount;
-    cardCount += static_cast<std::uint32_t>(file.cards.size());
+    files.push_back({file.stamp, file.hash, append(names, file.name), static_cast<std::uint32_t>(cards.size()),
+                     static_cast<std::uint32_t>(file.cards.size())});
+    for (std::size_t i = 0; i < file.cards.size(); ++i) {
+      const StoredCard& card = *file.cards[i];
+      cards.push_back({card.hash, append(names, card.uid), append(texts, cardTexts[i].view()), card.kept.name(),
+                       card.isGroup, 0, *card.digest});
+    }
   }
 
   [[nodiscard]] bool isFull() const {
-    return fileCount == CardCache::kBlockFiles || files.bytes.size() + texts.size() > kBlockSize;
+    return files.size() == CachedBlock::kMostFiles || bytesOf(cards).size() + texts.size() > kBlockSize;
   }
 
   [[nodiscard]] std::string finished() const {
-    Writer said;
-    said.add(fileCount);
-    said.add(cardCount);
-    said.bytes += files.bytes;
-    Writer head;
-    for (const std::string_view part : {std::string_view(said.bytes), std::string_view(texts)}) {
-      head.add(std::uint64_t{part.size()});
-      head.add(contentHash(part));
-    }
-    return head.bytes + said.bytes + texts;
+    const std::array start{
+        CachedBlock::Start{static_cast<std::uint32_t>(files.size()), static_cast<std::uint32_t>(cards.size())}};
+    std::string said;
+    for (const std::string_view part : {bytesOf(start), bytesOf(files), bytesOf(cards)}) said += part;
+    said += names;
+    const std::array<std::uint64_t, 4> head{said.size(), contentHash(said), texts.size(), contentHash(texts)};
+    return std::string(bytesOf(head)) + said + texts;
   }
 
-  Writer files;
+  std::vector<CachedBlock::FileRecord> files;
+  std::vector<CachedBlock::CardRecord> cards;
+  std::string names;
   std::string texts;
-  std::uint32_t fileCount = 0;
-  std::uint32_t cardCount = 0;
 };
 
 // Which cards have a derived UID depends on the other files.
 bool canBeKept(const CardFile& file) {
-  return file.isSettled && file.refusal.empty() &&
+  return file.isSettled && !file.cards.empty() &&
          std::ranges::none_of(file.cards, [](const StoredCardPointer& card) { return card->hasDerivedUid; });
 }
 
@@ -144,11 +95,11 @@ CardCache::CardCache(const Folder& folder) {
   if (!file.isOpen() || !readAt(file, 0, form) || std::string_view(form.data(), form.size()) != kForm) return;
   struct stat status {};
   if (fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > kLargestCache) return;
-  std::array<char, kBlockHead> head{};
-  for (std::int64_t place = form.size(); readAt(file, place, head);) {
-    Reader reader({head.data(), head.size()});
-    place += kBlockHead;
-    const Block block{reader.number<Stretch>(), reader.number<Stretch>(), place};
+  std::array<std::uint64_t, 4> head{};
+  const std::span<char> headBytes(reinterpret_cast<char*>(head.data()), sizeof head);
+  for (std::int64_t place = form.size(); readAt(file, place, headBytes);) {
+    place += sizeof head;
+    const Block block{{head[0], head[1]}, {head[2], head[3]}, place};
     if (place > status.st_size) break;  // it has grown meanwhile
     const auto rest = static_cast<std::uint64_t>(status.st_size - place);
     if (block.files.size == 0 || block.files.size > rest || block.texts.size > rest - block.files.size) break;
@@ -158,62 +109,37 @@ CardCache::CardCache(const Folder& folder) {
   file_ = std::make_shared<const FileDescriptor>(std::move(file));
 }
 
-void CardCache::read(std::size_t block, const Database& database, const AddFile& add) const {
-  const auto& [said, texts, place] = blocks_[block];
-  std::string bytes(static_cast<std::size_t>(said.size), '\0');
-  if (!readAt(*file_, place, bytes) || contentHash(bytes) != said.hash) return;
-  const auto unread = std::make_shared<const UnreadTexts>(file_, place + static_cast<std::int64_t>(said.size),
-                                                          static_cast<std::size_t>(texts.size), texts.hash);
-  Reader reader(bytes);
-  const auto fileCount = reader.number<std::uint32_t>();
-  const auto cardCount = reader.number<std::uint32_t>();
-  if (cardCount > bytes.size() / sizeof(TextDigest)) return;
-  // In one piece: most of them will be there as long as the process.
-  auto cards = std::make_shared<std::vector<StoredCard>>(cardCount);
-  auto card = cards->begin();
-  std::uint64_t textsEnd = 0;
-  for (std::uint32_t file = 0; file < fileCount && !reader.isAtEnd(); ++file) {
-    std::string name(reader.text());
-    CardFile contents;
-    contents.stamp = reader.number<FileStamp>();
-    contents.isSettled = true;
-    contents.hash = reader.number<std::uint64_t>();
-    const auto count = reader.number<std::uint32_t>();
-    if (count > static_cast<std::size_t>(cards->end() - card)) return;
-    for (std::size_t position = 0; position < count; ++position, ++card) {
-      card->position = position;
-      setPlace(*card, database, name, contents.stamp);
-      card->uid = reader.text();
-      card->hash = reader.number<std::uint64_t>();
-      card->digest = reader.number<TextDigest>();
-      card->isGroup = reader.number<std::uint8_t>() != 0;
-      const TextStretch text{static_cast<std::uint32_t>(textsEnd), reader.number<std::uint32_t>()};
-      const auto personName = reader.number<TextStretch>();
-      textsEnd += text.size;
-      const bool isInText = personName.begin <= text.size && personName.size <= text.size - personName.begin;
-      if (textsEnd > texts.size || !isInText) return;
-      card->kept = CardText(unread, text, personName);
-      contents.cards.emplace_back(cards, &*card);
-    }
-    add(std::move(name), std::move(contents));
-  }
+std::unique_ptr<CachedBlock> CardCache::read(std::size_t block) const {
+  const auto& [files, texts, place] = blocks_[block];
+  const auto size = static_cast<std::size_t>(files.size);
+  const auto textsSize = static_cast<std::size_t>(texts.size);
+  auto said = std::make_unique_for_overwrite<std::byte[]>(size);
+  const std::span bytes(reinterpret_cast<char*>(said.get()), size);
+  if (!readAt(*file_, place, bytes) || contentHash({bytes.data(), size}) != files.hash) return nullptr;
+  auto unread =
+      std::make_shared<const UnreadTexts>(file_, place + static_cast<std::int64_t>(size), textsSize, texts.hash);
+  return CachedBlock::read(std::move(said), size, std::move(unread), textsSize);
 }
 
-void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files) try {
+void writeCardCache(const Folder& folder, CardFiles& files) try {
   const std::string temporary = newTemporaryName();
   NewFile cache(folder.data(), temporary, 0600);
   cache.add(kForm);
   std::size_t size = kForm.size();
-  for (auto file = files.begin(); file != files.end();) {
-    BlockWriter block;
-    for (; file != files.end() && !block.isFull(); ++file) {
-      if (canBeKept(file->second)) block.add(file->first, file->second);
-    }
-    const std::string finished = block.finished();
+  BlockWriter block;
+  const auto isTooLarge = [&size] { return size > static_cast<std::size_t>(kLargestCache); };
+  const auto finish = [&] {
+    const std::string finished = std::exchange(block, {}).finished();
     size += finished.size();
-    if (size > static_cast<std::size_t>(kLargestCache)) return;
-    cache.add(finished);
-  }
+    if (!isTooLarge()) cache.add(finished);
+  };
+  files.forEach([&](const CardFile& file) {
+    if (isTooLarge()) return;
+    if (canBeKept(file)) block.add(file);
+    if (block.isFull()) finish();
+  });
+  if (!block.files.empty()) finish();
+  if (isTooLarge()) return;
   // Not synced: what a power failure damages is seen to be.
   renameFile(folder.data(), temporary, folder.data(), kCacheFile);
   cache.keep();

@@ -1,19 +1,16 @@
 #pragma once
 
-#include "platform/contacts/card_file.h"
+#include "platform/contacts/cached_block.h"
+#include "platform/contacts/card_files.h"
 #include "platform/contacts/file_descriptor.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 namespace contacts {
 
-class Database;
 class Folder;
 
 // What was read from the card files of a folder, in one file of its data folder, so that the files that are still the
@@ -21,17 +18,13 @@ class Folder;
 // counts as not there, as does one that another version wrote.
 class CardCache {
  public:
-  // A block has at most so many.
-  static constexpr std::uint32_t kBlockFiles = 128;
-  using AddFile = std::function<void(std::string name, CardFile contents)>;
-
   // That of the folder; empty when there is none.
   explicit CardCache(const Folder& folder);
 
   // The files are in several blocks, sorted by name.
   [[nodiscard]] std::size_t blockCount() const { return blocks_.size(); }
-  // Adds the files of a block, as files of the database that were read when they had those stamps. Any thread.
-  void read(std::size_t block, const Database& database, const AddFile& add) const;
+  // Null where it is damaged. Any thread.
+  [[nodiscard]] std::unique_ptr<CachedBlock> read(std::size_t block) const;
 
  private:
   // What a stretch of the file is to be.
@@ -51,7 +44,7 @@ class CardCache {
 };
 
 // Writes the cache anew. Says nothing when that fails: the folder is as good without it.
-void writeCardCache(const Folder& folder, const std::map<std::string, CardFile>& files);
+void writeCardCache(const Folder& folder, CardFiles& files);
 // Leaves it where it can't be.
 void removeCardCache(const Folder& folder);
 

@@ -72,9 +72,9 @@ TextStretch plainName(const vcard::Line& line, std::size_t place) {
 }
 
 // card is what the section holds.
-std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card& card, std::uint64_t hash) {
-  auto result = std::make_shared<StoredCard>();
-  StoredCard& stored = *result;
+std::shared_ptr<SingleCard> readCard(std::string_view section, const vcard::Card& card, std::uint64_t hash) {
+  auto result = std::make_shared<SingleCard>();
+  SingleCard& stored = *result;
   stored.hash = hash;
   bool isNamed = false;
   TextStretch name;
@@ -82,10 +82,10 @@ std::shared_ptr<StoredCard> readCard(std::string_view section, const vcard::Card
   for (const vcard::Line& line : card.lines) {
     if (isLongBinary(line)) continue;
     if (line.is("UID")) {
-      if (stored.uid.empty()) stored.uid = uidOf(line, card.version);
+      if (stored.uid.empty()) stored.setUid(uidOf(line, card.version));
     } else if (!std::ranges::any_of(kAboutCard, [&](auto about) { return line.is(about); })) {
       stored.isGroup = stored.isGroup || saysGroup(line);
-      addTo(stored.digest, line, card.version);
+      addTo(stored.ownDigest, line, card.version);
       if (!isNamed && line.is("N") && saysSomething(line)) {
         isNamed = true;
         name = plainName(line, kept);
@@ -126,12 +126,6 @@ NewCards cardsIn(std::string_view text, std::optional<std::uint64_t> hash) {
     cards.back()->position = cards.size() - 1;
   }
   return cards;
-}
-
-void setPlace(StoredCard& card, const Database& database, const std::string& fileName, const FileStamp& stamp) {
-  card.database = &database;
-  card.fileName = fileName;
-  card.fileTime = static_cast<double>(stamp.modified) * 1e-9;
 }
 
 std::string fileNameFor(const std::string& uid) {

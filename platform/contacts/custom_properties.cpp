@@ -37,12 +37,12 @@ std::optional<PropertyChange> changeFor(bool isForGroups, NSObject name, NSObjec
 }
 
 // Every card with a value of one of the properties loses it.
-std::vector<CardUpdate> removals(const Database& database, bool isOfGroups, const std::vector<const Property*>& gone) {
+std::vector<CardUpdate> removals(Database& database, bool isOfGroups, const std::vector<const Property*>& gone) {
   const double now = NSDate::date().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
   std::vector<CardUpdate> updates;
   for (const StoredCardPointer& card : database.cards()) {
     if (card->isGroup != isOfGroups) continue;
-    CardUpdate update{card, {card->uid, isOfGroups, now, {}, {}, {}, {}}, false};
+    CardUpdate update{card, {std::string(card->uid), isOfGroups, now, {}, {}, {}, {}}, false};
     const SharedText text = card->text();
     const vcard::Card lines = vcard::parseCard(text.view());
     for (const Property* property : gone) {

@@ -13,6 +13,29 @@
 
 namespace contacts {
 
+SingleCard::SingleCard(const StoredCard& other) : SingleCard() {
+  database = other.database;
+  setFileName(std::string(other.fileName));
+  position = other.position;
+  fileTime = other.fileTime;
+  setUid(std::string(other.uid));
+  hasDerivedUid = other.hasDerivedUid;
+  hash = other.hash;
+  isGroup = other.isGroup;
+  ownDigest = *other.digest;
+  kept = other.kept;
+}
+
+void SingleCard::setFileName(std::string name) {
+  ownFileName_ = std::move(name);
+  fileName = ownFileName_;
+}
+
+void SingleCard::setUid(std::string text) {
+  ownUid_ = std::move(text);
+  uid = ownUid_;
+}
+
 std::string StoredCard::keptText() const {
   const std::optional<SharedText> text = kept.read();
   return text ? std::string(text->view()) : std::string();
@@ -34,19 +57,18 @@ bool Database::isWritable() const {
   return folder_.isWritable();
 }
 
-std::vector<StoredCardPointer> Database::cards() const {
+std::vector<StoredCardPointer> Database::cards() {
   const std::scoped_lock guard(lock_);
   std::vector<StoredCardPointer> cards;
-  cards.reserve(byId_.size());
-  for (const auto& [name, file] : files_) cards.insert(cards.end(), file.cards.begin(), file.cards.end());
+  cards.reserve(files_.count());
+  files_.forEach([&](const CardFile& file) { cards.insert(cards.end(), file.cards.begin(), file.cards.end()); });
   return cards;
 }
 
-StoredCardPointer Database::outcome(const CardChange& change) const {
+StoredCardPointer Database::outcome(const CardChange& change) {
   const std::scoped_lock guard(lock_);
   if (isBehind_) return change.after;
-  auto found = byId_.find(change.after ? *change.after : *change.before);
-  return found == byId_.end() ? nullptr : *found;
+  return files_.findCard(change.after ? *change.after : *change.before);
 }
 
 std::string Database::me() const {
@@ -57,7 +79,7 @@ std::string Database::me() const {
 // The card itself, or what others have made of it meanwhile, but never another that has come to its place.
 std::string Database::fullText(const StoredCard& card) const try {
   const std::scoped_lock guard(lock_);
-  std::optional<FileContents> contents = read(JournalStep::Target::kCard, card.fileName);
+  std::optional<FileContents> contents = read(JournalStep::Target::kCard, std::string(card.fileName));
   if (!contents) return card.keptText();
   const std::string text = vcard::decodeFile(std::move(contents->bytes));
   std::vector<std::string_view> sections;

@@ -2,13 +2,14 @@
 
 #include "platform/contacts/card_cache.h"
 #include "platform/contacts/card_changes.h"
-#include "platform/contacts/card_file.h"
+#include "platform/contacts/card_files.h"
 #include "platform/contacts/folder.h"
 #include "platform/contacts/journal.h"
 #include "platform/contacts/property_file.h"
 #include "platform/contacts/stored_card.h"
 
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -53,9 +54,9 @@ class Database {
   [[nodiscard]] const std::string& path() const { return folder_.path(); }
   [[nodiscard]] bool isWritable() const;
   // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
-  [[nodiscard]] std::vector<StoredCardPointer> cards() const;
+  [[nodiscard]] std::vector<StoredCardPointer> cards();
   // What the card of a change has become since; null when there is none any more.
-  [[nodiscard]] StoredCardPointer outcome(const CardChange& change) const;
+  [[nodiscard]] StoredCardPointer outcome(const CardChange& change);
   // The UID of the owner's card; empty for none.
   [[nodiscard]] std::string me() const;
   // The card as its file has it now; its text where the file is gone.
@@ -74,39 +75,24 @@ class Database {
  private:
   friend class DatabaseSave;
 
-  using Files = std::map<std::string, CardFile>;  // by name
-
   // What a look at a file found.
   struct FoundFile {
     enum class State {
-      kSame,    // as it was last read; where there is a refusal, it can't be read now
+      kSame,    // as it was last read, or can't be read now
       kGone,    // there was one
       kCached,  // the cache has it
       kRead,
     };
 
-    FoundFile() = default;
-    FoundFile(State found, Files::node_type file);
-    FoundFile(State found, std::string name, CardFile contents = {});
-
-    [[nodiscard]] const std::string& name() const { return file.key(); }
-    [[nodiscard]] CardFile& contents() { return file.mapped(); }
-
     State state = State::kSame;
-    Files::node_type file;  // empty for what is as it was, unless there is a refusal to tell
+    CardFile file;          // empty for what is as it was, unless there is a refusal to tell
+    std::string refusal{};  // why it has no cards, or can't be read now; empty when there is no reason
   };
 
-  // Files that are as the cache has them, before they are the database's.
-  struct Cached {
-    // In the order of their names; one that isn't counts as not there.
-    void add(FoundFile file);
-    // Leaves out what isn't listed, and answers what is listed besides, sorted.
-    std::vector<std::string> compare(const NameList& listed);
-
-    Files files;
-    CardSet byId;
+  // Files that are as the cache has them.
+  struct Unchanged {
+    std::shared_ptr<const CachedBlock> block;  // null for none
     NameSum names;
-    bool hasDoubles = false;  // cards with the same id
   };
 
   // All but the public functions want the lock held.
@@ -127,9 +113,9 @@ class Database {
   std::vector<FoundFile> lookWithCache();
   // Several threads may look at different files.
   FoundFile look(std::string name, int folder);
-  [[nodiscard]] std::vector<FoundFile> lookAtCached(const CardCache& cache, std::size_t block) const;
+  [[nodiscard]] Unchanged lookAtCached(const CardCache& cache, std::size_t block) const;
   [[nodiscard]] FoundFile parse(std::string name, FileContents contents) const;
-  void addCards(FoundFile& found, NewCards cards) const;
+  void addCards(CardFile& file, NewCards cards) const;
   static void log(const std::string& message);
   void logOnce(const std::string& message);
   std::vector<CardChange> adopt(std::vector<FoundFile> found);
@@ -137,8 +123,7 @@ class Database {
 
   mutable std::mutex lock_;
   Folder folder_;
-  Files files_;
-  CardSet byId_;
+  CardFiles files_{*this};
   bool isNew_ = true;  // the folder was never read
   // What a journal asks for that can't be applied: by target and name the temporary file, empty for a removal.
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;

@@ -3,86 +3,89 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
+#include <memory>
+#include <string_view>
 #include <utility>
 
 // The folder's cards where the cache has most of them.
 namespace contacts {
+namespace {
 
-void Database::Cached::add(FoundFile file) {
-  const bool isInOrder = files.empty() || files.rbegin()->first < file.name();
-  if (!isInOrder) return;
-  names.add(file.name());
-  for (const StoredCardPointer& card : file.contents().cards) hasDoubles = !byId.insert(card).second || hasDoubles;
-  files.insert(files.end(), std::move(file.file));
-}
-
-std::vector<std::string> Database::Cached::compare(const NameList& listed) {
+// Takes out what isn't listed, and answers what is listed besides, sorted.
+std::vector<std::string> compare(CardFiles& files, const NameList& listed) {
   std::vector<std::string> others;
-  if (names == listed.sum()) return others;
-  auto file = files.begin();
-  const auto drop = [&] {
-    for (const StoredCardPointer& card : file->second.cards) byId.erase(card);
-    file = files.erase(file);
-  };
-  for (std::string& name : listed.sorted()) {
-    while (file != files.end() && file->first < name) drop();
-    if (file != files.end() && file->first == name) {
-      ++file;
+  std::vector<std::string> gone;
+  std::vector<std::string> names = listed.sorted();
+  auto name = names.begin();
+  files.forEachName([&](std::string_view known) {
+    while (name != names.end() && *name < known) others.push_back(std::move(*name++));
+    if (name != names.end() && *name == known) {
+      ++name;
     } else {
-      others.push_back(std::move(name));
+      gone.emplace_back(known);
     }
+  });
+  std::move(name, names.end(), std::back_inserter(others));
+  for (const std::string& each : gone) {
+    for (const StoredCardPointer& card : files.find(each)->cards) files.removeCard(*card);
+    files.remove(each);
   }
-  while (file != files.end()) drop();
   return others;
 }
 
-// What the cache has is looked at while the folder is listed, and taken over at once.
+}  // namespace
+
+// What the cache has is looked at while the folder is listed, and taken over as it is.
 std::vector<Database::FoundFile> Database::lookWithCache() {
   const CardCache cache(folder_);
-  std::vector<std::vector<FoundFile>> blocks(cache.blockCount());
-  ParallelWork work(blocks.size(), [&](std::size_t block) { blocks[block] = lookAtCached(cache, block); });
+  std::vector<Unchanged> blocks(cache.blockCount());
+  const auto lookAtBlock = [&](std::size_t block) { blocks[block] = lookAtCached(cache, block); };
+  ParallelWork work(blocks.size(), lookAtBlock, CachedBlock::kWorthAThread);
   const NameList listed = folder_.cardFileNames();
-  Cached cached;
-  cached.byId.reserve(listed.count());
-  for (std::size_t block = 0; block < blocks.size(); ++block) {
-    work.finish(block);
-    for (FoundFile& file : blocks[block]) cached.add(std::move(file));
+  work.finish();
+  CardFiles cached(*this);
+  NameSum names;
+  for (const Unchanged& unchanged : blocks) {
+    if (cached.append(unchanged.block)) names.add(unchanged.names);
   }
-  std::vector<FoundFile> found = lookAt(cached.compare(listed));
+  std::vector<std::string> others;
+  if (names != listed.sum()) others = compare(cached, listed);
+  std::vector<FoundFile> found = lookAt(std::move(others));
 
-  if (cached.files.empty()) return found;
-  CardSet others;
-  for (FoundFile& file : found) {
-    for (const StoredCardPointer& card : file.contents().cards) {
-      cached.hasDoubles = cached.byId.contains(card) || !others.insert(card).second || cached.hasDoubles;
+  CardSet cards;
+  bool hasDoubles = false;
+  for (const FoundFile& each : found) {
+    for (const StoredCardPointer& card : each.file.cards) {
+      hasDoubles = hasDoubles || !cards.insert(card).second || cached.findCard(*card);
     }
   }
-  if (!cached.hasDoubles) {
-    files_ = std::move(cached.files);
-    byId_ = std::move(cached.byId);
+  if (!hasDoubles) {
+    files_ = std::move(cached);
     return found;
   }
   // Which of several cards keeps their id depends on all files.
-  while (!cached.files.empty()) {
-    found.emplace_back(FoundFile::State::kCached, cached.files.extract(cached.files.begin()));
-  }
-  std::ranges::sort(found, {}, &FoundFile::name);
+  cached.forEach([&found](const CardFile& file) { found.push_back({FoundFile::State::kCached, file}); });
+  std::ranges::sort(found, {}, [](const FoundFile& each) -> const std::string& { return each.file.name; });
   return found;
 }
 
 // Those that are as the cache has them. It is of use, but not needed.
-std::vector<Database::FoundFile> Database::lookAtCached(const CardCache& cache, std::size_t block) const try {
+Database::Unchanged Database::lookAtCached(const CardCache& cache, std::size_t block) const try {
   const FileDescriptor own = folder_.ownCards();
   const int folder = own.isOpen() ? own.number() : folder_.cards();
-  std::vector<FoundFile> found;
-  found.reserve(CardCache::kBlockFiles);
-  cache.read(block, *this, [&](std::string name, CardFile contents) {
+  std::shared_ptr<CachedBlock> files = cache.read(block);
+  if (!files) return {};
+  NameSum names;
+  std::string name;
+  files->keepIf([&](const CachedBlock::FileRecord& file) {
+    name = files->nameOf(file);
     const bool isFileName = isCardFileName(name) && name.find('/') == std::string::npos;
-    if (isFileName && stamp(name, folder) == contents.stamp) {
-      found.emplace_back(FoundFile::State::kCached, std::move(name), std::move(contents));
-    }
+    if (!isFileName || stamp(name, folder) != file.stamp) return false;
+    names.add(name);
+    return true;
   });
-  return found;
+  return {std::move(files), names};
 } catch (const std::exception&) {
   return {};
 }

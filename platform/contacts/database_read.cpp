@@ -21,8 +21,10 @@ bool isWorthKeeping(std::size_t read, std::size_t all) {
 }
 
 // For a card without a UID, or with another one's. What comes behind the place makes it another id.
-void deriveUid(StoredCard& card, std::string_view behind = {}) {
-  card.uid = derivedIdentifier((card.fileName + "/" + std::to_string(card.position)).append(behind));
+void deriveUid(SingleCard& card, std::string_view behind = {}) {
+  std::string place(card.fileName);
+  place.append("/").append(std::to_string(card.position)).append(behind);
+  card.setUid(derivedIdentifier(place));
   card.hasDerivedUid = true;
 }
 
@@ -44,19 +46,16 @@ std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
 }  // namespace
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
-  if (isBehind_) {
-    byId_.clear();
-    for (const auto& [name, file] : files_) byId_.insert(file.cards.begin(), file.cards.end());
-  }
+  if (isBehind_) files_.indexAgain();
   readData();
-  const bool isFirst = isNew_ && files_.empty() && overlay_.empty();
+  const bool isFirst = isNew_ && files_.count() == 0 && overlay_.empty();
   std::vector<FoundFile> found =
       isFirst ? lookWithCache() : lookAt(names == nullptr ? namesToLookAt() : cardFilesOf(*names));
   const auto readCount = std::ranges::count_if(
-      found, [](FoundFile& file) { return file.state == FoundFile::State::kRead && file.contents().isSettled; });
+      found, [](const FoundFile& each) { return each.state == FoundFile::State::kRead && each.file.isSettled; });
   std::vector<CardChange> changes = adopt(std::move(found));
   isNew_ = false;
-  if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.size()) && folder_.data() >= 0 && overlay_.empty()) {
+  if (isWorthKeeping(static_cast<std::size_t>(readCount), files_.count()) && folder_.data() >= 0 && overlay_.empty()) {
     writeCardCache(folder_, files_);
   }
   return changes;
@@ -66,23 +65,16 @@ std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) 
 std::vector<std::string> Database::namesToLookAt() const {
   const std::vector<std::string> present = fileNames();
   std::vector<std::string> known;
-  for (const auto& [name, file] : files_) known.push_back(name);
+  files_.forEachName([&known](std::string_view name) { known.emplace_back(name); });
   std::vector<std::string> names;
   std::ranges::set_union(present, known, std::back_inserter(names));
   return names;
 }
 
-Database::FoundFile::FoundFile(State found, Files::node_type foundFile) : state(found), file(std::move(foundFile)) {}
-
-Database::FoundFile::FoundFile(State found, std::string name, CardFile contents) : state(found) {
-  Files one;
-  one.try_emplace(std::move(name), std::move(contents));
-  file = one.extract(one.begin());
-}
-
 std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names) {
   constexpr std::size_t kStretch = 32;
   std::vector<FoundFile> found(names.size());
+  files_.prepare(names);
   ParallelWork stretches((names.size() + kStretch - 1) / kStretch, [&](std::size_t stretch) {
     const FileDescriptor own = folder_.ownCards();
     const int folder = own.isOpen() ? own.number() : folder_.cards();
@@ -90,9 +82,9 @@ std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names
     for (std::size_t i = stretch * kStretch; i < end; ++i) found[i] = look(std::move(names[i]), folder);
   });
   stretches.finish();
-  std::erase_if(found, [this](FoundFile& file) {
-    if (file.state != FoundFile::State::kSame) return false;
-    if (file.file) logOnce(file.name() + ": " + file.contents().refusal + "; what it had before is kept");
+  std::erase_if(found, [this](const FoundFile& each) {
+    if (each.state != FoundFile::State::kSame) return false;
+    if (!each.refusal.empty()) logOnce(each.file.name + ": " + each.refusal + "; what it had before is kept");
     return true;
   });
   return found;
@@ -100,20 +92,16 @@ std::vector<Database::FoundFile> Database::lookAt(std::vector<std::string> names
 
 Database::FoundFile Database::look(std::string name, int folder) {
   using State = FoundFile::State;
-  auto known = files_.find(name);
-  const bool isKnown = known != files_.end();
-  if (isKnown && known->second.isSettled && stamp(name, folder) == known->second.stamp) return {};
+  CardFile* known = files_.find(name);
+  if (known != nullptr && known->isSettled && stamp(name, folder) == known->stamp) return {};
   std::optional<FileContents> contents = read(JournalStep::Target::kCard, name, folder);
-  if (!contents) return isKnown ? FoundFile(State::kGone, std::move(name)) : FoundFile();
-  if (isKnown && known->second.refusal.empty()) {
-    if (contents->error != 0) {
-      FoundFile kept(State::kSame, std::move(name));
-      kept.contents().refusal = std::move(contents->refusal);
-      return kept;
-    }
-    if (contents->refusal.empty() && contentHash(contents->bytes) == known->second.hash) {
-      known->second.stamp = contents->stamp;
-      known->second.isSettled = contents->isSettled;
+  if (!contents && known == nullptr) return {};
+  if (!contents) return {State::kGone, {std::move(name)}};
+  if (known != nullptr && !known->cards.empty()) {
+    if (contents->error != 0) return {State::kSame, {std::move(name)}, std::move(contents->refusal)};
+    if (contents->refusal.empty() && contentHash(contents->bytes) == known->hash) {
+      known->stamp = contents->stamp;
+      known->isSettled = contents->isSettled;
       return {};
     }
   }
@@ -121,28 +109,31 @@ Database::FoundFile Database::look(std::string name, int folder) {
 }
 
 Database::FoundFile Database::parse(std::string name, FileContents contents) const {
-  FoundFile found(FoundFile::State::kRead, std::move(name));
-  CardFile& file = found.contents();
-  file = {contents.stamp, contents.isSettled, contentHash(contents.bytes), std::move(contents.refusal), {}};
-  if (!file.refusal.empty()) return found;
+  FoundFile found{FoundFile::State::kRead, {std::move(name)}};
+  CardFile& file = found.file;
+  file.stamp = contents.stamp;
+  file.isSettled = contents.isSettled;
+  file.hash = contentHash(contents.bytes);
+  found.refusal = std::move(contents.refusal);
+  if (!found.refusal.empty()) return found;
   // Text that is decoded to itself, as nearly every file's.
   const bool isAsWritten = contents.bytes.starts_with("BEGIN");
   const std::string text = vcard::decodeFile(std::move(contents.bytes));
   if (hasTooManyLines(text)) {
-    file.refusal = "has a card of more than a million lines";
+    found.refusal = "has a card of more than a million lines";
     return found;
   }
-  addCards(found, cardsIn(text, isAsWritten ? std::optional(file.hash) : std::nullopt));
-  if (file.cards.empty()) file.refusal = "is not a vCard";
+  addCards(file, cardsIn(text, isAsWritten ? std::optional(file.hash) : std::nullopt));
+  if (file.cards.empty()) found.refusal = "is not a vCard";
   return found;
 }
 
-// The file's cards.
-void Database::addCards(FoundFile& found, NewCards cards) const {
-  CardFile& file = found.contents();
+void Database::addCards(CardFile& file, NewCards cards) const {
   file.cards.reserve(cards.size());
-  for (std::shared_ptr<StoredCard>& card : cards) {
-    setPlace(*card, *this, found.name(), file.stamp);
+  for (std::shared_ptr<SingleCard>& card : cards) {
+    card->database = this;
+    card->setFileName(file.name);
+    card->fileTime = timeOf(file.stamp);
     if (card->uid.empty()) deriveUid(*card);
     file.cards.push_back(std::move(card));
   }
@@ -152,24 +143,31 @@ void Database::addCards(FoundFile& found, NewCards cards) const {
 std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   isBehind_ = true;
   std::vector<StoredCardPointer> known;
-  for (const FoundFile& file : found) {
-    auto before = files_.find(file.name());
-    if (before == files_.end()) continue;
-    known.insert(known.end(), before->second.cards.begin(), before->second.cards.end());
-    files_.erase(before);
+  for (const FoundFile& each : found) {
+    const CardFile* before = files_.find(each.file.name);
+    if (before != nullptr) known.insert(known.end(), before->cards.begin(), before->cards.end());
   }
-  for (const StoredCardPointer& card : known) byId_.erase(card);
+  for (const StoredCardPointer& card : known) files_.removeCard(*card);
   CardSet gone(known.begin(), known.end());
+  // Where memory is too short to go on, they are read anew.
+  for (const FoundFile& each : found) {
+    if (CardFile* before = files_.find(each.file.name)) {
+      before->cards.clear();
+      before->isSettled = false;
+    }
+  }
 
   std::vector<CardChange> changes;
   changes.reserve(found.size());
-  byId_.reserve(byId_.size() + found.size());
-  for (FoundFile& file : found) {
-    if (file.state == FoundFile::State::kGone) continue;
-    if (!file.contents().refusal.empty()) logOnce(file.name() + ": " + file.contents().refusal + "; left alone");
-    for (StoredCardPointer& card : file.contents().cards) {
-      for (std::string behind; !byId_.insert(card).second; behind += '/') {
-        auto other = std::make_shared<StoredCard>(*card);
+  for (auto& [state, file, refusal] : found) {
+    if (state == FoundFile::State::kGone) {
+      files_.remove(file.name);
+      continue;
+    }
+    if (!refusal.empty()) logOnce(file.name + ": " + refusal + "; left alone");
+    for (StoredCardPointer& card : file.cards) {
+      for (std::string behind; !files_.addCard(card); behind += '/') {
+        auto other = std::make_shared<SingleCard>(*card);
         deriveUid(*other, behind);
         card = std::move(other);
       }
@@ -178,14 +176,14 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
       const bool isSame = before && before->hash == card->hash && before->fileName == card->fileName &&
                           before->position == card->position;
       if (isSame) {
-        byId_.erase(card);
-        byId_.insert(before);
+        files_.removeCard(*card);
+        files_.addCard(before);
         card = std::move(before);
       } else {
         changes.push_back({std::move(before), card});
       }
     }
-    files_.insert(files_.end(), std::move(file.file));
+    files_.put(std::move(file));
   }
   for (const StoredCardPointer& card : known) {
     if (gone.contains(card)) changes.push_back({card, nullptr});

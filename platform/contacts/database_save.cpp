@@ -90,18 +90,18 @@ void DatabaseSave::lookEverywhere() {
 // Where others have moved the card, it is changed there; where they have removed it, a change makes it anew. A new one
 // may be in the folder since a save that couldn't be taken over.
 void DatabaseSave::place(const CardUpdate& update) {
-  if (update.card->database != nullptr || database_.byId_.contains(*update.card)) {
+  if (update.card->database != nullptr || database_.files_.findCard(*update.card)) {
     if (placeIn(*update.card, update)) return;
     if (!hasLookedEverywhere_) lookEverywhere();
-    auto found = database_.byId_.find(*update.card);
-    if (found != database_.byId_.end() && placeIn(**found, update)) return;
+    const StoredCardPointer found = database_.files_.findCard(*update.card);
+    if (found && placeIn(*found, update)) return;
   }
-  if (!update.isRemoval) plans_[freeName(update.card->uid)].added.push_back(&update);
+  if (!update.isRemoval) plans_[freeName(std::string(update.card->uid))].added.push_back(&update);
 }
 
 // The update is of the card that was last read as known.
 bool DatabaseSave::placeIn(const StoredCard& known, const CardUpdate& update) {
-  Plan* plan = planFor(known.fileName);
+  Plan* plan = planFor(std::string(known.fileName));
   if (plan == nullptr) return false;
   auto found = plan->positions.find(known.uniqueId());
   std::size_t position = found == plan->positions.end() ? plan->cards.size() : found->second;
@@ -237,8 +237,7 @@ SaveResult DatabaseSave::finish() {
   for (std::size_t i = 0; i < request_.updates.size(); ++i) {
     const CardUpdate& update = request_.updates[i];
     own.insert(update.card->uniqueId());
-    auto saved = database_.byId_.find(*update.card);
-    if (saved != database_.byId_.end() && !update.isRemoval) result.saved[i].after = *saved;
+    if (!update.isRemoval) result.saved[i].after = database_.files_.findCard(*update.card);
   }
   foreign_.insert(foreign_.end(), changes.begin(), changes.end());
   for (CardChange& change : foreign_) {
@@ -263,7 +262,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
     } catch (const FileError&) {
     }
     if (step.temporary.empty()) {
-      found.emplace_back(Database::FoundFile::State::kGone, step.name);
+      found.push_back({Database::FoundFile::State::kGone, {step.name}});
     } else {
       found.push_back(database_.parse(step.name, std::move(contents)));
     }
@@ -275,7 +274,7 @@ std::vector<CardChange> DatabaseSave::adoptWritten() {
 void DatabaseSave::keepRemoved(SaveResult& result) const {
   for (std::size_t i = 0; i < request_.updates.size(); ++i) {
     if (!request_.updates[i].isRemoval) continue;
-    auto whole = std::make_shared<StoredCard>(*request_.updates[i].card);
+    auto whole = std::make_shared<SingleCard>(*request_.updates[i].card);
     whole->database = nullptr;
     result.saved[i].before = std::move(whole);
   }
@@ -284,7 +283,7 @@ void DatabaseSave::keepRemoved(SaveResult& result) const {
     for (const auto& [position, update] : plan.byPosition) {
       if (!update->isRemoval) continue;
       StoredCardPointer& before = result.saved[static_cast<std::size_t>(update - request_.updates.data())].before;
-      auto whole = std::make_shared<StoredCard>(*before);
+      auto whole = std::make_shared<SingleCard>(*before);
       whole->kept = CardText(std::string(sections[position]));
       before = std::move(whole);
     }

@@ -33,7 +33,10 @@ class NameSum {
     ++count_;
     sum_ += contentHash(name);
   }
-  [[nodiscard]] std::size_t count() const { return count_; }
+  void add(const NameSum& others) {
+    count_ += others.count_;
+    sum_ += others.sum_;
+  }
   // Another set of names has the same as rarely as other bytes have the same hash.
   friend bool operator==(const NameSum&, const NameSum&) = default;
 
@@ -47,7 +50,6 @@ class NameList {
  public:
   void add(std::string_view name);
   [[nodiscard]] const NameSum& sum() const { return sum_; }
-  [[nodiscard]] std::size_t count() const { return sum_.count(); }
   // By their bytes. Some file systems list a name again when the folder changes meanwhile: each is there once.
   [[nodiscard]] std::vector<std::string> sorted() const;
 

@@ -51,14 +51,14 @@ NSArray GroupObject::membersOfKind(bool areGroups) {
 bool GroupObject::has(const RecordObject& record) {
   const std::vector<std::string>& uids = memberUids();
   if (std::ranges::find(uids, record.card().uid) == uids.end()) return false;
-  const ABRecord found = member(record.card().uid);
+  const ABRecord found = member(record.uid());
   return found && objectOf(found).isGroup() == record.isGroup();
 }
 
 bool GroupObject::add(const RecordObject& record) {
   if (book() == nullptr || isReadOnly() || !book()->find(record.card().uniqueId()) || has(record)) return false;
-  memberChanges_.push_back({record.card().uid, true});
-  memberUids_->push_back(record.card().uid);
+  memberChanges_.push_back({record.uid(), true});
+  memberUids_->push_back(record.uid());
   noteChange();
   return true;
 }
@@ -71,7 +71,7 @@ bool GroupObject::remove(const RecordObject& record) {
 
 void GroupObject::forget(const RecordObject& record) {
   if (!has(record)) return;
-  const std::string& uid = record.card().uid;
+  const std::string uid = record.uid();
   memberChanges_.push_back({uid, false});
   std::erase(*memberUids_, uid);
   std::erase_if(distributionChanges_, [&](const Distribution& change) { return change.uid == uid; });
@@ -147,7 +147,7 @@ bool GroupObject::setDistributionIdentifier(NSString identifier, NSString proper
   const NSObject value = person.valueForProperty(property);
   if (isReadOnly() || !has(record) || !value || !value.isKindOfClass("ABMultiValue"_class)) return false;
   if (identifier && value.as<ABMultiValue>().indexForIdentifier(identifier) == NSNotFound) return false;
-  distributionChanges_.push_back({record.card().uid, utf8Of(property), utf8Of(identifier)});
+  distributionChanges_.push_back({record.uid(), utf8Of(property), utf8Of(identifier)});
   noteChange();
   return true;
 }

@@ -25,8 +25,8 @@ void Links::add(const StoredCard& card) {
   for (const vcard::Line& line : lines.lines) {
     if (!line.is(kLinkLine)) continue;
     const std::string other = uidOf(line, lines.version);
-    others_[card.uid].push_back(other);
-    others_[other].push_back(card.uid);
+    others_[std::string(card.uid)].push_back(other);
+    others_[other].emplace_back(card.uid);
   }
 }
 

@@ -10,13 +10,14 @@
 
 namespace contacts {
 
-ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> work)
-    : count_(count), work_(std::move(work)), ended_(count) {
+ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> work, std::size_t worthAThread)
+    : count_(count), work_(std::move(work)) {
   // More would only wait for each other in the file system.
   constexpr std::size_t kMost = 8;
   cpu_set_t processors;
   if (sched_getaffinity(0, sizeof processors, &processors) != 0) CPU_ZERO(&processors);
-  const std::size_t threads = std::min({count, kMost, static_cast<std::size_t>(CPU_COUNT(&processors))});
+  const std::size_t threads = std::min(
+      {std::max(count / worthAThread, std::size_t{1}), kMost, static_cast<std::size_t>(CPU_COUNT(&processors))});
   // The system may let a new thread and the one that made it take turns, some milliseconds each, although another
   // processor has nothing to do: the new one begins elsewhere.
   cpu_set_t elsewhere = processors;
@@ -26,8 +27,7 @@ ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> w
     while (others_.size() + 1 < threads) {
       others_.emplace_back([this] {
         areApart_.wait();
-        while (takePiece()) {
-        }
+        takePieces();
       });
       pthread_setaffinity_np(others_.back().native_handle(), sizeof elsewhere, &elsewhere);
     }
@@ -41,39 +41,19 @@ ParallelWork::ParallelWork(std::size_t count, std::function<void(std::size_t)> w
 ParallelWork::~ParallelWork() { next_ = count_; }
 
 void ParallelWork::finish() {
-  while (takePiece()) {
-  }
+  takePieces();
   others_.clear();
   if (failure_) std::rethrow_exception(failure_);
 }
 
-void ParallelWork::finish(std::size_t piece) {
-  const auto isOver = [&] { return failure_ || ended_[piece]; };
-  std::unique_lock guard(lock_);
-  while (!isOver()) {
-    guard.unlock();
-    const bool hasTaken = takePiece();
-    guard.lock();
-    if (!hasTaken) progress_.wait(guard, isOver);
-  }
-  if (failure_) std::rethrow_exception(failure_);
-}
-
-bool ParallelWork::takePiece() {
-  const std::size_t piece = next_++;
-  if (piece >= count_) return false;
-  std::exception_ptr failure;
+void ParallelWork::takePieces() {
   try {
-    work_(piece);
+    for (std::size_t piece = 0; (piece = next_++) < count_;) work_(piece);
   } catch (...) {
-    failure = std::current_exception();
     next_ = count_;
+    const std::scoped_lock guard(lock_);
+    if (!failure_) failure_ = std::current_exception();
   }
-  const std::scoped_lock guard(lock_);
-  ended_[piece] = true;
-  if (!failure_) failure_ = failure;
-  progress_.notify_one();
-  return true;
 }
 
 }  // namespace contacts

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstddef>
 #include <exception>
 #include <functional>
@@ -16,8 +15,8 @@ namespace contacts {
 // signals.
 class ParallelWork {
  public:
-  // Calls work for each piece of [0, count).
-  ParallelWork(std::size_t count, std::function<void(std::size_t)> work);
+  // Calls work for each piece of [0, count). So many of them are worth a thread.
+  ParallelWork(std::size_t count, std::function<void(std::size_t)> work, std::size_t worthAThread = 1);
   ParallelWork(const ParallelWork&) = delete;
   ParallelWork& operator=(const ParallelWork&) = delete;
   // Pieces that haven't begun are left out.
@@ -26,20 +25,15 @@ class ParallelWork {
   // Takes part, and returns when all pieces have ended. Throws what work threw, after which pieces that hadn't begun
   // are left out.
   void finish();
-  // Takes part until that piece has ended; others may go on. Throws what work threw for any.
-  void finish(std::size_t piece);
 
  private:
-  // False when all have begun.
-  bool takePiece();
+  void takePieces();
 
   const std::size_t count_;
   const std::function<void(std::size_t)> work_;
   std::atomic<std::size_t> next_ = 0;
   std::latch areApart_{1};  // none begins before it was told where
-  std::mutex lock_;         // of the next ones
-  std::condition_variable progress_;
-  std::vector<bool> ended_;
+  std::mutex lock_;
   std::exception_ptr failure_;
   std::vector<std::jthread> others_;
 };

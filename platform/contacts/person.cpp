@@ -62,10 +62,10 @@ struct PersonObject : RecordObject {
     auto owned = Retained<ABRecord>::adopt(ABRecord(this));
     std::optional<std::string> text = importedText(vCard);
     if (!text) return nullptr;
-    auto card = std::make_shared<StoredCard>();
-    card->uid = newIdentifier();
+    auto card = std::make_shared<SingleCard>();
+    card->setUid(newIdentifier());
     card->kept = CardText(*std::move(text));
-    card->digest.addAnything();
+    card->ownDigest.addAnything();
     initialized(personSchema(), std::move(card));
     return owned.leak();
   }

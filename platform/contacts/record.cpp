@@ -152,10 +152,10 @@ bool RecordObject::isChanged() const {
 
 bool RecordObject::isAsRead() const { return std::ranges::none_of(values_, &HeldValue::isChanged); }
 
-bool RecordObject::mayHave(const TextDigest& part) const { return card_->digest.mayHave(part) || !isAsRead(); }
+bool RecordObject::mayHave(const TextDigest& part) const { return card_->digest->mayHave(part) || !isAsRead(); }
 
 CardChanges RecordObject::changes(double time) {
-  CardChanges changes{card_->uid, isGroup(), time, {}, {}, {}, {}};
+  CardChanges changes{uid(), isGroup(), time, {}, {}, {}, {}};
   const NSObject created = valueFor("Creation");
   changes.created = time;
   if (created) changes.created = created.as<NSDate>().timeIntervalSinceReferenceDate() + NSTimeIntervalSince1970;
@@ -209,8 +209,8 @@ ABRecord RecordObject::initialized(const Schema& schema, StoredCardPointer card)
 }
 
 ABRecord RecordObject::initializedNew(bool isGroup, NSObject book) {
-  auto card = std::make_shared<StoredCard>();
-  card->uid = newIdentifier();
+  auto card = std::make_shared<SingleCard>();
+  card->setUid(newIdentifier());
   card->isGroup = isGroup;
   // Given up where the book raises.
   auto owned = Retained<ABRecord>::adopt(initialized(isGroup ? groupSchema() : personSchema(), std::move(card)));

@@ -12,13 +12,13 @@ void RecordList::add(Entry entry) {
   }
   auto places = std::exchange(places_, std::nullopt);
   entries_.push_back(std::move(entry));
-  places->emplace(entries_.back().card().uid, entries_.size() - 1);
+  places->emplace(std::string(entries_.back().card().uid), entries_.size() - 1);
   places_ = std::move(places);
 }
 
 // The places of the others stay, as long as there are more of them than empty ones.
 void RecordList::remove(Entry& entry) {
-  if (places_) places_->erase(entry.card().uid);
+  if (places_) places_->erase(std::string(entry.card().uid));
   entry = {};
   if (++goneCount_ <= entries_.size() / 2) return;
   std::erase_if(entries_, [](const Entry& each) { return each.isGone(); });
@@ -26,7 +26,7 @@ void RecordList::remove(Entry& entry) {
   places_.reset();
 }
 
-RecordList::Entry* RecordList::find(const std::string& uid) {
+RecordList::Entry* RecordList::find(std::string_view uid) {
   if (!places_) {
     std::unordered_map<std::string, std::size_t> places;
     places.reserve(entries_.size());
@@ -35,7 +35,7 @@ RecordList::Entry* RecordList::find(const std::string& uid) {
     }
     places_ = std::move(places);
   }
-  auto found = places_->find(uid);
+  auto found = places_->find(std::string(uid));
   return found == places_->end() ? nullptr : &entries_[found->second];
 }
 

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -27,7 +28,7 @@ class RecordList {
   // References to entries end here.
   void remove(Entry& entry);
   // Null when there is none.
-  [[nodiscard]] Entry* find(const std::string& uid);
+  [[nodiscard]] Entry* find(std::string_view uid);
 
   template <class Work>
   void forEach(Work work) {

@@ -49,6 +49,7 @@ struct RecordObject : objc::Object {
   void adopt(StoredCardPointer card, bool isSaved);
 
   [[nodiscard]] const StoredCard& card() const { return *card_; }
+  [[nodiscard]] std::string uid() const { return std::string(card_->uid); }
   [[nodiscard]] const StoredCardPointer& sharedCard() const { return card_; }
   [[nodiscard]] bool isGroup() const { return card_->isGroup; }
   [[nodiscard]] AddressBookObject* book() const { return book_; }

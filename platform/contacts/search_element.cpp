@@ -104,7 +104,7 @@ std::string partOfId(NSObject value, ABSearchComparison asked) {
   return vcard::isAscii(text) ? text : std::string();
 }
 
-bool idMayHave(const StoredCard& card, std::string_view part) {
+bool idMayHave(const CardOutline& card, std::string_view part) {
   if (part.empty()) return true;
   const std::string id = card.uniqueId();
   return !vcard::isAscii(id) || vcard::containsIgnoringCase(id, part);
@@ -147,8 +147,8 @@ bool SearchElementObject::matchesRecord(ABRecord record) const {
                           [record](ABSearchElement child) { return child.matchesRecord(record); });
 }
 
-bool SearchElementObject::mayMatch(const StoredCard& card) const {
-  const bool hasNeeded = card.digest.mayHave(needed);
+bool SearchElementObject::mayMatch(const CardOutline& card) const {
+  const bool hasNeeded = card.digest->mayHave(needed);
   if (isConjunction) {
     return holdsForChildren(hasNeeded, [&card](ABSearchElement child) { return contacts::mayMatch(child, card); });
   }
@@ -166,7 +166,7 @@ bool SearchElementObject::holdsForChildren(bool hasNeeded, Test test) const {
   return !isOr;
 }
 
-bool mayMatch(ABSearchElement search, const StoredCard& card) {
+bool mayMatch(ABSearchElement search, const CardOutline& card) {
   const SearchElementObject* element = elementObject(search);
   return element == nullptr || element->mayMatch(card);
 }

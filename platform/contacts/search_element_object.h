@@ -36,7 +36,7 @@ struct SearchElementObject : objc::Object {
   std::vector<bool> childrenInNeed;
 
   // False when no record of that card, as it was read, matches.
-  [[nodiscard]] bool mayMatch(const StoredCard& card) const;
+  [[nodiscard]] bool mayMatch(const CardOutline& card) const;
 
  private:
   template <class Test>
@@ -46,7 +46,7 @@ struct SearchElementObject : objc::Object {
 };
 
 // The same of any object that answers like an element.
-bool mayMatch(ABSearchElement search, const StoredCard& card);
+bool mayMatch(ABSearchElement search, const CardOutline& card);
 
 // What searchElementForProperty:label:key:value:comparison: answers, autoreleased.
 ABSearchElement searchElementFor(bool isForGroups, const Schema& schema, NSString property, NSString label,

@@ -3,8 +3,10 @@
 #include "tests/contacts/store_scenarios.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <new>
 #include <optional>
 #include <string>
@@ -114,6 +116,48 @@ TEST(AllocationSweep, KeepsTheIdsOfARefresh) {
     for (const ABAddressBook each : {book, ABAddressBook::addressBook()}) ASSERT_EQ(uids(each.people()), "a b c");
     if (!failure.isHit) break;
   }
+}
+
+// What the cache has is made when somebody asks for it: where memory is short, the next time.
+TEST(AllocationSweep, KeepsWhatTheCacheHas) {
+  const AutoreleasePool pool;
+  const ContactsFolder folder;
+  constexpr int kCount = 600;
+  for (int i = 0; i < kCount; ++i) folder.writeCard(std::to_string(i) + ".vcf", "UID:" + std::to_string(i) + "\n");
+  sleep(3);
+  std::filesystem::create_directory(folder.path() / ".addressbook");
+  const auto everybody = [] { return uids(ABAddressBook::addressBook().people()); };
+  inChild(everybody);
+  // Beside those that it has, some that have to be read.
+  folder.write("0.vcf", "nobody");
+  folder.write("3.vcf", "BEGIN:VCARD\nUID:x\nEND:VCARD\nBEGIN:VCARD\nUID:y\nEND:VCARD\n");
+  const std::string expected = answerOfChild(everybody).second;
+  ASSERT_NE(expected.find("x y"), std::string::npos);
+  int hits = 0;
+  for (int at = 0;; at += isTorture() ? 1 : 97) {
+    SCOPED_TRACE(at);
+    const auto [status, answer] = answerOfChild([at] {
+      const ABAddressBook book = ABAddressBook::sharedAddressBook();
+      const auto matching = [&book] {
+        return uids(book.recordsMatchingSearchElement(
+            ABPerson::searchElement(kABUIDProperty, nullptr, nullptr, "599:ABPerson"_ns, kABEqual)));
+      };
+      failure = {at, false, false};
+      try {
+        personIn(book, "400");
+        matching();
+        static_cast<void>(book.people());
+      } catch (const std::bad_alloc&) {
+      }
+      failure.left = -1;
+      return (failure.isHit ? "" : "#") + shown(personIn(book, "400").uniqueId()) + matching() + uids(book.people());
+    });
+    EXPECT_EQ(status, 0);
+    if (answer.starts_with('#')) break;
+    ++hits;
+    ASSERT_EQ(answer, "400:ABPerson599" + expected);
+  }
+  EXPECT_GT(hits, 5);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, AllocationSweep, testing::Range(std::size_t{0}, kCount));

@@ -87,24 +87,49 @@ TEST_F(CardCache, MayBeForged) {
   const std::string before = names();
   const std::string kept = bytesOf(cache());
   const std::size_t head = kept.find('\n') + 1;
-  const std::size_t start = head + 32;  // of what is said of the first block's files
-  std::uint64_t size = 0;
-  std::memcpy(&size, kept.data() + head, sizeof size);
-  constexpr std::size_t kCardCount = 4;
-  constexpr std::size_t kCardsOfFile = 66;
-  constexpr std::size_t kUidSize = kCardsOfFile + 4;
-  constexpr std::size_t kTextSize = kUidSize + 6 + 8 + 128 + 1;
-  for (const std::size_t place :
-       {std::size_t{0}, kCardCount, kCardsOfFile, kUidSize, kTextSize, kTextSize + 4, kTextSize + 8}) {
+  constexpr std::size_t kHeadSize = 32;
+  const std::size_t start = head + kHeadSize;  // of what is said of the first block's files
+  const auto numberAt = [&kept](std::size_t place) {
+    std::uint64_t number = 0;
+    std::memcpy(&number, kept.data() + place, sizeof number);
+    return static_cast<std::size_t>(number);
+  };
+  const std::size_t size = numberAt(head);
+  const auto namesWith = [&](std::initializer_list<std::pair<std::size_t, std::uint32_t>> numbers) {
+    std::string forged = kept;
+    for (const auto& [place, number] : numbers) std::memcpy(forged.data() + start + place, &number, sizeof number);
+    const std::uint64_t hash = hashOf(std::string_view(forged).substr(start, size));
+    std::memcpy(forged.data() + head + 8, &hash, sizeof hash);
+    std::ofstream(cache(), std::ios::binary) << forged;
+    return names();
+  };
+  constexpr std::size_t kFile = 8;
+  constexpr std::size_t kFileSize = 64;
+  constexpr std::size_t kCard = kFile + 128 * kFileSize;
+  constexpr std::size_t kCardSize = 168;
+  for (const std::size_t place : {std::size_t{0}, std::size_t{4}, kFile + 48, kFile + 52, kFile + 56, kFile + 60,
+                                  kCard + 8, kCard + 12, kCard + 16, kCard + 20, kCard + 24, kCard + 28, kCard + 32}) {
     for (const std::uint32_t number : {0U, 127U, 129U, 100'000U, ~0U}) {
-      std::string forged = kept;
-      std::memcpy(forged.data() + start + place, &number, sizeof number);
-      const std::uint64_t hash = hashOf(std::string_view(forged).substr(start, static_cast<std::size_t>(size)));
-      std::memcpy(forged.data() + head + 8, &hash, sizeof hash);
-      std::ofstream(cache(), std::ios::binary) << forged;
-      const std::string after = names();
-      EXPECT_TRUE(place > kCardCount ? !after.empty() : after == before) << number << " at " << place << ": " << after;
+      const std::string after = namesWith({{place, number}});
+      EXPECT_TRUE(place >= kCard ? !after.empty() : after == before) << number << " at " << place << ": " << after;
     }
+  }
+  // Numbers of cards that come out right when 32 bits overflow.
+  EXPECT_EQ(
+      namesWith({{kFile + 60, 100'000}, {kFile + kFileSize + 56, 100'000}, {kFile + kFileSize + 60, 2U - 100'000}}),
+      before);
+  // Ids and texts that lie one over another.
+  const auto namesSize = static_cast<std::uint32_t>(size - kCard - 128 * kCardSize);
+  EXPECT_EQ(namesWith({{kCard + 8, 0}, {kCard + 12, namesSize}}), before);
+  const auto textsSize = static_cast<std::uint32_t>(numberAt(head + 16));
+  EXPECT_EQ(namesWith({{kCard + 16, 0}, {kCard + 20, textsSize}}), before);
+  // Blocks in another order, or twice.
+  const std::size_t second = start + size + numberAt(head + 16);
+  const std::size_t third = second + kHeadSize + numberAt(second) + numberAt(second + 16);
+  const std::string blocks[] = {kept.substr(head, second - head), kept.substr(second, third - second)};
+  for (const std::string& twoBlocks : {blocks[1] + blocks[0], blocks[0] + blocks[0], blocks[1] + blocks[1]}) {
+    std::ofstream(cache(), std::ios::binary) << kept.substr(0, head) + twoBlocks + kept.substr(third);
+    EXPECT_EQ(names(), before);
   }
 }
 
@@ -148,6 +173,25 @@ TEST_F(CardCache, IsTheStateThatChangesAreToldFrom) {
   fs::rename(folder_.path(), aside);
   const auto ofAll = answerOfChild([&] { return toldOf([&] { fs::rename(aside, folder_.path()); }); });
   EXPECT_EQ(ofAll.second, " +600 -0 of 0");
+}
+
+// More than have room between those that it has; others are gone, and one has moved.
+TEST_F(CardCache, TakesInWhatComesBetween) {
+  fs::create_directory(cache().parent_path());
+  names();
+  const auto everybody = [] { return uids(ABAddressBook::addressBook().people()); };
+  const auto foundLater = answerOfChild([&] {
+    ABAddressBook::sharedAddressBook();
+    for (int i = 0; i < 700; ++i) writeCard("c3-" + std::to_string(i), "Between");
+    for (int i = 100; i < 300; ++i) fs::remove(folder_.path() / ("c" + std::to_string(i) + ".vcf"));
+    fs::rename(folder_.path() / "c599.vcf", folder_.path() / "c0-599.vcf");
+    return everybody();
+  });
+  EXPECT_EQ(foundLater.first, 0);
+  EXPECT_TRUE(foundLater.second.starts_with("c599 c0 c1 c10 c11 c12 c13 "));
+  EXPECT_EQ(answerOfChild(everybody), foundLater);
+  fs::remove_all(cache().parent_path());
+  EXPECT_EQ(answerOfChild(everybody), foundLater);
 }
 
 // Texts are read from it when somebody asks for one.
