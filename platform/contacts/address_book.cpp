@@ -34,11 +34,46 @@ NSAttributedString formattedAddressFromDictionary(ABAddressBook, NSDictionary ad
 }  // namespace
 
 AddressBookObject::~AddressBookObject() {
-  for (RecordList* list : {&persons_, &groups_}) {
+  for (const auto& [id, record] : early_) objectOf(record.get()).setBook(nullptr);
+  if (!records_) return;
+  for (RecordList* list : {&records_->persons, &records_->groups}) {
     list->forEach([](RecordList::Entry& entry) {
       if (entry.record) objectOf(entry.record.get()).setBook(nullptr);
     });
   }
+}
+
+AddressBookObject::Records& AddressBookObject::records() {
+  if (records_) return *records_;
+  std::vector<StoredCardPointer> cards = database->cards();
+  Records all;
+  all.persons.reserve(cards.size());
+  for (StoredCardPointer& card : cards) {
+    RecordList& list = all.listOf(*card);
+    list.add({std::move(card), {}});
+  }
+  for (const auto& [id, record] : early_) {
+    const StoredCard& card = objectOf(record.get()).card();
+    if (RecordList::Entry* entry = all.find(card)) {
+      *entry = {nullptr, record};
+    } else {
+      all.listOf(card).add({nullptr, record});
+    }
+  }
+  early_.clear();
+  return records_.emplace(std::move(all));
+}
+
+ABRecord AddressBookObject::earlyRecord(const StoredCardPointer& card) {
+  const std::string id = card->uniqueId();
+  auto known = early_.find(id);
+  if (known == early_.end()) {
+    known = early_.emplace(id, newRecord(card)).first;
+    objectOf(known->second.get()).setBook(this);
+  } else if (objectOf(known->second.get()).sharedCard() != card) {
+    objectOf(known->second.get()).adopt(card, false);
+  }
+  return known->second.get();
 }
 
 ABRecord AddressBookObject::recordOf(RecordList::Entry& entry) {
@@ -57,12 +92,17 @@ NSArray AddressBookObject::arrayOf(RecordList& records) {
 }
 
 ABRecord AddressBookObject::find(const std::string& uniqueId) {
-  auto findIn = [&](RecordList& list, std::string_view suffix) -> ABRecord {
-    RecordList::Entry* entry = list.find(uniqueId.substr(0, uniqueId.size() - suffix.size()));
-    return entry == nullptr ? ABRecord() : recordOf(*entry);
-  };
-  if (uniqueId.ends_with(kPersonSuffix)) return findIn(persons_, kPersonSuffix);
-  return uniqueId.ends_with(kGroupSuffix) ? findIn(groups_, kGroupSuffix) : ABRecord();
+  const bool isGroup = uniqueId.ends_with(kGroupSuffix);
+  const std::string_view suffix = isGroup ? kGroupSuffix : kPersonSuffix;
+  if (!uniqueId.ends_with(suffix)) return nullptr;
+  const CardOutline id{std::string_view(uniqueId).substr(0, uniqueId.size() - suffix.size()), isGroup};
+  if (!records_) {
+    if (const auto known = early_.find(uniqueId); known != early_.end()) return known->second.get();
+    const StoredCardPointer card = database->card(id);
+    return card ? earlyRecord(card) : ABRecord();
+  }
+  RecordList::Entry* entry = records_->find(id);
+  return entry == nullptr ? ABRecord() : recordOf(*entry);
 }
 
 ABRecord AddressBookObject::recordForUniqueId(NSString uniqueId) {
@@ -80,13 +120,26 @@ NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
 NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) {
   if (!search) NSException::raise(NSInvalidArgumentException, "recordsMatchingSearchElement: the element is nil");
   NSMutableArray found = NSMutableArray::array();
-  for (RecordList* list : {&persons_, &groups_}) {
+  const auto addIfMatching = [&](auto recordOfIt) {
+    const AutoreleasePool pool;
+    const ABRecord record = recordOfIt();
+    if (record && search.matchesRecord(record)) found.addObject(record);
+  };
+  if (!records_ && !hasUnsavedChanges_ && !database->hasAllCards()) {
+    const auto cards = database->cardsThat([&](const CardOutline& card) { return mayMatch(search, card); });
+    for (const bool areGroups : {false, true}) {
+      for (const StoredCardPointer& card : cards) {
+        if (card->isGroup != areGroups) continue;
+        // An element of another class may ask the book for all records.
+        addIfMatching([&] { return records_ ? find(card->uniqueId()) : earlyRecord(card); });
+      }
+    }
+    return found;
+  }
+  for (RecordList* list : {&records().persons, &records().groups}) {
     list->forEach([&](RecordList::Entry& entry) {
       const bool isAsRead = !entry.record || objectOf(entry.record.get()).isAsRead();
-      if (isAsRead && !mayMatch(search, entry.card())) return;
-      const AutoreleasePool pool;
-      const ABRecord record = recordOf(entry);
-      if (search.matchesRecord(record)) found.addObject(record);
+      if (!isAsRead || mayMatch(search, entry.card())) addIfMatching([&] { return recordOf(entry); });
     });
   }
   return found;
@@ -101,7 +154,7 @@ bool AddressBookObject::addRecordOrFail(ABRecord record, NSError* error) {
   if (find(id)) return fail(error, ABAddRecordsError, id + " is taken by another record");
   if (isReadOnly()) return fail(error, ABAddRecordsError, "the folder " + database->path() + " can't be written");
   std::erase_if(removed_, [record](const Retained<ABRecord>& removed) { return removed.get() == record; });
-  listOf(added.card()).add({nullptr, Retained<ABRecord>::share(record)});
+  records().listOf(added.card()).add({nullptr, Retained<ABRecord>::share(record)});
   added.setBook(this);
   links_.reset();
   added.noteChange();
@@ -114,17 +167,17 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   const std::string id = removed.card().uniqueId();
   if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
-  groups_.forEach([&](RecordList::Entry& entry) { objectOf(recordOf(entry).as<ABGroup>()).forget(removed); });
+  records().groups.forEach([&](RecordList::Entry& entry) { objectOf(recordOf(entry).as<ABGroup>()).forget(removed); });
   if (me() == record) setMe(nullptr);
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
-  take(*entryOf(removed.card()));
+  take(*records().find(removed.card()));
   hasUnsavedChanges_ = true;
   return true;
 }
 
 NSArray AddressBookObject::groupsWith(const RecordObject& record) {
   NSMutableArray parents = NSMutableArray::array();
-  groups_.forEach([&](RecordList::Entry& entry) {
+  records().groups.forEach([&](RecordList::Entry& entry) {
     const ABRecord group = recordOf(entry);
     if (objectOf(group.as<ABGroup>()).has(record)) parents.addObject(group);
   });
@@ -134,28 +187,14 @@ NSArray AddressBookObject::groupsWith(const RecordObject& record) {
 NSArray AddressBookObject::linkedWith(ABRecord person) {
   if (!links_) {
     Links links;
-    persons_.forEach([&links](const RecordList::Entry& entry) { links.add(entry.card()); });
+    records().persons.forEach([&links](const RecordList::Entry& entry) { links.add(entry.card()); });
     links_ = std::move(links);
   }
   NSMutableArray people = NSMutableArray::array();
   for (const std::string& uid : links_->linkedWith(objectOf(person).uid())) {
-    if (RecordList::Entry* linked = persons_.find(uid)) people.addObject(recordOf(*linked));
+    if (RecordList::Entry* linked = records().persons.find(uid)) people.addObject(recordOf(*linked));
   }
   return people;
-}
-
-void AddressBookObject::load(std::vector<StoredCardPointer> cards) {
-  persons_.reserve(cards.size());
-  for (StoredCardPointer& card : cards) {
-    RecordList& list = listOf(*card);
-    list.add({std::move(card), {}});
-  }
-}
-
-void AddressBookObject::load(StoredCardPointer card) {
-  RecordList& list = listOf(*card);
-  list.add({std::move(card), {}});
-  links_.reset();
 }
 
 void AddressBookObject::take(RecordList::Entry& entry) {
@@ -163,7 +202,7 @@ void AddressBookObject::take(RecordList::Entry& entry) {
     objectOf(entry.record.get()).setBook(nullptr);
     Retained<ABRecord>(entry.record).autorelease();
   }
-  listOf(entry.card()).remove(entry);
+  records_->listOf(entry.card()).remove(entry);
   links_.reset();
 }
 

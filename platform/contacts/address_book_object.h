@@ -9,6 +9,7 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace contacts {
@@ -19,8 +20,8 @@ struct AddressBookObject : objc::Object {
   AddressBookObject& operator=(const AddressBookObject&) = delete;
   ~AddressBookObject();
 
-  [[nodiscard]] NSArray people() { return arrayOf(persons_); }
-  [[nodiscard]] NSArray groups() { return arrayOf(groups_); }
+  [[nodiscard]] NSArray people() { return arrayOf(records().persons); }
+  [[nodiscard]] NSArray groups() { return arrayOf(records().groups); }
   [[nodiscard]] ABRecord recordForUniqueId(NSString uniqueId);
   [[nodiscard]] NSString recordClassFromUniqueId(NSString uniqueId) const;
   [[nodiscard]] NSArray recordsMatchingSearchElement(ABSearchElement search);
@@ -38,8 +39,8 @@ struct AddressBookObject : objc::Object {
 
   Database* database = nullptr;  // lives as long as the process
 
-  // Of a book that is empty.
-  void load(std::vector<StoredCardPointer> cards);
+  // Lists all records now, rather than when somebody asks for them.
+  void loadRecords() { records(); }
   // The record is to be saved with the book.
   void noteChange(ABRecord record);
   // Takes over what became of cards.
@@ -52,20 +53,29 @@ struct AddressBookObject : objc::Object {
   [[nodiscard]] ABRecord find(const std::string& uniqueId);
 
  private:
+  struct Records {
+    [[nodiscard]] RecordList& listOf(const CardOutline& card) { return card.isGroup ? groups : persons; }
+    // Null when there is none.
+    [[nodiscard]] RecordList::Entry* find(const CardOutline& card) { return listOf(card).find(card.uid); }
+
+    RecordList persons;
+    RecordList groups;
+  };
+
+  // All of them; from the database's cards when they are first asked for.
+  Records& records();
   NSArray arrayOf(RecordList& records);
-  [[nodiscard]] RecordList& listOf(const StoredCard& card) { return card.isGroup ? groups_ : persons_; }
-  // Null when there is none.
-  [[nodiscard]] RecordList::Entry* entryOf(const StoredCard& card) { return listOf(card).find(card.uid); }
+  // That of a card that the database has, while they aren't listed.
+  ABRecord earlyRecord(const StoredCardPointer& card);
   ABRecord recordOf(RecordList::Entry& entry);
-  void load(StoredCardPointer card);
   void take(RecordList::Entry& entry);
   void absorb(const CardChange& change);
   [[nodiscard]] std::vector<Retained<ABRecord>> changedRecords() const;
   [[nodiscard]] SaveRequest saveRequest(const std::vector<Retained<ABRecord>>& changed) const;
   void finishSave(const std::vector<Retained<ABRecord>>& changed, const SaveResult& result);
 
-  RecordList persons_;
-  RecordList groups_;
+  std::optional<Records> records_;
+  std::unordered_map<std::string, Retained<ABRecord>> early_;  // those there are before the list, by unique id
   std::vector<Retained<ABRecord>> changed_;
   std::vector<Retained<ABRecord>> removed_;  // of those that the folder has
   std::optional<std::string> changedMe_;     // the UID; empty for none

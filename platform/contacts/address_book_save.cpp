@@ -20,6 +20,13 @@ bool failToSave(NSError* error, const std::exception& reason) {
 // Also what was added and has no other values than its card.
 bool isUnsaved(const RecordObject& record) { return record.card().database == nullptr || record.isChanged(); }
 
+// Takes over what the record's card is now; false where there is none, and the record goes with it.
+bool stays(RecordObject& record, const StoredCardPointer& now) {
+  if (!now) return isUnsaved(record);
+  if (record.sharedCard() != now) record.adopt(now, false);
+  return true;
+}
+
 }  // namespace
 
 bool AddressBookObject::saveOrFail(NSError* error) {
@@ -101,15 +108,20 @@ void AddressBookObject::absorb(const CardChange& change) {
     if (now) objectOf(removed.get()).adopt(now, false);
     return;
   }
-  RecordList::Entry* entry = entryOf(card);
+  if (!records_) {
+    const auto early = early_.find(card.uniqueId());
+    if (early == early_.end() || stays(objectOf(early->second.get()), now)) return;
+    objectOf(early->second.get()).setBook(nullptr);
+    Retained<ABRecord>(early->second).autorelease();
+    early_.erase(early);
+    return;
+  }
+  RecordList::Entry* entry = records_->find(card);
   if (entry == nullptr) {
-    if (now) load(now);
+    if (now) records_->listOf(*now).add({now, {}});
   } else if (!entry->record && now) {
     entry->unread = now;
-  } else if (now) {
-    RecordObject& record = objectOf(entry->record.get());
-    if (record.sharedCard() != now) record.adopt(now, false);
-  } else if (!entry->record || !isUnsaved(objectOf(entry->record.get()))) {
+  } else if (!entry->record || !stays(objectOf(entry->record.get()), now)) {
     take(*entry);
   }
 }

@@ -46,12 +46,12 @@ std::vector<CardChange> readFolder(Books& state, bool isWatched) {
   }
 }
 
-// Under the lock.
-Retained<ABAddressBook> newBook(const Books& state) {
+// Under the lock. One that isn't told of changes has the records of now.
+Retained<ABAddressBook> newBook(const Books& state, bool isTold) {
   auto* book = objc::createInstance<AddressBookObject>("ABAddressBook"_class);
   auto owner = Retained<ABAddressBook>::adopt(ABAddressBook(book));
   book->database = state.database.get();
-  book->load(state.database->cards());
+  if (!isTold || book->database->hasAllCards()) book->loadRecords();
   return owner;
 }
 
@@ -68,7 +68,7 @@ ABAddressBook sharedAddressBook(Class) {
   const std::scoped_lock guard(state.lock);
   if (!state.shared) {
     readFolder(state, true);
-    state.shared = newBook(state);
+    state.shared = newBook(state, true);
     changeFeed().setShared(*static_cast<AddressBookObject*>(state.shared->get()));
   }
   return state.shared.get();
@@ -81,7 +81,7 @@ ABAddressBook makeAddressBook(Class) {
   {
     const std::scoped_lock guard(state.lock);
     changes = readFolder(state, false);
-    book = newBook(state);
+    book = newBook(state, false);
   }
   changeFeed().add(std::move(changes), ChangeFeed::Origin::kOthers);
   return book.autorelease();

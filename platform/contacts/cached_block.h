@@ -63,6 +63,15 @@ class CachedBlock {
 
   // False when it has no card with an id of that hash.
   [[nodiscard]] bool mayHave(std::uint64_t idHash) const;
+  template <class Test>
+  [[nodiscard]] bool hasCardThat(Test test) const {
+    for (const FileRecord* file : files_) {
+      for (const CardRecord& card : cardsOf(*file)) {
+        if (test(outlineOf(card))) return true;
+      }
+    }
+    return false;
+  }
 
   // Makes the files that are left, as files of the database that were read when they had those stamps.
   static std::vector<CardFile> make(const std::shared_ptr<const CachedBlock>& block, const Database& database);

@@ -41,6 +41,8 @@ class CardFiles {
   // After a change that failed midway: cards are found by id as the files have them.
   void indexAgain();
 
+  // Whether nothing is left to be made.
+  [[nodiscard]] bool areMade() const { return unmadeCount_ == 0; }
   template <class Work>
   void forEach(Work work) {
     makeAll();
@@ -56,6 +58,21 @@ class CardFiles {
       }
       for (const CardFile& file : leaf.files) work(std::string_view(file.name));
     }
+  }
+  // In order, those cards whose outlines pass the test.
+  template <class Test>
+  [[nodiscard]] std::vector<StoredCardPointer> cardsThat(Test test) {
+    std::vector<StoredCardPointer> cards;
+    for (Leaf& leaf : leaves_) {
+      if (!leaf.isMade() && !leaf.block->hasCardThat(test)) continue;
+      make(leaf);
+      for (const CardFile& file : leaf.files) {
+        for (const StoredCardPointer& card : file.cards) {
+          if (test(*card)) cards.push_back(card);
+        }
+      }
+    }
+    return cards;
   }
 
  private:

@@ -65,6 +65,22 @@ std::vector<StoredCardPointer> Database::cards() {
   return cards;
 }
 
+std::vector<StoredCardPointer> Database::cardsThat(const std::function<bool(const CardOutline&)>& test) {
+  const std::scoped_lock guard(lock_);
+  return files_.cardsThat(test);
+}
+
+bool Database::hasAllCards() const {
+  const std::scoped_lock guard(lock_);
+  return files_.areMade();
+}
+
+StoredCardPointer Database::card(const CardOutline& id) {
+  const std::scoped_lock guard(lock_);
+  if (isBehind_) files_.indexAgain();
+  return files_.findCard(id);
+}
+
 StoredCardPointer Database::outcome(const CardChange& change) {
   const std::scoped_lock guard(lock_);
   if (isBehind_) return change.after;

@@ -8,6 +8,7 @@
 #include "platform/contacts/property_file.h"
 #include "platform/contacts/stored_card.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -55,6 +56,12 @@ class Database {
   [[nodiscard]] bool isWritable() const;
   // In the order of file names and, within a file, of position. A file that is no card is logged and left out.
   [[nodiscard]] std::vector<StoredCardPointer> cards();
+  // Whether every card is made.
+  [[nodiscard]] bool hasAllCards() const;
+  // Those of them whose outlines pass the test, which must not ask the database. The others need not be made for it.
+  [[nodiscard]] std::vector<StoredCardPointer> cardsThat(const std::function<bool(const CardOutline&)>& test);
+  // Null when there is none of that id.
+  [[nodiscard]] StoredCardPointer card(const CardOutline& id);
   // What the card of a change has become since; null when there is none any more.
   [[nodiscard]] StoredCardPointer outcome(const CardChange& change);
   // The UID of the owner's card; empty for none.

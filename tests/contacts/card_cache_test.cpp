@@ -175,6 +175,71 @@ TEST_F(CardCache, IsTheStateThatChangesAreToldFrom) {
   EXPECT_EQ(ofAll.second, " +600 -0 of 0");
 }
 
+// As long as nobody asks for all records, a book has those that were asked for.
+TEST_F(CardCache, LetsABookMakeSomeRecordsBeforeTheOthers) {
+  fs::create_directory(cache().parent_path());
+  names();
+  inChild([] {
+    const ABAddressBook book = ABAddressBook::sharedAddressBook();
+    const auto found = [&book](NSString name) {
+      return book.recordsMatchingSearchElement(
+          ABPerson::searchElement(kABFirstNameProperty, nullptr, nullptr, name, kABPrefixMatch));
+    };
+    EXPECT_EQ(uids(found("Name59"_ns)), "c59 c590 c591 c592 c593 c594 c595 c596 c597 c598 c599");
+    const ABPerson early = personIn(book, "c599");
+    EXPECT_TRUE(found("Name599"_ns).objectAtIndex(0) == early);
+    EXPECT_FALSE(personIn(book, "none"));
+    EXPECT_TRUE(early.setValue("Saved"_ns, kABFirstNameProperty));
+    EXPECT_TRUE(book.save());
+    EXPECT_EQ(uids(found("Saved"_ns)), "c599");
+    EXPECT_TRUE(early.setValue("Unsaved"_ns, kABFirstNameProperty));
+    EXPECT_EQ(uids(found("Unsaved"_ns)), "c599");
+    EXPECT_EQ(found("Saved"_ns).count(), 0U);
+    EXPECT_TRUE(book.people().containsObject(early));
+    EXPECT_EQ(book.people().count(), 600U);
+    EXPECT_EQ(shown(personIn(ABAddressBook::addressBook(), "c599"), "First"), "Saved");
+  });
+  inChild([this] {
+    const ABAddressBook book = ABAddressBook::sharedAddressBook();
+    const ABPerson changed = personIn(book, "c598");
+    const ABPerson removed = personIn(book, "c597");
+    writeCard("c598", "NAME598");
+    fs::remove(folder_.path() / "c597.vcf");
+    for (int i = 0; i < 100 && shown(changed, "First") == "Name598"; ++i) {
+      CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0.05, true);
+    }
+    EXPECT_EQ(shown(changed, "First"), "NAME598");
+    EXPECT_FALSE(personIn(book, "c597"));
+    EXPECT_FALSE(book.removeRecord(removed)) << "it is in no book";
+    EXPECT_TRUE(book.removeRecord(changed));
+    EXPECT_TRUE(book.save());
+    EXPECT_EQ(book.people().count(), 598U);
+  });
+}
+
+// One of another class, which asks for all records while a book looks for some.
+struct CuriousElement : objc::Object {
+  bool matchesRecord(ABRecord record) {
+    const std::string id = shown(record.uniqueId());
+    return ABAddressBook::sharedAddressBook().people().count() == 600 && (id == "c5:ABPerson" || id == "c599:ABPerson");
+  }
+};
+
+TEST_F(CardCache, LetsABookMakeTheOthersMeanwhile) {
+  fs::create_directory(cache().parent_path());
+  names();
+  inChild([] {
+    objc::ClassBuilder::define<CuriousElement>("CuriousElement", "NSObject")
+        .method<&CuriousElement::matchesRecord>("matchesRecord:");
+    const auto element = Retained<NSObject>::adopt(send<NSObject>(Class("CuriousElement"), "new"_sel));
+    const ABAddressBook book = ABAddressBook::sharedAddressBook();
+    const NSArray found = book.recordsMatchingSearchElement(element.get().as<ABSearchElement>());
+    ASSERT_EQ(uids(found), "c5 c599");
+    EXPECT_TRUE(found.objectAtIndex(0) == personIn(book, "c5"));
+    EXPECT_TRUE(found.objectAtIndex(1) == personIn(book, "c599"));
+  });
+}
+
 // More than have room between those that it has; others are gone, and one has moved.
 TEST_F(CardCache, TakesInWhatComesBetween) {
   fs::create_directory(cache().parent_path());
