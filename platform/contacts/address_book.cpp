@@ -170,6 +170,7 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   records().groups.forEach([&](RecordList::Entry& entry) { objectOf(recordOf(entry).as<ABGroup>()).forget(removed); });
   if (me() == record) setMe(nullptr);
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
+  std::erase_if(changed_, [record](const Retained<ABRecord>& changed) { return changed.get() == record; });
   take(*records().find(removed.card()));
   hasUnsavedChanges_ = true;
   return true;

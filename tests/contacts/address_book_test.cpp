@@ -84,6 +84,15 @@ TEST_F(AddressBook, FindsWhatIsLeftWhenMuchIsTakenOut) {
   EXPECT_EQ(uids(book.people()), "f h i b");
 }
 
+TEST_F(AddressBook, SavesOnceWhatWasAddedTwice) {
+  const ABAddressBook book = ABAddressBook::addressBook();
+  const auto person = newPerson(book);
+  EXPECT_TRUE(book.removeRecord(person.get()));
+  EXPECT_TRUE(book.addRecord(person.get()));
+  EXPECT_TRUE(book.save());
+  EXPECT_EQ(ABAddressBook::addressBook().people().count(), 1U);
+}
+
 TEST_F(AddressBook, MakesTheFolderThatIsMissingWhenItSaves) {
   unsetenv("ADDRESSBOOK_FOLDER");
   setenv("XDG_DATA_HOME", (folder_.path() / "data/user").c_str(), 1);
