@@ -120,26 +120,29 @@ NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
 NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) {
   if (!search) NSException::raise(NSInvalidArgumentException, "recordsMatchingSearchElement: the element is nil");
   NSMutableArray found = NSMutableArray::array();
-  const auto addIfMatching = [&](auto recordOfIt) {
-    const AutoreleasePool pool;
-    const ABRecord record = recordOfIt();
-    if (record && search.matchesRecord(record)) found.addObject(record);
-  };
   if (!records_ && !hasUnsavedChanges_ && !database->hasAllCards()) {
     const auto cards = database->cardsThat([&](const CardOutline& card) { return mayMatch(search, card); });
+    // All before the first is asked about: an element of another class may have the book list its records, or save.
+    std::vector<Retained<ABRecord>> records;
     for (const bool areGroups : {false, true}) {
       for (const StoredCardPointer& card : cards) {
-        if (card->isGroup != areGroups) continue;
-        // An element of another class may ask the book for all records.
-        addIfMatching([&] { return records_ ? find(card->uniqueId()) : earlyRecord(card); });
+        if (card->isGroup == areGroups) records.push_back(Retained<ABRecord>::share(earlyRecord(card)));
       }
+    }
+    for (const Retained<ABRecord>& record : records) {
+      const AutoreleasePool pool;
+      const bool isThere = objectOf(record.get()).book() == this;
+      if (isThere && search.matchesRecord(record.get())) found.addObject(record.get());
     }
     return found;
   }
   for (RecordList* list : {&records().persons, &records().groups}) {
     list->forEach([&](RecordList::Entry& entry) {
       const bool isAsRead = !entry.record || objectOf(entry.record.get()).isAsRead();
-      if (!isAsRead || mayMatch(search, entry.card())) addIfMatching([&] { return recordOf(entry); });
+      if (isAsRead && !mayMatch(search, entry.card())) return;
+      const AutoreleasePool pool;
+      const ABRecord record = recordOf(entry);
+      if (search.matchesRecord(record)) found.addObject(record);
     });
   }
   return found;
@@ -165,13 +168,16 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   if (!record) NSException::raise(NSInvalidArgumentException, "removeRecord: the record is nil");
   RecordObject& removed = objectOf(record);
   const std::string id = removed.card().uniqueId();
-  if (removed.book() != this) return fail(error, ABRemoveRecordsError, id + " is not in this address book");
+  RecordList::Entry* entry = removed.book() == this ? records().find(removed.card()) : nullptr;
+  if (entry == nullptr || entry->record.get() != record) {
+    return fail(error, ABRemoveRecordsError, id + " is not in this address book");
+  }
   if (isReadOnly()) return fail(error, ABRemoveRecordsError, "the folder " + database->path() + " can't be written");
-  records().groups.forEach([&](RecordList::Entry& entry) { objectOf(recordOf(entry).as<ABGroup>()).forget(removed); });
+  records().groups.forEach([&](RecordList::Entry& each) { objectOf(recordOf(each).as<ABGroup>()).forget(removed); });
   if (me() == record) setMe(nullptr);
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
   std::erase_if(changed_, [record](const Retained<ABRecord>& changed) { return changed.get() == record; });
-  take(*records().find(removed.card()));
+  take(*entry);
   hasUnsavedChanges_ = true;
   return true;
 }

@@ -85,7 +85,8 @@ void AddressBookObject::finishSave(const std::vector<Retained<ABRecord>>& change
   links_.reset();
   // Also those that have nothing to save any more note the next change.
   for (const Retained<ABRecord>& record : changed_) {
-    if (objectOf(record.get()).book() == this) objectOf(record.get()).setBook(this);
+    RecordObject& object = objectOf(record.get());
+    if (object.book() == this) object.noteAgain();
   }
   changed_.clear();
   changedMe_.reset();
@@ -98,8 +99,9 @@ void AddressBookObject::absorb(const std::vector<CardChange>& changes) {
 
 // What is there now counts: it may be told of a change when the book has saved another one since.
 void AddressBookObject::absorb(const CardChange& change) {
-  links_.reset();
   const StoredCard& card = change.after ? *change.after : *change.before;
+  if (!records_ && !early_.contains(card.uniqueId())) return;
+  links_.reset();
   const StoredCardPointer now = database->outcome(change);
   // What was taken out of the book stays out of it.
   for (const Retained<ABRecord>& removed : removed_) {
@@ -110,7 +112,7 @@ void AddressBookObject::absorb(const CardChange& change) {
   }
   if (!records_) {
     const auto early = early_.find(card.uniqueId());
-    if (early == early_.end() || stays(objectOf(early->second.get()), now)) return;
+    if (stays(objectOf(early->second.get()), now)) return;
     objectOf(early->second.get()).setBook(nullptr);
     Retained<ABRecord>(early->second).autorelease();
     early_.erase(early);

@@ -182,7 +182,6 @@ void RecordObject::noteChange() {
 void RecordObject::adopt(StoredCardPointer card, bool isSaved) {
   card_ = std::move(card);
   if (isSaved) {
-    isNoted_ = false;
     for (HeldValue& held : values_) held.isChanged = false;
   }
   if (isGroup()) static_cast<GroupObject*>(this)->dropMembers(isSaved);

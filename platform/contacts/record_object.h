@@ -57,8 +57,9 @@ struct RecordObject : objc::Object {
     book_ = book;
     isNoted_ = false;
   }
-  // Tells the book, once until the next save.
+  // Tells the book, once until it may note again.
   void noteChange();
+  void noteAgain() { isNoted_ = false; }
 
  protected:
   // The card's lines, until another card's are asked for on this thread.

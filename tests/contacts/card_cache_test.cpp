@@ -123,6 +123,14 @@ TEST_F(CardCache, MayBeForged) {
   EXPECT_EQ(namesWith({{kCard + 8, 0}, {kCard + 12, namesSize}}), before);
   const auto textsSize = static_cast<std::uint32_t>(numberAt(head + 16));
   EXPECT_EQ(namesWith({{kCard + 16, 0}, {kCard + 20, textsSize}}), before);
+  // Two cards with one id.
+  EXPECT_FALSE(namesWith({{kCard + kCardSize + 8, 6}}).empty());
+  inChild([] {
+    const ABAddressBook book = ABAddressBook::sharedAddressBook();
+    EXPECT_TRUE(personIn(book, "c0"));
+    for (const ABPerson person : each(book.people())) book.removeRecord(person);
+    EXPECT_LE(book.people().count(), 1U);
+  });
   // Blocks in another order, or twice.
   const std::size_t second = start + size + numberAt(head + 16);
   const std::size_t third = second + kHeadSize + numberAt(second) + numberAt(second + 16);
