@@ -77,14 +77,13 @@ ABAddressBook sharedAddressBook(Class) {
 ABAddressBook makeAddressBook(Class) {
   Books& state = books();
   std::vector<CardChange> changes;
-  Retained<ABAddressBook> book;
   {
     const std::scoped_lock guard(state.lock);
     changes = readFolder(state, false);
-    book = newBook(state, false);
   }
   changeFeed().add(std::move(changes), ChangeFeed::Origin::kOthers);
-  return book.autorelease();
+  const std::scoped_lock guard(state.lock);
+  return newBook(state, false).autorelease();
 }
 
 }  // namespace contacts

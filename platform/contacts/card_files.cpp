@@ -146,8 +146,8 @@ bool CardFiles::addCard(const StoredCardPointer& card) {
   return (blockCount_ == 0 || !findCard(*card)) && byId_.insert(card).second;
 }
 
-void CardFiles::removeCard(const CardOutline& id) {
-  if (const StoredCardPointer card = findCard(id)) byId_.erase(card);
+void CardFiles::removeCard(const StoredCardPointer& card) {
+  if (findCard(*card) == card) byId_.erase(card);
 }
 
 void CardFiles::indexAgain() {

@@ -29,15 +29,16 @@ class CardFiles {
   // Takes the place of one of the same name. Says nothing of the cards' ids.
   void put(CardFile file);
   void remove(std::string_view name);
-  // False, and nothing done, where the block has no files, or they don't come behind all others. Its cards' ids must
-  // not be taken.
+  // False, and nothing done, where the block has no files, or they don't come behind all others. Of cards with one
+  // id, which only a forged cache has, one alone is found by it.
   bool append(std::shared_ptr<const CachedBlock> block);
 
   // Null when there is no card of that id.
   [[nodiscard]] StoredCardPointer findCard(const CardOutline& id);
   // False when its id is taken.
   bool addCard(const StoredCardPointer& card);
-  void removeCard(const CardOutline& id);
+  // Does nothing when another card has its id.
+  void removeCard(const StoredCardPointer& card);
   // After a change that failed midway: cards are found by id as the files have them.
   void indexAgain();
 

@@ -9,7 +9,9 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <utility>
 
 namespace contacts {
@@ -62,7 +64,9 @@ void ChangeFeed::watch(Database& database) {
 }
 
 void ChangeFeed::setShared(AddressBookObject& book) {
+  constexpr std::size_t kEnough = 8;
   const std::scoped_lock guard(lock_);
+  batches_.reserve(kEnough);  // so that hardly ever one is lost where memory is short
   shared_ = &book;
 }
 
@@ -73,23 +77,23 @@ void ChangeFeed::add(std::vector<CardChange> changes, Origin origin, const Addre
     if (shared_ == nullptr) return;
     batches_.push_back({std::move(changes), origin, saver == shared_});
   }
-  if (isMainThread()) {
-    tell();
-  } else {
-    const std::uint64_t one = 1;
-    [[maybe_unused]] const ssize_t written = write(wake_.number(), &one, sizeof one);
-  }
+  const std::uint64_t one = 1;
+  [[maybe_unused]] const ssize_t written = write(wake_.number(), &one, sizeof one);
+  if (isMainThread()) tell();
 }
 
 // An observer may save in its turn: what that adds is told at once, after what was before it.
 void ChangeFeed::tell() {
-  std::uint64_t count = 0;
-  [[maybe_unused]] const ssize_t taken = read(wake_.number(), &count, sizeof count);
   while (true) {
+    const AutoreleasePool pool;
     Batch batch;
     {
       const std::scoped_lock guard(lock_);
-      if (batches_.empty()) return;
+      if (batches_.empty()) {
+        std::uint64_t count = 0;
+        [[maybe_unused]] const ssize_t taken = read(wake_.number(), &count, sizeof count);
+        return;
+      }
       batch = std::move(batches_.front());
       batches_.erase(batches_.begin());
     }
@@ -97,10 +101,16 @@ void ChangeFeed::tell() {
   }
 }
 
-void ChangeFeed::tell(const Batch& batch) {
-  const AutoreleasePool pool;
-  if (!batch.isKnown) shared_->absorb(batch.changes);
-  const NSDictionary userInfo = userInfoFor(batch.changes);
+void ChangeFeed::tell(Batch& batch) {
+  NSDictionary userInfo;
+  try {
+    if (!batch.isKnown) shared_->absorb(batch.changes);
+    userInfo = userInfoFor(batch.changes);
+  } catch (const std::bad_alloc&) {
+    const std::scoped_lock guard(lock_);
+    batches_.insert(batches_.begin(), std::move(batch));
+    throw;
+  }
   if (!userInfo) return;
   const NSString name =
       batch.origin == Origin::kThisProcess ? kABDatabaseChangedNotification : kABDatabaseChangedExternallyNotification;

@@ -34,7 +34,8 @@ class ChangeFeed {
   };
 
   void tell();
-  void tell(const Batch& batch);
+  // When memory is short, it is told the next time.
+  void tell(Batch& batch);
 
   std::mutex lock_;
   std::vector<Batch> batches_;

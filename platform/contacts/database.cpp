@@ -59,15 +59,17 @@ bool Database::isWritable() const {
 
 std::vector<StoredCardPointer> Database::cards() {
   const std::scoped_lock guard(lock_);
+  indexFiles();
   std::vector<StoredCardPointer> cards;
   cards.reserve(files_.count());
   files_.forEach([&](const CardFile& file) { cards.insert(cards.end(), file.cards.begin(), file.cards.end()); });
-  return cards;
+  return present(std::move(cards));
 }
 
 std::vector<StoredCardPointer> Database::cardsThat(const std::function<bool(const CardOutline&)>& test) {
   const std::scoped_lock guard(lock_);
-  return files_.cardsThat(test);
+  indexFiles();
+  return present(files_.cardsThat(test));
 }
 
 bool Database::hasAllCards() const {
@@ -77,8 +79,19 @@ bool Database::hasAllCards() const {
 
 StoredCardPointer Database::card(const CardOutline& id) {
   const std::scoped_lock guard(lock_);
-  if (isBehind_) files_.indexAgain();
+  indexFiles();
   return files_.findCard(id);
+}
+
+void Database::indexFiles() {
+  if (!isIndexBehind_) return;
+  files_.indexAgain();
+  isIndexBehind_ = false;
+}
+
+std::vector<StoredCardPointer> Database::present(std::vector<StoredCardPointer> cards) {
+  if (isBehind_) std::erase_if(cards, [this](const StoredCardPointer& card) { return files_.findCard(*card) != card; });
+  return cards;
 }
 
 StoredCardPointer Database::outcome(const CardChange& change) {

@@ -126,6 +126,9 @@ class Database {
   static void log(const std::string& message);
   void logOnce(const std::string& message);
   std::vector<CardChange> adopt(std::vector<FoundFile> found);
+  void indexFiles();
+  // But for those that are somewhere else by now, when it is behind.
+  [[nodiscard]] std::vector<StoredCardPointer> present(std::vector<StoredCardPointer> cards);
   void readData();
 
   mutable std::mutex lock_;
@@ -136,6 +139,10 @@ class Database {
   std::map<std::pair<JournalStep::Target, std::string>, std::string> overlay_;
   std::vector<CardChange> untold_;  // found by saves that failed
   bool isBehind_ = false;           // of what it has read or saved itself: memory was short
+  // What was taken over when it was: the cards that the files had, and what became of some of them.
+  std::vector<StoredCardPointer> known_;
+  std::vector<CardChange> changes_;
+  bool isIndexBehind_ = false;
   std::set<std::string> logged_;
   mutable bool isCacheDamaged_ = false;
   std::string me_;

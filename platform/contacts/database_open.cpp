@@ -28,7 +28,7 @@ std::vector<std::string> compare(CardFiles& files, const NameList& listed) {
   });
   std::move(name, names.end(), std::back_inserter(others));
   for (const std::string& each : gone) {
-    for (const StoredCardPointer& card : files.find(each)->cards) files.removeCard(*card);
+    for (const StoredCardPointer& card : files.find(each)->cards) files.removeCard(card);
     files.remove(each);
   }
   return others;

@@ -46,7 +46,7 @@ std::vector<std::string> cardFilesOf(const std::set<std::string>& names) {
 }  // namespace
 
 std::vector<CardChange> Database::readFiles(const std::set<std::string>* names) {
-  if (isBehind_) files_.indexAgain();
+  indexFiles();
   readData();
   const bool isFirst = isNew_ && files_.count() == 0 && overlay_.empty();
   std::vector<FoundFile> found =
@@ -140,25 +140,23 @@ void Database::addCards(CardFile& file, NewCards cards) const {
 }
 
 // Cards keep their ids when they move from one file to another, whatever the order in which the files are looked at.
+// Where memory is short in the middle, the next one takes it up, so that each change is told.
 std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   isBehind_ = true;
-  std::vector<StoredCardPointer> known;
+  isIndexBehind_ = true;
   for (const FoundFile& each : found) {
     const CardFile* before = files_.find(each.file.name);
-    if (before != nullptr) known.insert(known.end(), before->cards.begin(), before->cards.end());
+    if (before != nullptr) known_.insert(known_.end(), before->cards.begin(), before->cards.end());
   }
-  for (const StoredCardPointer& card : known) files_.removeCard(*card);
-  CardSet gone(known.begin(), known.end());
-  // Where memory is too short to go on, they are read anew.
-  for (const FoundFile& each : found) {
-    if (CardFile* before = files_.find(each.file.name)) {
-      before->cards.clear();
-      before->isSettled = false;
+  for (const StoredCardPointer& card : known_) files_.removeCard(card);
+  CardSet gone(known_.rbegin(), known_.rend());  // each as it was last known
+  for (const CardChange& change : changes_) {
+    if (auto old = change.before ? gone.find(change.before) : gone.end(); old != gone.end() && *old == change.before) {
+      gone.erase(old);
     }
   }
 
-  std::vector<CardChange> changes;
-  changes.reserve(found.size());
+  changes_.reserve(changes_.size() + found.size());
   for (auto& [state, file, refusal] : found) {
     if (state == FoundFile::State::kGone) {
       files_.remove(file.name);
@@ -176,20 +174,24 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
       const bool isSame = before && before->hash == card->hash && before->fileName == card->fileName &&
                           before->position == card->position;
       if (isSame) {
-        files_.removeCard(*card);
+        files_.removeCard(card);
         files_.addCard(before);
         card = std::move(before);
       } else {
-        changes.push_back({std::move(before), card});
+        changes_.push_back({std::move(before), card});
       }
     }
     files_.put(std::move(file));
   }
-  for (const StoredCardPointer& card : known) {
-    if (gone.contains(card)) changes.push_back({card, nullptr});
+  for (const StoredCardPointer& card : known_) {
+    if (const auto old = gone.find(card); old == gone.end() || *old != card) continue;
+    StoredCardPointer now = files_.findCard(*card);
+    if (now != card) changes_.push_back({card, std::move(now)});
   }
+  known_.clear();
   isBehind_ = false;
-  return changes;
+  isIndexBehind_ = false;
+  return std::exchange(changes_, {});
 }
 
 }  // namespace contacts

@@ -1,3 +1,4 @@
+#include "platform/foundation/run_loop.h"
 #include "tests/contacts/book_test.h"
 #include "tests/contacts/in_child.h"
 #include "tests/contacts/store_scenarios.h"
@@ -115,6 +116,48 @@ TEST(AllocationSweep, KeepsTheIdsOfARefresh) {
     failure.left = -1;
     for (const ABAddressBook each : {book, ABAddressBook::addressBook()}) ASSERT_EQ(uids(each.people()), "a b c");
     if (!failure.isHit) break;
+  }
+}
+
+// The same where cards move, come and go, and a book is told of it.
+TEST(AllocationSweep, TellsWhatARefreshFound) {
+  const AutoreleasePool pool;
+  const ContactsFolder folder;
+  const auto write = [&folder](const std::string& file, const std::string& uid, const std::string& name) {
+    folder.writeCard(file + ".vcf", "UID:" + uid + "\nN:" + name + "\n");
+  };
+  for (int at = 0;; ++at) {
+    SCOPED_TRACE(at);
+    for (const char* uid : {"gone", "moved", "same", "changed"}) write(uid, uid, "Before");
+    std::filesystem::remove(folder.path() / "a.vcf");
+    const auto [status, answer] = answerOfChild([&] {
+      const ABAddressBook book = ABAddressBook::sharedAddressBook();
+      const ABPerson gone = personIn(book, "gone");
+      std::filesystem::remove(folder.path() / "gone.vcf");
+      write("a", "moved", "Before");
+      write("moved", "new", "After");
+      write("changed", "changed", "After");
+      failure = {at, false, false};
+      try {
+        ABAddressBook::addressBook();
+      } catch (const std::bad_alloc&) {
+      }
+      failure.left = -1;
+      const ABAddressBook other = ABAddressBook::addressBook();
+      CFRunLoopRunInMode(kCFRunLoopDefaultMode, 0, true);
+      EXPECT_EQ(uids(other.people()), "moved changed new same");
+      for (const char* uid : {"moved", "changed", "new", "same"}) {
+        const bool isAfter = uid == std::string("changed") || uid == std::string("new");
+        for (const ABAddressBook each : {book, other}) {
+          EXPECT_EQ(shown(personIn(each, uid), "Last"), isAfter ? "After" : "Before") << uid;
+        }
+      }
+      EXPECT_EQ(book.people().count(), 4U);
+      EXPECT_FALSE(book.removeRecord(gone));
+      return std::string(failure.isHit ? "hit" : "");
+    });
+    EXPECT_EQ(status, 0);
+    if (answer.empty()) break;
   }
 }
 
