@@ -119,31 +119,29 @@ NSString AddressBookObject::recordClassFromUniqueId(NSString uniqueId) const {
 
 NSArray AddressBookObject::recordsMatchingSearchElement(ABSearchElement search) {
   if (!search) NSException::raise(NSInvalidArgumentException, "recordsMatchingSearchElement: the element is nil");
-  NSMutableArray found = NSMutableArray::array();
+  // All before the first is asked about: an element of another class may change the book meanwhile.
+  std::vector<Retained<ABRecord>> candidates;
   if (!records_ && !hasUnsavedChanges_ && !database->hasAllCards()) {
     const auto cards = database->cardsThat([&](const CardOutline& card) { return mayMatch(search, card); });
-    // All before the first is asked about: an element of another class may have the book list its records, or save.
-    std::vector<Retained<ABRecord>> records;
     for (const bool areGroups : {false, true}) {
       for (const StoredCardPointer& card : cards) {
-        if (card->isGroup == areGroups) records.push_back(Retained<ABRecord>::share(earlyRecord(card)));
+        if (card->isGroup == areGroups) candidates.push_back(Retained<ABRecord>::share(earlyRecord(card)));
       }
     }
-    for (const Retained<ABRecord>& record : records) {
-      const AutoreleasePool pool;
-      const bool isThere = objectOf(record.get()).book() == this;
-      if (isThere && search.matchesRecord(record.get())) found.addObject(record.get());
+  } else {
+    for (RecordList* list : {&records().persons, &records().groups}) {
+      list->forEach([&](RecordList::Entry& entry) {
+        const bool isAsRead = !entry.record || objectOf(entry.record.get()).isAsRead();
+        if (!isAsRead || mayMatch(search, entry.card()))
+          candidates.push_back(Retained<ABRecord>::share(recordOf(entry)));
+      });
     }
-    return found;
   }
-  for (RecordList* list : {&records().persons, &records().groups}) {
-    list->forEach([&](RecordList::Entry& entry) {
-      const bool isAsRead = !entry.record || objectOf(entry.record.get()).isAsRead();
-      if (isAsRead && !mayMatch(search, entry.card())) return;
-      const AutoreleasePool pool;
-      const ABRecord record = recordOf(entry);
-      if (search.matchesRecord(record)) found.addObject(record);
-    });
+  NSMutableArray found = NSMutableArray::array();
+  for (const Retained<ABRecord>& record : candidates) {
+    const AutoreleasePool pool;
+    const bool isThere = objectOf(record.get()).book() == this;
+    if (isThere && search.matchesRecord(record.get())) found.addObject(record.get());
   }
   return found;
 }
@@ -176,7 +174,6 @@ bool AddressBookObject::removeRecordOrFail(ABRecord record, NSError* error) {
   records().groups.forEach([&](RecordList::Entry& each) { objectOf(recordOf(each).as<ABGroup>()).forget(removed); });
   if (me() == record) setMe(nullptr);
   if (removed.card().database != nullptr) removed_.push_back(Retained<ABRecord>::share(record));
-  std::erase_if(changed_, [record](const Retained<ABRecord>& changed) { return changed.get() == record; });
   take(*entry);
   hasUnsavedChanges_ = true;
   return true;
@@ -204,11 +201,14 @@ NSArray AddressBookObject::linkedWith(ABRecord person) {
   return people;
 }
 
+void AddressBookObject::letGo(Retained<ABRecord> record) {
+  std::erase_if(changed_, [&record](const Retained<ABRecord>& changed) { return changed.get() == record.get(); });
+  objectOf(record.get()).setBook(nullptr);
+  std::move(record).autorelease();
+}
+
 void AddressBookObject::take(RecordList::Entry& entry) {
-  if (entry.record) {
-    objectOf(entry.record.get()).setBook(nullptr);
-    Retained<ABRecord>(entry.record).autorelease();
-  }
+  if (entry.record) letGo(entry.record);
   records_->listOf(entry.card()).remove(entry);
   links_.reset();
 }

@@ -69,6 +69,8 @@ struct AddressBookObject : objc::Object {
   ABRecord earlyRecord(const StoredCardPointer& card);
   ABRecord recordOf(RecordList::Entry& entry);
   void take(RecordList::Entry& entry);
+  // It is in the book no more, and lives as long as the pool.
+  void letGo(Retained<ABRecord> record);
   void absorb(const CardChange& change);
   [[nodiscard]] std::vector<Retained<ABRecord>> changedRecords() const;
   [[nodiscard]] SaveRequest saveRequest(const std::vector<Retained<ABRecord>>& changed) const;

@@ -113,8 +113,7 @@ void AddressBookObject::absorb(const CardChange& change) {
   if (!records_) {
     const auto early = early_.find(card.uniqueId());
     if (stays(objectOf(early->second.get()), now)) return;
-    objectOf(early->second.get()).setBook(nullptr);
-    Retained<ABRecord>(early->second).autorelease();
+    letGo(early->second);
     early_.erase(early);
     return;
   }

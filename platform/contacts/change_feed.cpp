@@ -56,18 +56,19 @@ ChangeFeed& changeFeed() {
 void ChangeFeed::watch(Database& database) {
   const std::scoped_lock guard(lock_);
   if (watch_) return;
+  wakeSource_.reset();
+  wake_ = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+  if (wake_.isOpen()) wakeSource_ = std::make_unique<RunLoopSource>(wake_.number(), [this] { tell(); });
   watch_ = std::make_unique<FolderWatch>(database.path(), [this, &database](const std::set<std::string>* names) {
     add(database.refresh(names), Origin::kOthers);
   });
-  wake_ = FileDescriptor(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
-  if (wake_.isOpen()) wakeSource_ = std::make_unique<RunLoopSource>(wake_.number(), [this] { tell(); });
 }
 
 void ChangeFeed::setShared(AddressBookObject& book) {
   constexpr std::size_t kEnough = 8;
   const std::scoped_lock guard(lock_);
-  batches_.reserve(kEnough);  // so that hardly ever one is lost where memory is short
   shared_ = &book;
+  batches_.reserve(kEnough);  // so that hardly ever one is lost where memory is short
 }
 
 void ChangeFeed::add(std::vector<CardChange> changes, Origin origin, const AddressBookObject* saver) {

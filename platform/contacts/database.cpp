@@ -139,9 +139,9 @@ std::vector<CardChange> Database::refresh(const std::set<std::string>* names) {
   const FolderLock reading = settle();
   if (wasOverlaid || !overlay_.empty() || isBehind_ || isNew_) names = nullptr;
   std::vector<CardChange> changes = readFiles(names);
-  changes.insert(changes.begin(), untold_.begin(), untold_.end());
-  untold_.clear();
-  return changes;
+  if (untold_.empty()) return changes;
+  untold_.insert(untold_.end(), changes.begin(), changes.end());
+  return std::exchange(untold_, {});
 }
 
 void Database::refreshProperties() {

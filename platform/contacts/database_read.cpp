@@ -146,9 +146,10 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
   isIndexBehind_ = true;
   for (const FoundFile& each : found) {
     const CardFile* before = files_.find(each.file.name);
-    if (before != nullptr) known_.insert(known_.end(), before->cards.begin(), before->cards.end());
+    if (before == nullptr) continue;
+    known_.insert(known_.end(), before->cards.begin(), before->cards.end());
+    for (const StoredCardPointer& card : before->cards) files_.removeCard(card);
   }
-  for (const StoredCardPointer& card : known_) files_.removeCard(card);
   CardSet gone(known_.rbegin(), known_.rend());  // each as it was last known
   for (const CardChange& change : changes_) {
     if (auto old = change.before ? gone.find(change.before) : gone.end(); old != gone.end() && *old == change.before) {
@@ -156,13 +157,13 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
     }
   }
 
-  changes_.reserve(changes_.size() + found.size());
   for (auto& [state, file, refusal] : found) {
     if (state == FoundFile::State::kGone) {
       files_.remove(file.name);
       continue;
     }
     if (!refusal.empty()) logOnce(file.name + ": " + refusal + "; left alone");
+    std::vector<CardChange> changes;
     for (StoredCardPointer& card : file.cards) {
       for (std::string behind; !files_.addCard(card); behind += '/') {
         auto other = std::make_shared<SingleCard>(*card);
@@ -178,15 +179,20 @@ std::vector<CardChange> Database::adopt(std::vector<FoundFile> found) {
         files_.addCard(before);
         card = std::move(before);
       } else {
-        changes_.push_back({std::move(before), card});
+        changes.push_back({std::move(before), card});
       }
     }
+    const std::size_t count = changes_.size() + changes.size();
+    if (count > changes_.capacity()) changes_.reserve(2 * count);
     files_.put(std::move(file));
+    std::ranges::move(changes, std::back_inserter(changes_));
   }
   for (const StoredCardPointer& card : known_) {
-    if (const auto old = gone.find(card); old == gone.end() || *old != card) continue;
+    const auto old = gone.find(card);
+    if (old == gone.end() || *old != card) continue;
     StoredCardPointer now = files_.findCard(*card);
     if (now != card) changes_.push_back({card, std::move(now)});
+    gone.erase(old);
   }
   known_.clear();
   isBehind_ = false;

@@ -229,6 +229,7 @@ SaveResult DatabaseSave::finish() {
   for (const CardUpdate& update : request_.updates) result.saved.push_back({update.card, nullptr});
   keepRemoved(result);
   const std::vector<CardChange> changes = adoptWritten();
+  foreign_.insert(foreign_.end(), changes.begin(), changes.end());
   if (request_.me) database_.me_ = *request_.me;
   if (properties_.count > 0) adoptPropertyFile(properties_.text);
   result.changedProperties = properties_.count;
@@ -239,10 +240,9 @@ SaveResult DatabaseSave::finish() {
     own.insert(update.card->uniqueId());
     if (!update.isRemoval) result.saved[i].after = database_.files_.findCard(*update.card);
   }
-  foreign_.insert(foreign_.end(), changes.begin(), changes.end());
-  for (CardChange& change : foreign_) {
+  for (const CardChange& change : foreign_) {
     const StoredCard& card = change.after ? *change.after : *change.before;
-    if (!own.contains(card.uniqueId())) result.foreign.push_back(std::move(change));
+    if (!own.contains(card.uniqueId())) result.foreign.push_back(change);
   }
   return result;
 }

@@ -175,8 +175,8 @@ std::string RecordObject::changedText() {
 
 void RecordObject::noteChange() {
   if (book_ == nullptr || isNoted_) return;
-  isNoted_ = true;
   book_->noteChange(ABRecord(this));
+  isNoted_ = true;
 }
 
 void RecordObject::adopt(StoredCardPointer card, bool isSaved) {
