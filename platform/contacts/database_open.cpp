@@ -53,6 +53,7 @@ std::vector<Database::FoundFile> Database::lookWithCache() {
   if (names != listed.sum()) others = compare(cached, listed);
   std::vector<FoundFile> found = lookAt(std::move(others));
 
+  if (cached.count() == 0) return found;
   CardSet cards;
   bool hasDoubles = false;
   for (const FoundFile& each : found) {
